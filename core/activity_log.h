@@ -1,0 +1,17 @@
+// log.txt: one line an event, the only place where the program says what it did and what went wrong.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/clock.h"
+
+// Appends "2026-03-07 09:05:02.047": 23 characters.
+void AppendTimestamp(std::wstring& text, const LocalTime& time);
+
+// The stamp of the current local time.
+std::wstring FormatTimestamp();
+
+// Appends the stamp of now, two blanks, the message and a line end to log.txt. The stamp is taken before
+// FileLock, so lines of two threads can stand in the opposite order of their stamps; that is accepted.
+void LogMessage(std::wstring_view message);

@@ -1,0 +1,28 @@
+// Decimal numbers and white space in text that operators and MIB authors wrote, with the rules of the
+// runtime's _wtoi and iswspace spelled out here, so that every build reads the same file alike.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+// White space as the Windows runtime classes it: the ASCII six, U+0085, U+00A0 and the Unicode space
+// separators.
+bool IsWideSpace(wchar_t character);
+
+// Leading white space (all of the above but U+0085) skipped, an optional sign, digits up to the first other
+// character; the rest is ignored. No digits give 0. Clamped to the range of int32_t, never wrapped.
+// The runtime also takes the decimal digits of several other scripts; so does this.
+int32_t ParseDecimalInt(std::wstring_view text);
+
+// No value has more decimal digits than this.
+constexpr size_t kMaxDecimalDigits = 20;
+
+// Writes plain decimal digits (no grouping, no padding) to `out`, which has room for kMaxDecimalDigits, and
+// returns the place behind the last one.
+wchar_t* WriteDecimal(wchar_t* out, uint64_t value);
+
+// The same, appended; a negative value gets a leading "-".
+void AppendDecimal(std::wstring& text, uint64_t value);
+void AppendSignedDecimal(std::wstring& text, int64_t value);

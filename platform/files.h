@@ -1,0 +1,31 @@
+// Files as whole operations: each call opens, works and closes, and leaves no handle behind. Paths are wide
+// texts with backslashes. Files are opened so that other programs may read, write and delete them meanwhile.
+// Nothing here locks: the data files are guarded by FileLock in core/data_files.h.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+// Writes `octets` behind the file's end, creating the file when it is missing (also when `octets` is empty).
+// False: the file could not be opened or the write fell short (a full disk keeps what fitted).
+bool AppendOctets(const std::wstring& path, std::string_view octets);
+
+// Creates the file or empties it, then writes `octets`. False: it could not be opened, and is unchanged.
+// Kept: a write that falls short still answers true, since a replaced file has lost its old content already.
+bool ReplaceOctets(const std::wstring& path, std::string_view octets);
+
+// Fills `octets` with everything from `offset` to the end; an offset beyond the end reads from the start.
+// False, `octets` emptied: the file could not be opened or read. May throw std::bad_alloc.
+bool ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octets);
+
+// The size in octets as the folder tells it, without opening the file; nothing when there is no such file.
+std::optional<uint64_t> QueryFileSize(const std::wstring& path);
+
+// Copies a file's content over `target`, whether that exists or not. False: something in the way; a target
+// that could not be replaced is unchanged.
+bool CopyFileOver(const std::wstring& source, const std::wstring& target);
+
+// False: the file is missing or may not be removed.
+bool RemoveFile(const std::wstring& path);

@@ -1,0 +1,92 @@
+#include "platform/folders.h"
+
+#include <dirent.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <memory>
+#include <string_view>
+
+#include "platform/posix/posix_paths.h"
+#include "platform/text.h"
+#include "platform/utf8.h"
+
+namespace {
+
+constexpr mode_t kNewFolderMode = 0755;
+
+struct FolderCloser {
+    void operator()(DIR* folder) const { closedir(folder); }
+};
+using ScopedFolder = std::unique_ptr<DIR, FolderCloser>;
+
+// A name that is not UTF-8 still gets some text of its own.
+void DecodeName(std::string_view octets, std::wstring& name) {
+    if (!DecodeUtf8(octets, name)) {
+        DecodeAnsi(octets, name);
+    }
+}
+
+// False: the entry vanished or may not be looked at.
+bool ReadEntryType(const std::string& folder, const dirent& entry, bool* isRegularFile) {
+    if (entry.d_type != DT_UNKNOWN && entry.d_type != DT_LNK) {
+        *isRegularFile = entry.d_type == DT_REG;
+        return true;
+    }
+    struct stat status {};
+    const bool known = stat((folder + "/" + entry.d_name).c_str(), &status) == 0;
+    // A link that leads nowhere is an entry like any other, just no file.
+    *isRegularFile = known && S_ISREG(status.st_mode);
+    return known || entry.d_type == DT_LNK;
+}
+
+}  // namespace
+
+std::wstring QueryLocalAppDataFolder() {
+    const char* home = std::getenv("QUILLMONT_DATA_HOME");
+    std::wstring folder;
+    if (home != nullptr) {
+        DecodeName(home, folder);
+    }
+    return folder;
+}
+
+bool PathExists(const std::wstring& path) {
+    struct stat status {};
+    return stat(ToPosixPath(path).c_str(), &status) == 0;
+}
+
+void CreateFolderWithParents(const std::wstring& path) {
+    const std::string folder = ToPosixPath(path);
+    for (size_t slash = folder.find('/', 1); slash != std::string::npos;
+         slash = folder.find('/', slash + 1)) {
+        mkdir(folder.substr(0, slash).c_str(), kNewFolderMode);
+    }
+    mkdir(folder.c_str(), kNewFolderMode);
+}
+
+bool EnumerateFolder(const std::wstring& path, const std::function<void(const FolderEntry&)>& visit) {
+    const std::string folder = ToPosixPath(path);
+    const ScopedFolder stream(opendir(folder.c_str()));
+    if (!stream) {
+        return false;
+    }
+    FolderEntry found;
+    for (;;) {
+        errno = 0;
+        const dirent* entry = readdir(stream.get());
+        if (entry == nullptr) {
+            return errno == 0;
+        }
+        const std::string_view name = entry->d_name;
+        if (name == "." || name == "..") {
+            continue;
+        }
+        if (!ReadEntryType(folder, *entry, &found.isRegularFile)) {
+            return false;
+        }
+        DecodeName(name, found.name);
+        visit(found);
+    }
+}

@@ -1,0 +1,141 @@
+#include "platform/udp_socket.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+
+#include <cerrno>
+#include <mutex>
+
+#include "platform/posix/scoped_descriptor.h"
+
+// Closing a descriptor does not wake a thread that waits on it here, so each socket has an event beside it.
+struct UdpSocket {
+    UdpSocket(ScopedDescriptor socket, ScopedDescriptor event)
+        : descriptor(std::move(socket)), closedEvent(std::move(event)) {}
+
+    std::mutex lock;               // guards `descriptor` while one non-blocking call uses it
+    ScopedDescriptor descriptor;   // reset by CloseUdpSocket
+    ScopedDescriptor closedEvent;  // readable from the close on; lives as long as the socket object
+};
+
+namespace {
+
+sockaddr_in MakeSystemAddress(const Ipv4Endpoint& endpoint) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(endpoint.port);
+    address.sin_addr.s_addr = htonl(endpoint.address);
+    return address;
+}
+
+// Nothing waits in the socket: the caller should wait for its event.
+constexpr ssize_t kNothingThere = -2;
+constexpr ssize_t kClosed = -3;
+
+ssize_t TryReceive(UdpSocket& socket, uint8_t* buffer, size_t capacity, sockaddr_in* sender) {
+    const std::lock_guard lock(socket.lock);
+    if (!socket.descriptor) {
+        return kClosed;
+    }
+    socklen_t senderSize = sizeof *sender;
+    const ssize_t got = recvfrom(socket.descriptor.get(), buffer, capacity, MSG_DONTWAIT,
+                                 reinterpret_cast<sockaddr*>(sender), &senderSize);
+    return got < 0 && errno == EAGAIN ? kNothingThere : got;
+}
+
+void WaitForDatagramOrClose(UdpSocket& socket) {
+    pollfd waits[2] = {{-1, POLLIN, 0}, {socket.closedEvent.get(), POLLIN, 0}};
+    {
+        const std::lock_guard lock(socket.lock);
+        // A number that is closed after this and taken over by another file only wakes us for one look.
+        waits[0].fd = socket.descriptor.get();
+    }
+    poll(waits, 2, -1);
+}
+
+}  // namespace
+
+bool StartSocketLibrary() {
+    return true;
+}
+
+void StopSocketLibrary() {}
+
+UdpSocketRef OpenUdpSocket() {
+    ScopedDescriptor descriptor(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, IPPROTO_UDP));
+    ScopedDescriptor event(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
+    if (!descriptor || !event) {
+        return nullptr;
+    }
+    return std::make_shared<UdpSocket>(std::move(descriptor), std::move(event));
+}
+
+bool BindToAllAddresses(UdpSocket& socket, uint16_t port) {
+    const std::lock_guard lock(socket.lock);
+    const int reuse = 1;
+    setsockopt(socket.descriptor.get(), SOL_SOCKET, SO_REUSEADDR, &reuse, sizeof reuse);
+    const sockaddr_in address = MakeSystemAddress({INADDR_ANY, port});
+    return bind(socket.descriptor.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+}
+
+void RequestReceiveBuffer(UdpSocket& socket, int octets) {
+    const std::lock_guard lock(socket.lock);
+    setsockopt(socket.descriptor.get(), SOL_SOCKET, SO_RCVBUF, &octets, sizeof octets);
+}
+
+int QueryReceiveBuffer(UdpSocket& socket) {
+    const std::lock_guard lock(socket.lock);
+    int octets = 0;
+    socklen_t size = sizeof octets;
+    getsockopt(socket.descriptor.get(), SOL_SOCKET, SO_RCVBUF, &octets, &size);
+    return octets;
+}
+
+ReceiveResult ReceiveDatagram(UdpSocket& socket, uint8_t* buffer, size_t capacity, size_t* size,
+                              Ipv4Endpoint* sender) {
+    for (;;) {
+        sockaddr_in from{};
+        const ssize_t got = TryReceive(socket, buffer, capacity, &from);
+        if (got >= 0) {
+            *size = static_cast<size_t>(got);
+            *sender = {ntohl(from.sin_addr.s_addr), ntohs(from.sin_port)};
+            return ReceiveResult::Datagram;
+        }
+        if (got == kClosed) {
+            return ReceiveResult::Closed;
+        }
+        if (got != kNothingThere) {
+            return ReceiveResult::Failed;
+        }
+        WaitForDatagramOrClose(socket);
+    }
+}
+
+SendResult SendDatagram(UdpSocket& socket, const Ipv4Endpoint& target, const uint8_t* octets, size_t size) {
+    const sockaddr_in address = MakeSystemAddress(target);
+    const std::lock_guard lock(socket.lock);
+    if (!socket.descriptor) {
+        return SendResult::Closed;
+    }
+    const ssize_t sent = sendto(socket.descriptor.get(), octets, size, 0,
+                                reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    return sent < 0 ? SendResult::Failed : SendResult::Sent;
+}
+
+void CloseUdpSocket(UdpSocket& socket) {
+    const std::lock_guard lock(socket.lock);
+    socket.descriptor.Reset();
+    eventfd_write(socket.closedEvent.get(), 1);
+}
+
+bool ParseIpv4Address(const std::string& text, uint32_t* address) {
+    in_addr parsed{};
+    if (inet_pton(AF_INET, text.c_str(), &parsed) != 1) {
+        return false;
+    }
+    *address = ntohl(parsed.s_addr);
+    return true;
+}

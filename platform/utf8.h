@@ -1,0 +1,11 @@
+// UTF-8 to wide text and back, the same code on every system so that every build accepts the same octets.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// True: `octets` are well-formed UTF-8 (no overlong forms, no surrogates, nothing above U+10FFFF) and
+// replaced `text`. False: one sequence or more is invalid; `text` is unspecified. A byte-order mark is a
+// character like any other. Characters above U+FFFF become surrogate pairs where wide characters have 16
+// bits.
+bool DecodeUtf8(std::string_view octets, std::wstring& text);

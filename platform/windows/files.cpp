@@ -1,0 +1,109 @@
+#include "platform/files.h"
+
+#include <algorithm>
+
+#include "platform/windows/scoped_handle.h"
+
+namespace {
+
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+constexpr size_t kLargestTransfer = size_t{1} << 30;
+
+ScopedHandle OpenFile(const std::wstring& path, DWORD access, DWORD disposition) {
+    return ScopedHandle(
+        CreateFileW(path.c_str(), access, kShareAll, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+DWORD TransferSize(size_t left) {
+    return static_cast<DWORD>(std::min(left, kLargestTransfer));
+}
+
+bool WriteAll(HANDLE file, std::string_view octets) {
+    while (!octets.empty()) {
+        DWORD written = 0;
+        if (!WriteFile(file, octets.data(), TransferSize(octets.size()), &written, nullptr) || written == 0) {
+            return false;
+        }
+        octets.remove_prefix(written);
+    }
+    return true;
+}
+
+// The end as found at the opening decides how much is read, so a file that grows meanwhile cannot hold us up.
+bool ReadRange(HANDLE file, uint64_t offset, uint64_t end, std::string& octets) {
+    LARGE_INTEGER position{};
+    position.QuadPart = static_cast<LONGLONG>(offset);
+    if (!SetFilePointerEx(file, position, nullptr, FILE_BEGIN)) {
+        return false;
+    }
+    octets.resize(static_cast<size_t>(end - offset));
+    size_t filled = 0;
+    while (filled < octets.size()) {
+        DWORD got = 0;
+        if (!ReadFile(file, octets.data() + filled, TransferSize(octets.size() - filled), &got, nullptr)) {
+            return false;
+        }
+        if (got == 0) {
+            break;
+        }
+        filled += got;
+    }
+    octets.resize(filled);
+    return true;
+}
+
+}  // namespace
+
+bool AppendOctets(const std::wstring& path, std::string_view octets) {
+    // Append access alone: the system itself puts each write behind the end, whoever else writes there.
+    const ScopedHandle file = OpenFile(path, FILE_APPEND_DATA, OPEN_ALWAYS);
+    return file && WriteAll(file.get(), octets);
+}
+
+bool ReplaceOctets(const std::wstring& path, std::string_view octets) {
+    const ScopedHandle file = OpenFile(path, GENERIC_WRITE, CREATE_ALWAYS);
+    if (!file) {
+        return false;
+    }
+    WriteAll(file.get(), octets);
+    return true;
+}
+
+bool ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octets) {
+    octets.clear();
+    const ScopedHandle file = OpenFile(path, GENERIC_READ, OPEN_EXISTING);
+    LARGE_INTEGER fileSize{};
+    if (!file || !GetFileSizeEx(file.get(), &fileSize)) {
+        return false;
+    }
+    const auto size = static_cast<uint64_t>(fileSize.QuadPart);
+    if (!ReadRange(file.get(), offset > size ? 0 : offset, size, octets)) {
+        octets.clear();
+        return false;
+    }
+    return true;
+}
+
+std::optional<uint64_t> QueryFileSize(const std::wstring& path) {
+    WIN32_FILE_ATTRIBUTE_DATA attributes{};
+    if (!GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &attributes)) {
+        return std::nullopt;
+    }
+    return (uint64_t{attributes.nFileSizeHigh} << 32) | attributes.nFileSizeLow;
+}
+
+bool CopyFileOver(const std::wstring& source, const std::wstring& target) {
+    if (!CopyFileW(source.c_str(), target.c_str(), FALSE)) {
+        return false;
+    }
+    // A file taken from a read-only medium must not become one that can be neither replaced nor removed.
+    const DWORD attributes = GetFileAttributesW(target.c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
+        SetFileAttributesW(target.c_str(), attributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY));
+    }
+    return true;
+}
+
+bool RemoveFile(const std::wstring& path) {
+    return DeleteFileW(path.c_str()) != FALSE;
+}

@@ -1,0 +1,38 @@
+// Walking the octets of a message in the Basic Encoding Rules: headers, integers, object identifiers.
+// Forgiving in some places and strict in others; both are relied on by trap/snmp_message.h. No state, single
+// forward passes.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+// One element: its tag octet, taken whole, and its content.
+struct TlvHeader {
+    uint8_t tag = 0;
+    const uint8_t* content = nullptr;
+    const uint8_t* contentEnd = nullptr;  // also where the next element begins
+
+    size_t size() const { return static_cast<size_t>(contentEnd - content); }
+};
+
+// Reads the header at `position` inside [position, end).
+// True: *header is filled and its whole content lies inside the range; content that ends exactly at `end` is
+// fine. False, *header untouched: fewer than two octets left, an indefinite length (0x80), a long form of
+// more than four
+//   length octets, length octets cut off, or content running past `end`. Never looks at `end` or beyond.
+// Kept: lengths longer than necessary are accepted, since agents in the field send them.
+bool ReadTlvHeader(const uint8_t* position, const uint8_t* end, TlvHeader* header);
+
+// The octets as a big-endian two's complement number; no octets give 0. Callers print it signed or unsigned.
+// Kept: every multiple of eight octets is sign-extended by a shift of 0, so a negative number of eight octets
+// is
+//   always -1; only the last eight of more octets count; and an unsigned value that an agent sent without its
+//   leading zero octet is sign-extended too and prints near 18446744073709551615.
+uint64_t DecodeBerInteger(const uint8_t* octets, size_t count);
+
+// Replaces `text` by the identifier in dotted decimal; no octets give empty text. Cannot fail.
+// Kept: the first octet alone gives the first two arcs as v / 40 and v mod 40, whatever it is; arcs wrap in
+// 64
+//   bits; octets of an arc that the content ends in the middle of are dropped.
+void DecodeOidText(const uint8_t* octets, size_t count, std::wstring& text);

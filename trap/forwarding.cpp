@@ -1,0 +1,21 @@
+#include "trap/forwarding.h"
+
+#include "config/forwarding_settings.h"
+#include "core/activity_log.h"
+#include "platform/text.h"
+
+void ForwardDatagram(const uint8_t* octets, size_t count, UdpSocket* socket) {
+    if (!ForwardingSettings.forwardingEnabled || socket == nullptr) {
+        return;
+    }
+    const ForwardingTarget target = CopyForwardingTarget();
+    std::string addressText;
+    Ipv4Endpoint endpoint;
+    if (!EncodeAnsi(target.ip, addressText) || !ParseIpv4Address(addressText, &endpoint.address)) {
+        return;
+    }
+    endpoint.port = static_cast<uint16_t>(target.port);
+    if (SendDatagram(*socket, endpoint, octets, count) == SendResult::Failed) {
+        LogMessage(L"Forwarding failed (sendto error).");
+    }
+}

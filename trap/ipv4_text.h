@@ -1,0 +1,8 @@
+// IPv4 addresses as people read them.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+// Appends the address (host order: 127.0.0.1 is 0x7F000001) as four decimal numbers joined by dots.
+void AppendIpv4Text(std::wstring& text, uint32_t address);

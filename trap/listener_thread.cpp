@@ -1,0 +1,30 @@
+#include "trap/listener_thread.h"
+
+#include <vector>
+
+#include "core/activity_log.h"
+#include "trap/ipv4_text.h"
+#include "trap/receive_loop.h"
+
+namespace {
+
+constexpr size_t kBufferSize = 4096;  // a longer datagram is cut; nobody looks at its content
+
+void LogDatagrams(UdpSocket& socket) {
+    std::vector<uint8_t> buffer(kBufferSize);
+    ReceiveWhileRunning(socket, buffer.data(), buffer.size(), [](size_t, const Ipv4Endpoint& sender) {
+        std::wstring message = L"Datagram on UDP 161 from ";
+        AppendIpv4Text(message, sender.address);
+        LogMessage(message.append(L"."));
+    });
+}
+
+}  // namespace
+
+void ListenerThread(UdpSocketRef listenerSocket) try {
+    LogMessage(L"Listener thread started (UDP 161).");
+    LogDatagrams(*listenerSocket);
+    LogMessage(L"Listener thread stopped (UDP 161).");
+} catch (...) {
+    // As in TrapThread: the thread ends, everything else goes on.
+}

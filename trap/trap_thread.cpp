@@ -1,0 +1,74 @@
+#include "trap/trap_thread.h"
+
+#include <vector>
+
+#include "core/activity_log.h"
+#include "core/app_paths.h"
+#include "core/data_files.h"
+#include "core/decimal_text.h"
+#include "platform/clock.h"
+#include "trap/forwarding.h"
+#include "trap/ipv4_text.h"
+#include "trap/receive_loop.h"
+#include "trap/server_state.h"
+#include "trap/snmp_message.h"
+#include "trap/trap_record.h"
+
+namespace {
+
+constexpr size_t kLargestDatagram = 65535;
+
+// A hostile giant must not leave its memory behind in every record; ordinary traps fit into one Ethernet
+// frame.
+constexpr size_t kLargestOrdinaryDatagram = 1500;
+
+void NoteArrival(const Ipv4Endpoint& sender, std::wstring& text) {
+    text.clear();
+    AppendIpv4Text(text, sender.address);
+    const size_t addressLength = text.size();
+    text.push_back(L':');
+    AppendDecimal(text, sender.port);
+    ServerState.lastTrapTick.exchange(ReadTickCount());
+    ReplaceLastTrapSender(text);
+    text.resize(addressLength);
+}
+
+void ReleaseWhatGiantsLeft(size_t count, TrapWorkspace& workspace) {
+    if (count > kLargestOrdinaryDatagram) {
+        workspace.bindings.Release();
+        std::wstring().swap(workspace.record);
+    }
+}
+
+void ReceiveTraps(UdpSocket& trapSocket, UdpSocket* forwardSocket) {
+    std::vector<uint8_t> buffer(kLargestDatagram);
+    TrapWorkspace workspace;
+    ReceiveWhileRunning(trapSocket, buffer.data(), buffer.size(),
+                        [&](size_t size, const Ipv4Endpoint& sender) {
+                            RecordTrap(buffer.data(), size, sender, forwardSocket, workspace);
+                        });
+}
+
+}  // namespace
+
+void RecordTrap(const uint8_t* octets, size_t count, const Ipv4Endpoint& sender, UdpSocket* forwardSocket,
+                TrapWorkspace& workspace) {
+    NoteArrival(sender, workspace.sender);
+    const LocalTime time = ReadLocalTime();
+    DecodeSnmpMessage(octets, count, workspace.bindings);
+    ComposeTrapRecord(time, workspace.sender, workspace.bindings, workspace.record);
+    AppendToFile(AppPaths.trapFilePath, workspace.record);
+    workspace.logLine.assign(L"Trap received (").append(workspace.sender).append(L").");
+    LogMessage(workspace.logLine);
+    ForwardDatagram(octets, count, forwardSocket);
+    ReleaseWhatGiantsLeft(count, workspace);
+}
+
+void TrapThread(UdpSocketRef trapSocket, UdpSocketRef forwardSocket) try {
+    LogMessage(L"Trap thread started (UDP 162).");
+    ReceiveTraps(*trapSocket, forwardSocket.get());
+    LogMessage(L"Trap thread stopped.");
+} catch (...) {
+    // Only memory or a lock that fails outside of a datagram's handling comes here; the thread ends, the
+    // process and the other thread go on.
+}
