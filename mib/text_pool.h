@@ -1,21 +1,21 @@
 // The texts of the MIB tables, each stored once. A name is wanted by up to three tables and a load stores some
-// hundred thousand of them, so the tables hold four-octet references instead of strings of their own.
+// hundred thousand of them, so the tables hold references of four octets instead of strings of their own.
 #pragma once
 
 #include <cstdint>
 #include <string_view>
 
-// A text of the pool, valid until the pool is cleared. The default is the empty text.
+// Refers to a text of the pool, until the pool is cleared. The default refers to the empty text.
 struct PooledText {
-    uint32_t position = 0;  // of its length in the pool, in wide characters; 0: empty
+    uint32_t reference = 0;  // 0: the empty text; else one more than where it stands in the pool
 
-    // Stays where it is however much is added to the pool. Caller holds MibStoreLock.
+    // The characters stay where they are however much is added. Caller holds MibStoreLock.
     std::wstring_view View() const;
 };
 
-// Adds a copy of `text`. Linear in its length; throws std::bad_alloc when memory or the four octets of a
-// reference do not suffice. Caller holds MibStoreLock.
+// Adds a copy of `text`; it may itself stand in the pool. Throws std::bad_alloc when memory or the range of a
+// reference is used up, and has added nothing then. Caller holds MibStoreLock.
 PooledText KeepText(std::wstring_view text);
 
-// Forgets every text and gives the memory back. Caller holds MibStoreLock and has cleared the tables.
+// Forgets every text and gives the memory back. Caller holds MibStoreLock and has emptied the tables.
 void ClearTextPool();

@@ -1,0 +1,75 @@
+#include "mib/mib_folder.h"
+
+#include <algorithm>
+#include <cwctype>
+#include <exception>
+
+#include "core/activity_log.h"
+#include "core/app_paths.h"
+#include "core/decimal_text.h"
+#include "mib/mib_parser.h"
+#include "mib/name_store.h"
+#include "platform/folders.h"
+
+namespace {
+
+// From the last dot of the last component on. As the shell has it, a blank behind the dot makes it no extension,
+// and a name may be all extension.
+std::wstring_view FindExtension(std::wstring_view path) {
+    const size_t last = path.find_last_of(L".\\ ");
+    return last == std::wstring_view::npos || path[last] != L'.' ? std::wstring_view() : path.substr(last);
+}
+
+bool ParseMibFiles() {
+    return EnumerateFolder(AppPaths.mibsDir, [](const FolderEntry& entry) {
+        if (entry.isRegularFile && IsMibFile(entry.name)) {
+            ParseMibFile(AppPaths.mibsDir + L"\\" + entry.name);
+        }
+    });
+}
+
+void TrimTables() {
+    PendingDefinitions.Trim();
+    NameOidMap.Trim();
+    OidNameMap.Trim();
+}
+
+}  // namespace
+
+bool IsMibFile(std::wstring_view path) {
+    std::wstring extension(FindExtension(path));
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](wchar_t character) { return static_cast<wchar_t>(std::towlower(character)); });
+    return extension == L".mib" || extension == L".txt" || extension == L".my";
+}
+
+void LoadMibFolder() {
+    const std::lock_guard lock(MibStoreLock);
+    ClearNameStore();
+    try {
+        if (ParseMibFiles()) {
+            StoreResolvedDefinitions();
+            TrimTables();
+        }
+    } catch (const std::exception&) {
+        // What was stored until memory ran out is right as far as it goes and stays.
+    }
+    std::wstring message = L"MIBs loaded. OID mappings: ";
+    AppendSignedDecimal(message, static_cast<int32_t>(static_cast<uint32_t>(OidNameMap.Count())));
+    LogMessage(message);
+}
+
+std::vector<std::wstring> ListMibFiles() {
+    std::vector<std::wstring> names;
+    try {
+        EnumerateFolder(AppPaths.mibsDir, [&](const FolderEntry& entry) {
+            if (entry.isRegularFile && IsMibFile(entry.name)) {
+                names.push_back(entry.name);
+            }
+        });
+    } catch (const std::exception&) {
+        // The names gathered so far are a list too.
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}

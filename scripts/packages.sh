@@ -1,0 +1,35 @@
+#!/usr/bin/env bash
+# Names every Debian package that building, running and testing need, and installs what is missing.
+# Usage: scripts/packages.sh [build] [run] [test]. Asks nothing; as an ordinary user it goes through sudo.
+set -euo pipefail
+
+build_packages=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix)
+# snmp sends the traps that run.sh shows, libsnmp-base brings the MIB files that name them; xwd (x11-apps) and
+# convert (imagemagick) take the pictures; ip and unshare make the private network.
+run_packages=(wine wine64 xvfb x11-apps imagemagick snmp libsnmp-base iproute2 util-linux)
+test_packages=(libgtest-dev libclang-rt-14-dev clang-14 clang-format git python3 python3-pytest)
+
+wanted=()
+for purpose in "$@"; do
+    declare -n packages="${purpose}_packages"
+    wanted+=("${packages[@]}")
+done
+
+missing=()
+for package in "${wanted[@]}"; do
+    if ! dpkg-query --show --showformat='${db:Status-Status}\n' "$package" 2>/dev/null | grep -qx installed; then
+        missing+=("$package")
+    fi
+done
+if [[ ${#missing[@]} -eq 0 ]]; then
+    exit 0
+fi
+
+as_root=()
+if [[ $EUID -ne 0 ]]; then
+    as_root=(sudo)
+fi
+echo "Installing: ${missing[*]}"
+"${as_root[@]}" apt-get update -qq
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+    apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null

@@ -1,0 +1,95 @@
+# Shell pieces for running a Windows program: a Wine prefix, a virtual display, and the end of both. For sourcing;
+# the caller has set -euo pipefail and calls StopWine and StopDisplay from its exit trap.
+#
+# A prefix belongs to one network: Wine's sockets live in the prefix's server process, so a run in a private
+# network needs a prefix whose server was started inside it.
+
+project_root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+wine_folder="${QUILLMONT_WINE_FOLDER:-$project_root/build/wine}"
+
+export WINEDEBUG="${WINEDEBUG:--all}"
+# Without these a fresh prefix asks to install .NET and a browser engine, and programs make menu entries.
+export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
+
+# Makes the prefix that all others are copied from, once. About ten seconds.
+MakeTemplatePrefix() {
+    mkdir -p "$wine_folder"
+    (
+        flock 9
+        if [[ -d "$wine_folder/template" ]]; then
+            exit 0
+        fi
+        echo "Making a Wine prefix..." >&2
+        rm -rf "$wine_folder/template.part"
+        export WINEPREFIX="$wine_folder/template.part"
+        unset DISPLAY
+        wine wineboot --init >/dev/null 2>&1
+        # Inside Wine's own desktop the windows get a frame and can be brought to the front without a window
+        # manager.
+        wine reg add 'HKCU\Software\Wine\Explorer' /v Desktop /d Default /f >/dev/null 2>&1
+        wine reg add 'HKCU\Software\Wine\Explorer\Desktops' /v Default /d 1280x900 /f >/dev/null 2>&1
+        wineserver -w
+        mv "$WINEPREFIX" "$wine_folder/template"
+    ) 9>"$wine_folder/lock"
+}
+
+# CopyPrefix FOLDER: a prefix of its own in FOLDER, which must not exist. The system's own files are hard links
+# (they are hundreds of megabytes and nobody writes them); what a program may change is copied.
+CopyPrefix() {
+    local template="$wine_folder/template"
+    mkdir -p "$1/drive_c"
+    cp -a "$template"/*.reg "$template"/.update-timestamp "$template"/dosdevices "$1"
+    cp -al "$template/drive_c/windows" "$template/drive_c/Program Files"* "$1/drive_c"
+    cp -a "$template/drive_c/users" "$template/drive_c/ProgramData" "$1/drive_c"
+}
+
+# UsePrefix FOLDER: programs started from now on run in it; made when missing.
+UsePrefix() {
+    MakeTemplatePrefix
+    if [[ ! -d "$1" ]]; then
+        CopyPrefix "$1"
+    fi
+    export WINEPREFIX="$1"
+}
+
+# UseTemporaryPrefix: the same with a folder that RemoveTemporaryPrefix deletes.
+UseTemporaryPrefix() {
+    mkdir -p "$wine_folder"
+    temporary_prefix="$(mktemp -d "$wine_folder/run.XXXXXX")"
+    UsePrefix "$temporary_prefix/prefix"
+}
+
+RemoveTemporaryPrefix() {
+    if [[ -n "${temporary_prefix:-}" ]]; then
+        rm -rf "$temporary_prefix"
+    fi
+}
+
+# Ends every Windows process of the prefix and waits until they are gone.
+StopWine() {
+    if [[ -n "${WINEPREFIX:-}" ]]; then
+        wineserver -k >/dev/null 2>&1 || true
+        wineserver -w >/dev/null 2>&1 || true
+    fi
+}
+
+# Starts a virtual display on a free number and exports DISPLAY.
+StartDisplay() {
+    local channel
+    channel="$(mktemp -u)"
+    mkfifo "$channel"
+    Xvfb -displayfd 7 -screen 0 1280x900x24 -nolisten tcp 7>"$channel" >/dev/null 2>&1 &
+    display_pid=$!
+    local number
+    read -r number <"$channel"
+    rm -f "$channel"
+    export DISPLAY=":$number"
+}
+
+StopDisplay() {
+    if [[ -n "${display_pid:-}" ]]; then
+        kill "$display_pid" 2>/dev/null || true
+        wait "$display_pid" 2>/dev/null || true
+        display_pid=
+    fi
+}

@@ -1,0 +1,98 @@
+"""The program's data directory, seen from outside: its files as bytes, its log as messages."""
+
+import pwd
+import os
+import re
+import shutil
+from pathlib import Path
+
+from harness.waiting import wait_until
+
+LINE_END = b"\r\r\n"
+STAMP = rb"\d{4}-\d{2}-\d{2} \d{2}:\d{2}:\d{2}\.\d{3}"
+LOG_LINE = re.compile(rb"(" + STAMP + rb")  ([^\r\n]*)\r\r\n")
+
+
+def mask_stamps(octets):
+    """The octets with every time stamp as 23 times '#'."""
+    return re.sub(STAMP, b"#" * 23, octets)
+
+
+def record(*lines, sender="127.0.0.1"):
+    """A trap record with its stamp masked, as octets on disk."""
+    text = ["#" * 23 + "       FROM: " + sender, *lines, ""]
+    return b"".join(line.encode("latin-1") + LINE_END for line in text)
+
+
+def config(enabled=0, ip="127.0.0.1", port=162, line_end=LINE_END):
+    """config.xml with these values, as octets on disk."""
+    lines = [
+        "<config>",
+        f"  <forwardingEnabled>{enabled}</forwardingEnabled>",
+        f"  <forwardingIp>{ip}</forwardingIp>",
+        f"  <forwardingPort>{port}</forwardingPort>",
+        "</config>",
+    ]
+    return b"".join(line.encode("latin-1") + line_end for line in lines)
+
+
+def local_application_data():
+    return Path(os.environ["WINEPREFIX"], "drive_c", "users", pwd.getpwuid(os.getuid()).pw_name, "AppData", "Local")
+
+
+class DataFolder:
+    def __init__(self, parent=None):
+        self.folder = Path(parent or local_application_data()) / "Quillmont"
+        self.mibs = self.folder / "mibs"
+        self.config = self.folder / "config.xml"
+        self.traps = self.folder / "SNMP.txt"
+        self.log = self.folder / "log.txt"
+
+    def remove(self):
+        if self.folder.is_dir():
+            shutil.rmtree(self.folder)
+        else:
+            self.folder.unlink(missing_ok=True)
+
+    def windows_path(self, path=None):
+        """The same path as the program names it."""
+        drive = Path(os.environ["WINEPREFIX"], "drive_c")
+        return "C:\\" + str((path or self.folder).relative_to(drive)).replace("/", "\\")
+
+    def add_mib(self, name, text):
+        self.mibs.mkdir(parents=True, exist_ok=True)
+        (self.mibs / name).write_bytes(text if isinstance(text, bytes) else text.encode("latin-1"))
+
+    def write_config(self, octets):
+        self.folder.mkdir(parents=True, exist_ok=True)
+        self.config.write_bytes(octets)
+
+    def log_octets(self):
+        return self.log.read_bytes() if self.log.exists() else b""
+
+    def trap_octets(self):
+        return self.traps.read_bytes() if self.traps.exists() else b""
+
+    def masked_traps(self):
+        return mask_stamps(self.trap_octets())
+
+    def log_messages(self):
+        """The messages in order. Fails on anything that is no whole log line, but for a line being written."""
+        octets = self.log_octets()
+        whole = octets[: octets.rfind(b"\n") + 1]
+        assert LOG_LINE.sub(b"", whole) == b"", f"not log lines: {LOG_LINE.sub(b'', whole)!r}"
+        return [message.decode("latin-1") for _, message in LOG_LINE.findall(whole)]
+
+    def wait_for_log(self, message, count=1):
+        """Waits until the log holds the message `count` times."""
+        wait_until(
+            lambda: self.log_messages().count(message) >= count,
+            lambda: f"{count} x {message!r} in the log, which holds {self.log_messages()!r}",
+        )
+
+    def wait_for_traps(self, count):
+        """Waits until `count` datagrams have been announced, which happens after their records are written."""
+        wait_until(
+            lambda: sum(message.startswith("Trap received (") for message in self.log_messages()) >= count,
+            lambda: f"{count} traps in the log, which holds {self.log_messages()[-5:]!r}",
+        )

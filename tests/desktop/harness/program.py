@@ -1,0 +1,116 @@
+"""Quillmont.exe itself: starting it, finding its windows, closing it."""
+
+import os
+from pathlib import Path
+
+from harness.waiting import wait_until
+from harness.window import Window
+
+TITLE = "Quillmont PRO v1.0 (SNMP v1 and v2c) -  \u00a9 2026 Quillmont"
+MAIN_CLASS = "SNMP_MAIN_WND"
+
+START_BUTTON = 100
+FORWARDING_BUTTON = 101
+MONITOR_BUTTON = 102
+LOG_BUTTON = 103
+STATUS_BUTTON = 104
+
+# What the receiver logs for one start with both ports free; the threads' lines fall where they fall.
+START_LINES = sorted(
+    [
+        "Starting server...",
+        "Trap thread started (UDP 162).",
+        "Listener thread started (UDP 161).",
+        "Server started.",
+    ]
+)
+STOP_LINES = sorted(
+    ["Stopping server...", "Trap thread stopped.", "Listener thread stopped (UDP 161).", "Server stopped."]
+)
+
+
+def executable():
+    return "Z:" + str(Path(os.environ["QUILLMONT_EXE"]).resolve()).replace("/", "\\")
+
+
+class Program:
+    def __init__(self, driver):
+        self.driver = driver
+        self.process = driver("start", executable())
+        self.main = self.wait_for_window(MAIN_CLASS)
+
+    def windows(self):
+        return self.driver("windows", self.process)
+
+    def find_windows(self, class_name, title=None):
+        return [
+            Window(self.driver, facts["handle"])
+            for facts in self.windows()
+            if facts["class"] == class_name and facts["visible"] and title in (None, facts["text"])
+        ]
+
+    def find_window(self, class_name, title=None):
+        found = self.find_windows(class_name, title)
+        return found[0] if found else None
+
+    def wait_for_window(self, class_name, title=None):
+        return wait_until(
+            lambda: self.find_window(class_name, title),
+            lambda: f"a window {class_name} {title or ''}, there are {self.windows()!r}",
+        )
+
+    @property
+    def start_button(self):
+        return self.main.control(START_BUTTON)
+
+    def wait_running(self):
+        """The receiver runs: the posted start command has been handled."""
+        self.start_button.wait_text("Stop server")
+        return self
+
+    def wait_stopped(self):
+        self.start_button.wait_text("Start server")
+        return self
+
+    def toggle(self):
+        self.start_button.click()
+
+    def stop(self):
+        self.toggle()
+        self.wait_stopped()
+
+    def start(self):
+        self.toggle()
+        self.wait_running()
+
+    def open(self, button, class_name):
+        """Clicks the main window's button and waits for the window that it opens."""
+        self.main.control(button).click()
+        return self.wait_for_window(class_name)
+
+    def attach_spy(self):
+        self.driver("spy_attach", self.main.handle)
+
+    def settle(self):
+        """Returns when the program has handled everything that was posted to it before this call."""
+        self.main.send(0)
+
+    @property
+    def runs(self):
+        return self.driver("wait_for_exit", self.process, 0) is None
+
+    def wait_for_exit(self, seconds=20):
+        """The exit code."""
+        code = self.driver("wait_for_exit", self.process, int(seconds * 1000))
+        assert code is not None, "the program still runs"
+        return code
+
+    def close(self):
+        """Closes the main window; the exit code."""
+        self.main.close()
+        return self.wait_for_exit()
+
+    def end(self):
+        """For the end of a test: whatever state the program is in, it is gone afterwards."""
+        if self.runs:
+            self.driver("end_process", self.process)

@@ -1,0 +1,98 @@
+"""Sending traps: real ones with snmptrap, and raw datagrams."""
+
+import os
+import socket
+import subprocess
+
+LOOPBACK = "127.0.0.1"
+TRAP_PORT = 162
+LISTENER_PORT = 161
+
+UPTIME = "123456"
+SYS_UPTIME = "1.3.6.1.2.1.1.3.0"
+SNMP_TRAP_OID = "1.3.6.1.6.3.1.1.4.1.0"
+LINK_DOWN = "1.3.6.1.6.3.1.1.5.3"
+ENTERPRISE = "1.3.6.1.4.1.8072.2.3"
+
+# What every notification of version 2c begins with, as lines of a record.
+V2C_HEAD = [f"---> [1] {SYS_UPTIME}  TimeTicks = {UPTIME}", f"---> [2] {SNMP_TRAP_OID}  OID = {LINK_DOWN}"]
+
+
+def _run(*command):
+    # Neither the machine's settings nor its MIB files shall matter.
+    environment = dict(os.environ, SNMPCONFPATH="/nonexistent", MIBS="")
+    return subprocess.run(command, env=environment, capture_output=True, text=True, timeout=60, check=False)
+
+
+def send_v1(*bindings):
+    """bindings: oid, type letter, value, oid, ... A linkDown with agent address 10.9.8.7."""
+    result = _run(
+        "snmptrap", "-v1", "-cpublic", LOOPBACK, ENTERPRISE, "10.9.8.7", "2", "0", UPTIME, *bindings
+    )
+    assert result.returncode == 0, result.stderr
+
+
+def send_v2c(*bindings):
+    result = _run("snmptrap", "-v2c", "-cpublic", LOOPBACK, UPTIME, LINK_DOWN, *bindings)
+    assert result.returncode == 0, result.stderr
+
+
+def send_inform(*bindings):
+    """An inform that is sent once and waits half a second for its answer; whether one came."""
+    result = _run(
+        "snmptrap", "-Ci", "-v2c", "-cpublic", "-r0", "-t0.5", LOOPBACK, UPTIME, LINK_DOWN, *bindings
+    )
+    return result.returncode == 0
+
+
+def request_from_listener():
+    """A get request to port 161; whether an answer came."""
+    result = _run("snmpget", "-v2c", "-cpublic", "-r0", "-t0.5", LOOPBACK, SYS_UPTIME)
+    return result.returncode == 0
+
+
+def udp_socket(port=0):
+    """A socket of the loopback address. Without address reuse: while it is open it has the port alone."""
+    udp = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+    udp.bind((LOOPBACK, port))
+    udp.settimeout(20)
+    return udp
+
+
+def hold_port(port):
+    """Occupies the port on all addresses, so that nobody else can bind it."""
+    udp = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+    udp.bind(("0.0.0.0", port))
+    return udp
+
+
+def send_raw(octets, port=TRAP_PORT):
+    with udp_socket() as udp:
+        udp.sendto(octets, (LOOPBACK, port))
+
+
+def _length(size):
+    if size < 128:
+        return bytes([size])
+    octets = size.to_bytes((size.bit_length() + 7) // 8, "big")
+    return bytes([0x80 | len(octets)]) + octets
+
+
+def tlv(tag, content):
+    return bytes([tag]) + _length(len(content)) + content
+
+
+def integer_binding(value):
+    """The identifier 1.3.6.1.4.1.9.1 with a small non-negative INTEGER of four octets."""
+    return tlv(0x30, tlv(0x06, bytes([0x2B, 6, 1, 4, 1, 9, 1])) + tlv(0x02, value.to_bytes(4, "big")))
+
+
+def integer_line(value, number=1):
+    """The line of a record for integer_binding."""
+    return f"---> [{number}] 1.3.6.1.4.1.9.1  INTEGER = {value}"
+
+
+def message(*bindings):
+    """A version 2c trap message with these bindings and no others."""
+    pdu = tlv(0x02, b"\x01") + tlv(0x02, b"\x00") + tlv(0x02, b"\x00") + tlv(0x30, b"".join(bindings))
+    return tlv(0x30, tlv(0x02, b"\x01") + tlv(0x04, b"public") + tlv(0xA7, pdu))

@@ -1,0 +1,172 @@
+"""A window of the program under test, seen and touched through the driver."""
+
+from types import SimpleNamespace
+
+from harness.waiting import wait_until
+
+WM_CLOSE = 0x0010
+WM_COMMAND = 0x0111
+WM_CTLCOLOREDIT = 0x0133
+WM_CTLCOLORBTN = 0x0135
+WM_CTLCOLORSTATIC = 0x0138
+BM_GETCHECK = 0x00F0
+BM_CLICK = 0x00F5
+
+WS_CHILD = 0x40000000
+WS_VISIBLE = 0x10000000
+# The system adds these itself.
+SYSTEM_STYLES = 0x04000000  # WS_CLIPSIBLINGS
+SYSTEM_EXSTYLES = 0x00000104  # WS_EX_WINDOWEDGE, WS_EX_NOPARENTNOTIFY
+
+BLACK = 0x000000
+WHITE = 0xFFFFFF
+
+
+def rgb(red, green, blue):
+    """A colour as the system writes it: 0xBBGGRR."""
+    return red | green << 8 | blue << 16
+
+
+class Window:
+    def __init__(self, driver, handle):
+        self.driver = driver
+        self.handle = handle
+
+    def __eq__(self, other):
+        return isinstance(other, Window) and self.handle == other.handle
+
+    def __hash__(self):
+        return hash(self.handle)
+
+    @property
+    def facts(self):
+        return SimpleNamespace(**self.driver("window", self.handle))
+
+    @property
+    def text(self):
+        return self.driver("text", self.handle)
+
+    @property
+    def exists(self):
+        return self.driver("exists", self.handle)
+
+    def set_text(self, text):
+        self.driver("set_text", self.handle, text)
+
+    def type_text(self, text):
+        self.driver("type_text", self.handle, text)
+
+    def send(self, message, w_param=0, l_param=0):
+        return self.driver("send", self.handle, message, w_param, l_param)
+
+    def post(self, message, w_param=0, l_param=0):
+        return self.driver("post", self.handle, message, w_param, l_param)
+
+    def close(self):
+        self.post(WM_CLOSE)
+
+    def command(self, number):
+        """What a click on the control with this id sends."""
+        self.post(WM_COMMAND, number)
+
+    def click(self):
+        """Presses this button. Posted, so that a dialog that it opens blocks nobody."""
+        self.post(BM_CLICK)
+
+    @property
+    def checked(self):
+        return self.send(BM_GETCHECK) == 1
+
+    def children(self):
+        return [SimpleNamespace(**facts) for facts in self.driver("children", self.handle)]
+
+    def descendants(self):
+        return [SimpleNamespace(**facts) for facts in self.driver("descendants", self.handle)]
+
+    def child(self, index):
+        return Window(self.driver, self.children()[index].handle)
+
+    def control(self, number):
+        """The direct child with this control id."""
+        for facts in self.children():
+            if facts.id == number:
+                return Window(self.driver, facts.handle)
+        raise AssertionError(f"no control {number} in {self.facts.text!r}")
+
+    def descendant(self, class_name, number):
+        for facts in self.descendants():
+            if facts.id == number and facts.__dict__["class"] == class_name:
+                return Window(self.driver, facts.handle)
+        raise AssertionError(f"no {class_name} {number} in {self.facts.text!r}")
+
+    def list_items(self):
+        return self.driver("list_items", self.handle)
+
+    def combo_items(self):
+        return self.driver("combo_items", self.handle)
+
+    @property
+    def edit(self):
+        return SimpleNamespace(**self.driver("edit", self.handle))
+
+    @property
+    def scroll(self):
+        scroll = self.driver("scroll", self.handle)
+        return scroll and SimpleNamespace(**scroll)
+
+    def pixels(self, *points):
+        return self.driver("pixels", self.handle, *(number for point in points for number in point))
+
+    def pixel(self, x, y):
+        return self.pixels((x, y))[0]
+
+    def move(self, x, y):
+        self.driver("move", self.handle, x, y)
+
+    def resize(self, width, height):
+        self.driver("resize", self.handle, width, height)
+
+    def repaint(self):
+        self.driver("repaint", self.handle)
+
+    def mouse_click(self, x, y):
+        self.driver("mouse_click", self.handle, x, y)
+
+    def wait_closed(self):
+        wait_until(lambda: not self.exists, "the window to be gone")
+
+    def wait_text(self, text):
+        wait_until(lambda: self.text == text, lambda: f"text {text!r}, last seen {self.text!r}")
+
+    # Through the spy inside the program (Program.attach_spy).
+
+    @property
+    def font(self):
+        return SimpleNamespace(**self.driver("spy_window", self.handle)["font"])
+
+    @property
+    def window_class(self):
+        facts = self.driver("spy_window", self.handle)["class"]
+        facts["brush"] = SimpleNamespace(**facts["brush"])
+        return SimpleNamespace(**facts)
+
+    def colouring(self, message):
+        """What the parent of this control answers to a WM_CTLCOLOR message."""
+        facts = self.driver("spy_colouring", self.handle, message)["colouring"]
+        facts["brush"] = SimpleNamespace(**facts["brush"])
+        return SimpleNamespace(**facts)
+
+    def gdi_objects(self):
+        return self.driver("spy_resources", self.handle)["gdiObjects"]
+
+
+def describe_control(facts):
+    """What a control table says of a control, from what is seen of it."""
+    return (
+        facts.__dict__["class"],
+        facts.text,
+        facts.style & ~SYSTEM_STYLES,
+        facts.exstyle & ~SYSTEM_EXSTYLES,
+        tuple(facts.place),
+        facts.id,
+    )

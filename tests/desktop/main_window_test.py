@@ -1,0 +1,264 @@
+"""The main window: its frame, its five buttons, its indicator, and what the first button does."""
+
+import pytest
+
+from harness.data_folder import config
+from harness.program import MAIN_CLASS, START_LINES, STOP_LINES, TITLE
+from harness.traps import LISTENER_PORT, TRAP_PORT, hold_port
+from harness.waiting import wait_until
+from harness.window import (
+    BLACK,
+    SYSTEM_EXSTYLES,
+    SYSTEM_STYLES,
+    WHITE,
+    WM_COMMAND,
+    WM_CTLCOLORBTN,
+    WM_CTLCOLOREDIT,
+    WM_CTLCOLORSTATIC,
+    WS_CHILD,
+    WS_VISIBLE,
+    describe_control,
+    rgb,
+)
+
+GREEN = rgb(0, 180, 0)
+RED = rgb(200, 0, 0)
+
+BUTTON_STYLE = WS_CHILD | WS_VISIBLE
+BUTTONS = [
+    ("Button", "Stop server", BUTTON_STYLE, 0, (44, 10, 140, 32), 100),
+    ("Button", "Forwarding", BUTTON_STYLE, 0, (194, 10, 140, 32), 101),
+    ("Button", "Monitor", BUTTON_STYLE, 0, (342, 10, 140, 32), 102),
+    ("Button", "Log", BUTTON_STYLE, 0, (494, 10, 82, 32), 103),
+    ("Button", "Status", BUTTON_STYLE, 0, (584, 10, 80, 32), 104),
+]
+
+# Well inside the disc, which fills the box from (16, 18) to (34, 36).
+DISC_POINTS = [(25, 27), (20, 27), (30, 27), (25, 22), (25, 32)]
+# The outline's four extreme points; the right and lower edges of the box are outside.
+OUTLINE_POINTS = [(16, 26), (33, 26), (24, 18), (24, 35)]
+# The corners of the box and its surroundings.
+OUTSIDE_POINTS = [(16, 18), (33, 18), (16, 35), (33, 35), (15, 27), (34, 27), (25, 17), (25, 36), (4, 4)]
+
+
+def wait_for_disc(program, colour):
+    wait_until(
+        lambda: set(program.main.pixels(*DISC_POINTS)) == {colour},
+        lambda: f"disc {colour:06x}, seen {program.main.pixels(*DISC_POINTS)!r}",
+    )
+
+
+def test_the_frame_has_caption_system_menu_and_minimize_box_only(program):
+    facts = program.main.facts
+    assert facts.__dict__["class"] == MAIN_CLASS
+    assert facts.style & ~(SYSTEM_STYLES | WS_VISIBLE) == 0x00CA0000
+    assert facts.exstyle & ~SYSTEM_EXSTYLES == 0
+    assert facts.owner == 0
+    assert not facts.menu
+
+
+def test_the_title_is_exact(program):
+    assert program.main.facts.text == TITLE
+    assert program.main.text == TITLE
+
+
+def test_the_outer_size_is_694_by_90(program):
+    left, top, right, bottom = program.main.facts.rect
+    assert (right - left, bottom - top) == (694, 90)
+
+
+def test_the_class_has_the_white_brush_and_the_arrow_and_neither_icon_nor_menu(program):
+    program.attach_spy()
+    seen = program.main.window_class
+    assert (seen.brush.solid, seen.brush.colour) == (True, WHITE)
+    assert seen.style == 0
+    assert seen.arrow
+    assert not seen.icon
+    assert not seen.menu
+
+
+def test_the_five_buttons_are_created_in_order_with_their_places_styles_and_ids(program):
+    assert [describe_control(control) for control in program.main.children()] == BUTTONS
+
+
+def test_the_window_and_every_button_use_the_one_interface_font(program):
+    program.attach_spy()
+    font = program.main.font
+    assert font.handle != 0
+    assert (font.face, font.height, font.width, font.weight) == ("Segoe UI", -14, 0, 400)
+    assert (font.italic, font.underline, font.strikeOut) == (0, 0, 0)
+    assert (font.charset, font.quality) == (1, 5)
+    for index in range(len(BUTTONS)):
+        assert program.main.child(index).font.handle == font.handle
+
+
+def test_the_receiver_starts_by_itself_once_and_the_disc_is_green(program, data):
+    data.wait_for_log("Listener thread started (UDP 161).")
+    data.wait_for_log("Trap thread started (UDP 162).")
+    assert sorted(data.log_messages()[2:]) == START_LINES
+    assert program.start_button.text == "Stop server"
+    wait_for_disc(program, GREEN)
+
+
+def test_the_indicator_is_a_disc_with_a_black_outline_on_white(program):
+    wait_for_disc(program, GREEN)
+    assert program.main.pixels(*OUTLINE_POINTS) == [BLACK] * len(OUTLINE_POINTS)
+    assert program.main.pixels(*OUTSIDE_POINTS) == [WHITE] * len(OUTSIDE_POINTS)
+    program.stop()
+    wait_for_disc(program, RED)
+    assert program.main.pixels(*OUTLINE_POINTS) == [BLACK] * len(OUTLINE_POINTS)
+    assert program.main.pixels(*OUTSIDE_POINTS) == [WHITE] * len(OUTSIDE_POINTS)
+
+
+def test_the_first_button_stops_and_restarts_the_receiver(program, data):
+    data.wait_for_log("Listener thread started (UDP 161).")
+    before = len(data.log_messages())
+    program.stop()
+    data.wait_for_log("Server stopped.")
+    wait_for_disc(program, RED)
+    stopping = data.log_messages()[before:]
+    assert sorted(stopping) == STOP_LINES
+    assert (stopping[0], stopping[-1]) == ("Stopping server...", "Server stopped.")
+    program.start()
+    wait_for_disc(program, GREEN)
+    data.wait_for_log("Listener thread started (UDP 161).", 2)
+    data.wait_for_log("Trap thread started (UDP 162).", 2)
+    assert sorted(data.log_messages()[before + len(stopping) :]) == START_LINES
+
+
+def test_a_real_mouse_click_on_the_first_button_stops_the_receiver(program):
+    program.main.mouse_click(44 + 70, 10 + 16)
+    program.wait_stopped()
+    wait_for_disc(program, RED)
+
+
+def test_two_quick_clicks_while_stopped_start_and_then_stop(program, data):
+    program.stop()
+    data.wait_for_log("Server stopped.")
+    before = len(data.log_messages())
+    program.toggle()
+    program.toggle()
+    data.wait_for_log("Server stopped.", 2)
+    messages = [message for message in data.log_messages()[before:] if "thread" not in message]
+    assert messages == ["Starting server...", "Server started.", "Stopping server...", "Server stopped."]
+    wait_for_disc(program, RED)
+
+
+def test_the_flag_and_not_the_button_text_decides_what_a_click_does(program, data):
+    program.start_button.set_text("Start server")
+    program.toggle()
+    data.wait_for_log("Server stopped.")
+    assert data.log_messages().count("Starting server...") == 1
+
+
+def test_a_command_is_known_by_its_low_16_bits(program, data):
+    program.main.command(0x70000 | 100)
+    data.wait_for_log("Server stopped.")
+    program.wait_stopped()
+
+
+def test_an_unknown_command_does_nothing(program, data):
+    data.wait_for_log("Listener thread started (UDP 161).")
+    data.wait_for_log("Trap thread started (UDP 162).")
+    before = data.log_octets()
+    windows = len([facts for facts in program.windows() if facts["visible"]])
+    for number in (0, 99, 105, 200, 500):
+        assert program.main.send(WM_COMMAND, number) == 0
+    assert data.log_octets() == before
+    assert len([facts for facts in program.windows() if facts["visible"]]) == windows
+
+
+def test_a_start_with_port_162_taken_stays_red_and_says_why(data, start):
+    with hold_port(TRAP_PORT):
+        program = start()
+        data.wait_for_log("Bind failed on UDP 162 (Traps). Run as admin or free the port.")
+        program.settle()
+        assert program.start_button.text == "Start server"
+        wait_for_disc(program, RED)
+        assert data.log_messages()[2:] == [
+            "Starting server...",
+            "Bind failed on UDP 162 (Traps). Run as admin or free the port.",
+        ]
+        # Nothing of the failed start keeps the other port.
+        hold_port(LISTENER_PORT).close()
+    program.start()
+    wait_for_disc(program, GREEN)
+
+
+def test_a_start_with_port_161_taken_warns_and_runs(data, start):
+    with hold_port(LISTENER_PORT):
+        program = start().wait_running()
+        data.wait_for_log("Trap thread started (UDP 162).")
+        wait_for_disc(program, GREEN)
+        program.stop()
+        data.wait_for_log("Server stopped.")
+        messages = data.log_messages()[2:]
+    assert messages[:2] == [
+        "Starting server...",
+        "Warning: bind failed on UDP 161 (SNMP). Continuing with 162 only.",
+    ]
+    assert sorted(messages[2:]) == sorted(
+        [
+            "Trap thread started (UDP 162).",
+            "Server started.",
+            "Stopping server...",
+            "Trap thread stopped.",
+            "Server stopped.",
+        ]
+    )
+
+
+def test_closing_while_running_stops_saves_and_exits_with_0(program, data):
+    data.wait_for_log("Listener thread started (UDP 161).")
+    data.wait_for_log("Trap thread started (UDP 162).")
+    before = len(data.log_messages())
+    assert not data.config.exists()
+    assert program.close() == 0
+    messages = data.log_messages()[before:]
+    assert sorted(messages) == sorted([*STOP_LINES, "Config saved."])
+    assert messages[0] == "Stopping server..."
+    assert messages[-2:] == ["Server stopped.", "Config saved."]
+    assert data.config.read_bytes() == config()
+
+
+def test_closing_while_stopped_saves_all_the_same_and_exits_with_0(program, data):
+    program.stop()
+    data.wait_for_log("Server stopped.")
+    before = len(data.log_messages())
+    assert program.close() == 0
+    assert data.log_messages()[before:] == ["Config saved."]
+    assert data.config.read_bytes() == config()
+
+
+def test_closing_after_a_failed_start_saves_and_exits_with_0(data, start):
+    with hold_port(TRAP_PORT):
+        program = start()
+        data.wait_for_log("Bind failed on UDP 162 (Traps). Run as admin or free the port.")
+        assert program.close() == 0
+    assert data.log_messages()[-1] == "Config saved."
+    assert data.log_messages().count("Server stopped.") == 0
+
+
+def test_painting_a_thousand_times_leaks_no_brush(program):
+    program.attach_spy()
+    program.main.repaint()
+    before = program.main.gdi_objects()
+    assert before > 0
+    for _ in range(1000):
+        program.main.repaint()
+    assert program.main.gdi_objects() <= before + 2
+
+
+@pytest.mark.parametrize("message", [WM_CTLCOLOREDIT, WM_CTLCOLORSTATIC], ids=["edit", "static"])
+def test_edit_and_static_colouring_is_black_on_opaque_white_with_the_background_brush(program, message):
+    program.attach_spy()
+    answer = program.main.child(0).colouring(message)
+    opaque = 2
+    assert (answer.backgroundMode, answer.background, answer.text) == (opaque, WHITE, BLACK)
+    assert answer.brush.handle == program.main.window_class.brush.handle
+
+
+def test_button_colouring_is_left_to_the_system(program):
+    program.attach_spy()
+    answer = program.main.child(0).colouring(WM_CTLCOLORBTN)
+    assert answer.brush.handle != program.main.window_class.brush.handle

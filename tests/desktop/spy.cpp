@@ -1,0 +1,140 @@
+#include "tests/desktop/spy.h"
+
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+#include "tests/desktop/json_text.h"
+#include "tests/desktop/request.h"
+#include "tests/desktop/window_facts.h"
+
+namespace {
+
+SpyMemory* memory = nullptr;
+HHOOK sentHook = nullptr;
+HHOOK fetchedHook = nullptr;
+
+// Before the library is loaded anywhere, since it opens the memory when it is.
+void CreateSharedMemory() {
+    if (memory != nullptr) {
+        return;
+    }
+    const HANDLE mapping = CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
+                                              sizeof(SpyMemory), spyMemoryName);
+    memory = static_cast<SpyMemory*>(MapViewOfFile(mapping, FILE_MAP_ALL_ACCESS, 0, 0, sizeof(SpyMemory)));
+    if (memory == nullptr) {
+        throw RequestError("no shared memory for the spy");
+    }
+}
+
+HHOOK SetHook(HMODULE library, int kind, const char* procedure, DWORD thread) {
+    HOOKPROC address = nullptr;
+    const FARPROC found = GetProcAddress(library, procedure);
+    std::memcpy(&address, &found, sizeof(address));
+    const HHOOK hook = SetWindowsHookExW(kind, address, library, thread);
+    if (hook == nullptr) {
+        throw RequestError("SetWindowsHookExW failed: " + std::to_string(GetLastError()));
+    }
+    return hook;
+}
+
+void ReleaseHook(HHOOK& hook) {
+    if (hook != nullptr) {
+        UnhookWindowsHookEx(hook);
+        hook = nullptr;
+    }
+}
+
+std::string BrushText(const SpyBrush& brush) {
+    return JsonObject()
+        .Add("handle", JsonNumber(static_cast<int64_t>(brush.handle)))
+        .Add("solid", JsonBool(brush.isSolid != 0))
+        .Add("colour", JsonNumber(brush.colour))
+        .Text();
+}
+
+std::string FontText(const SpyAnswer& answer) {
+    const LOGFONTW& font = answer.logicalFont;
+    return JsonObject()
+        .Add("handle", JsonNumber(static_cast<int64_t>(answer.font)))
+        .Add("face", JsonText(font.lfFaceName))
+        .Add("height", JsonNumber(font.lfHeight))
+        .Add("width", JsonNumber(font.lfWidth))
+        .Add("weight", JsonNumber(font.lfWeight))
+        .Add("italic", JsonNumber(font.lfItalic))
+        .Add("underline", JsonNumber(font.lfUnderline))
+        .Add("strikeOut", JsonNumber(font.lfStrikeOut))
+        .Add("charset", JsonNumber(font.lfCharSet))
+        .Add("quality", JsonNumber(font.lfQuality))
+        .Text();
+}
+
+std::string ClassText(const SpyAnswer& answer) {
+    return JsonObject()
+        .Add("brush", BrushText(answer.classBrush))
+        .Add("style", JsonNumber(answer.classStyle))
+        .Add("arrow", JsonBool(answer.classHasArrow != 0))
+        .Add("icon", JsonBool(answer.classHasIcon != 0))
+        .Add("menu", JsonBool(answer.classHasMenu != 0))
+        .Text();
+}
+
+std::string ColouringText(const SpyAnswer& answer) {
+    return JsonObject()
+        .Add("brush", BrushText(answer.controlBrush))
+        .Add("backgroundMode", JsonNumber(answer.backgroundMode))
+        .Add("background", JsonNumber(answer.backgroundColour))
+        .Add("text", JsonNumber(answer.textColour))
+        .Text();
+}
+
+}  // namespace
+
+std::string AttachSpy(HWND window) {
+    CreateSharedMemory();
+    ReleaseHook(sentHook);
+    ReleaseHook(fetchedHook);
+    std::memset(static_cast<void*>(memory), 0, sizeof(*memory));
+    const HMODULE library = LoadLibraryW(L"quillmont_desktop_spy.dll");
+    if (library == nullptr) {
+        throw RequestError("quillmont_desktop_spy.dll could not be loaded");
+    }
+    const DWORD thread = GetWindowThreadProcessId(window, nullptr);
+    sentHook = SetHook(library, WH_CALLWNDPROC, "SeeSentMessage", thread);
+    fetchedHook = SetHook(library, WH_GETMESSAGE, "SeeFetchedMessage", thread);
+    return "null";
+}
+
+std::string AskSpy(HWND window, SpyQuestion question, UINT message) {
+    if (memory == nullptr) {
+        throw RequestError("the spy is not attached");
+    }
+    memory->answer = {};
+    SendWithLimit(window, RegisterWindowMessageW(spyMessageName), static_cast<WPARAM>(question),
+                  static_cast<LPARAM>(message));
+    const SpyAnswer answer = memory->answer;
+    if (answer.answered == 0) {
+        throw RequestError("the spy did not answer");
+    }
+    return JsonObject()
+        .Add("font", FontText(answer))
+        .Add("class", ClassText(answer))
+        .Add("colouring", ColouringText(answer))
+        .Add("gdiObjects", JsonNumber(answer.gdiObjects))
+        .Text();
+}
+
+std::string ReadSpyTimers() {
+    if (memory == nullptr) {
+        throw RequestError("the spy is not attached");
+    }
+    const uint32_t count = memory->timerCount;
+    std::vector<std::string> events;
+    for (uint32_t i = count - std::min(count, spyTimerEvents); i != count; ++i) {
+        const SpyTimerEvent& event = memory->timers[i % spyTimerEvents];
+        events.push_back(JsonList({JsonNumber(static_cast<int64_t>(event.window)),
+                                   JsonNumber(static_cast<int64_t>(event.timer)),
+                                   JsonNumber(static_cast<int64_t>(event.tick))}));
+    }
+    return JsonList(events);
+}

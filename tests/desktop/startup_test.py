@@ -1,0 +1,168 @@
+"""Start-up and the end: the data directory, the settings file, the first lines of the log."""
+
+import os
+import subprocess
+
+import pytest
+
+from harness.data_folder import LINE_END, DataFolder, config, mask_stamps
+from harness.program import START_LINES
+from harness.traps import TRAP_PORT, hold_port
+
+NO_CONFIG = "No config.xml found (or empty). Using defaults."
+NO_MIBS = "MIBs loaded. OID mappings: 0"
+
+
+@pytest.fixture
+def start_idle(start):
+    """Starts the program with port 162 taken, so that it only loads, waits and saves."""
+    with hold_port(TRAP_PORT):
+        yield start
+
+
+def test_a_first_start_makes_the_folders_and_empty_files_but_no_config(program, data):
+    assert data.folder.is_dir()
+    assert data.mibs.is_dir()
+    assert list(data.mibs.iterdir()) == []
+    assert data.trap_octets() == b""
+    assert data.traps.exists()
+    assert not data.config.exists()
+    assert sorted(path.name for path in data.folder.iterdir()) == ["SNMP.txt", "log.txt", "mibs"]
+
+
+def test_a_first_start_logs_the_defaults_and_the_empty_name_store(program, data):
+    data.wait_for_log("Listener thread started (UDP 161).")
+    data.wait_for_log("Trap thread started (UDP 162).")
+    messages = data.log_messages()
+    assert messages[:3] == [NO_CONFIG, NO_MIBS, "Starting server..."]
+    assert sorted(messages[2:]) == START_LINES
+
+
+def test_log_lines_are_stamp_two_blanks_message_and_the_three_byte_line_end(program, data):
+    lines = mask_stamps(data.log_octets()).split(LINE_END)
+    assert lines[0] == b"#" * 23 + b"  No config.xml found (or empty). Using defaults."
+    assert lines[1] == b"#" * 23 + b"  MIBs loaded. OID mappings: 0"
+
+
+def test_a_second_start_changes_no_byte_that_was_there(data, start):
+    data.folder.mkdir(parents=True)
+    data.traps.write_bytes(b"kept \xe9\x1a\n without an end")
+    data.log.write_bytes(b"2026-03-07 09:05:02.047  Config saved.\r\r\n")
+    start().wait_running()
+    assert data.trap_octets() == b"kept \xe9\x1a\n without an end"
+    assert data.log_octets().startswith(b"2026-03-07 09:05:02.047  Config saved.\r\r\n")
+    data.wait_for_log("Server started.")
+
+
+def test_a_deleted_mibs_folder_comes_back_at_the_next_start(data, start):
+    data.folder.mkdir(parents=True)
+    start().wait_running()
+    assert data.mibs.is_dir()
+
+
+def test_a_data_path_outside_ascii_is_kept_exactly(data, start):
+    del data
+    name = "Grüße \u0416\u4e2d"
+    parent = os.path.join(os.environ["WINEPREFIX"], "drive_c", name)
+    os.makedirs(parent, exist_ok=True)
+    key = r"HKCU\Software\Microsoft\Windows\CurrentVersion\Explorer\User Shell Folders"
+
+    def set_local_application_data(value):
+        command = ["wine", "reg", "add", key, "/v", "Local AppData", "/t", "REG_EXPAND_SZ", "/d", value, "/f"]
+        subprocess.run(command, check=True, capture_output=True, timeout=60)
+
+    set_local_application_data("C:\\" + name)
+    try:
+        elsewhere = DataFolder(parent)
+        program = start().wait_running()
+        assert elsewhere.mibs.is_dir()
+        assert program.close() == 0
+        assert elsewhere.config.read_bytes() == config()
+        assert elsewhere.log_messages()[-1] == "Config saved."
+    finally:
+        set_local_application_data("%USERPROFILE%\\AppData\\Local")
+
+
+def test_a_data_directory_that_cannot_be_made_stops_nothing(data, start):
+    data.folder.parent.mkdir(parents=True, exist_ok=True)
+    data.folder.write_bytes(b"a file in the way")
+    program = start().wait_running()
+    assert program.close() == 0
+    assert data.folder.read_bytes() == b"a file in the way"
+
+
+def test_a_second_copy_runs_beside_the_first(data, start):
+    first = start().wait_running()
+    second = start().wait_running()
+    assert first.process != second.process
+    assert first.close() == 0
+    assert second.close() == 0
+    assert data.log_messages().count("Config saved.") == 2
+
+
+def test_mib_files_in_the_folder_are_counted_at_the_start(data, start_idle):
+    data.add_mib("tiny.mib", "first OBJECT IDENTIFIER ::= { 1 3 6 1 4 1 9999 1 }\n")
+    data.add_mib("not_read.xml", "second OBJECT IDENTIFIER ::= { 1 3 6 1 4 1 9999 2 }\n")
+    (data.mibs / "folder.mib").mkdir()
+    program = start_idle()
+    data.wait_for_log("MIBs loaded. OID mappings: 1")
+    assert program.close() == 0
+
+
+SETTINGS = {
+    "its_own_form": (config(1, "10.1.2.3", 8162), config(1, "10.1.2.3", 8162)),
+    "single_line_feeds": (config(1, "10.1.2.3", 8162, b"\n"), config(1, "10.1.2.3", 8162)),
+    "carriage_return_line_feed": (config(1, "10.1.2.3", 8162, b"\r\n"), config(1, "10.1.2.3", 8162)),
+    "enabled_true_is_off": (config("true"), config(0)),
+    "enabled_blank_1_is_off": (config(" 1"), config(0)),
+    "enabled_01_is_off": (config("01"), config(0)),
+    "enabled_empty_is_off": (config(""), config(0)),
+    "empty_ip_stays_empty": (config(1, ""), config(1, "")),
+    "ip_with_blanks_is_kept": (config(1, " 10.1.2.3 "), config(1, " 10.1.2.3 ")),
+    "ip_with_a_byte_above_7f_is_kept": (config(1, "h\xf6st"), config(1, "h\xf6st")),
+    "port_with_blanks_and_letters": (config(port="  8162abc"), config(port=8162)),
+    "port_0_becomes_162": (config(port=0), config(port=162)),
+    "port_minus_5_becomes_162": (config(port=-5), config(port=162)),
+    "port_1_is_kept": (config(port=1), config(port=1)),
+    "port_65535_is_kept": (config(port=65535), config(port=65535)),
+    "port_65536_becomes_162": (config(port=65536), config(port=162)),
+    "port_70000_becomes_162": (config(port=70000), config(port=162)),
+    "port_4294968296_becomes_162": (config(port=4294968296), config(port=162)),
+    "port_abc_becomes_162": (config(port="abc"), config(port=162)),
+    "closing_marker_first_gives_the_default_ip": (
+        b"<forwardingPort>99</forwardingPort></forwardingIp><forwardingIp>10.1.2.3</forwardingIp>",
+        config(0, "127.0.0.1", 99),
+    ),
+    "a_single_word": (b"word", config()),
+    "only_a_line_end": (b"\r\n", config()),
+}
+
+
+@pytest.mark.parametrize("before, after", SETTINGS.values(), ids=SETTINGS.keys())
+def test_settings_are_loaded_at_start_and_saved_at_exit(data, start_idle, before, after):
+    data.write_config(before)
+    program = start_idle()
+    data.wait_for_log("Config loaded.")
+    assert data.config.read_bytes() == before
+    assert program.close() == 0
+    assert data.config.read_bytes() == after
+    assert NO_CONFIG not in data.log_messages()
+
+
+@pytest.mark.parametrize("content", [b"", b"\x1a" + config(1, "10.1.2.3", 99)], ids=["empty", "begins_with_1a"])
+def test_an_empty_settings_file_gives_the_defaults(data, start_idle, content):
+    data.write_config(content)
+    program = start_idle()
+    data.wait_for_log(NO_CONFIG)
+    assert program.close() == 0
+    assert data.config.read_bytes() == config()
+    assert "Config loaded." not in data.log_messages()
+
+
+def test_a_settings_file_that_cannot_be_written_is_passed_over_in_silence(data, start_idle):
+    data.config.mkdir(parents=True)
+    program = start_idle()
+    data.wait_for_log(NO_CONFIG)
+    assert program.close() == 0
+    assert "Config saved." not in data.log_messages()
+    assert data.config.is_dir()

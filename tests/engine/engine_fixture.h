@@ -1,0 +1,70 @@
+// The receiver as a whole on its real ports, in a data folder of its own. The ports are fixed, so these
+// programs run where nobody else has them: in a network namespace or a fresh Wine prefix inside one.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/udp_socket.h"
+#include "tests/support/ber_encoder.h"
+#include "tests/support/scratch_folder.h"
+
+constexpr uint32_t kLoopback = 0x7F000001;
+constexpr uint16_t kTrapPort = 162;
+constexpr uint16_t kListenerPort = 161;
+
+// The octets of the sample message of that name.
+const Octets& Sample(std::string_view name);
+
+// The sample's lines as SNMP.txt holds them behind the header line, without the empty one at the end.
+std::string ExpectedLines(std::string_view name);
+
+// A v2c trap of 65,507 octets, the most that a datagram can carry; its last binding is the integer 4711.
+Octets LargestMessage();
+
+// True as soon as `condition` holds; false when it still did not at the deadline.
+bool WaitUntil(const std::function<bool()>& condition,
+               std::chrono::milliseconds limit = std::chrono::milliseconds(20000));
+
+// Sends to this machine from a port of its own, and can tell what came back.
+class LoopbackClient {
+  public:
+    LoopbackClient();
+    ~LoopbackClient();
+    LoopbackClient(const LoopbackClient&) = delete;
+    LoopbackClient& operator=(const LoopbackClient&) = delete;
+
+    uint16_t port() const { return port_; }
+    void Send(const Octets& octets, uint16_t toPort = kTrapPort);
+
+    // The next datagram that arrives here. A caller who expects none sends itself a marker first.
+    Octets Receive();
+
+  private:
+    UdpSocketRef socket_;
+    uint16_t port_ = 0;
+};
+
+class EngineTest : public ::testing::Test {
+  protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    // The lines of log.txt without their stamps; a line without a proper stamp is reported as a failure.
+    static std::vector<std::string> LogLines();
+    static size_t CountLogLines(std::string_view message);
+    static bool WaitForLogLines(std::string_view message, size_t count = 1);
+    static std::string TrapFile();
+    // Each record of SNMP.txt without its stamp, up to and without its empty line.
+    static std::vector<std::string> TrapRecords();
+    static bool WaitForTraps(size_t count);
+
+  private:
+    ScratchFolder scratch_;
+    AppPathsGuard paths_{scratch_};
+};

@@ -1,0 +1,118 @@
+// Datagrams passed on to the configured address.
+#include "trap/forwarding.h"
+
+#include "config/forwarding_settings.h"
+#include "tests/engine/engine_fixture.h"
+#include "trap/server_control.h"
+
+namespace {
+
+constexpr char kFailed[] = "Forwarding failed (sendto error).";
+const Octets kMarker = {0xEE};
+
+class Forwarding : public EngineTest {
+  protected:
+    void SetUp() override {
+        EngineTest::SetUp();
+        ASSERT_TRUE(StartServer());
+        ReplaceForwardingTarget(L"127.0.0.1", target.port());
+        ForwardingSettings.forwardingEnabled = true;
+    }
+
+    void SendAndWait(const Octets& octets) {
+        client.Send(octets);
+        ASSERT_TRUE(WaitForTraps(++sent));
+    }
+
+    // Nothing was forwarded when the first thing to arrive is what the target sends itself. The datagram
+    // after the one in question is recorded first, so that its forwarding, done after its log line, has
+    // happened.
+    void ExpectNothingForwarded() {
+        ForwardingSettings.forwardingEnabled = false;
+        SendAndWait({});
+        target.Send(kMarker, target.port());
+        EXPECT_EQ(target.Receive(), kMarker);
+    }
+
+    LoopbackClient client;
+    LoopbackClient target;
+    size_t sent = 0;
+};
+
+TEST_F(Forwarding, TheOctetsArriveUnchangedAndDecodableOrNot) {
+    for (const Octets& octets :
+         {Sample("v2_link_down"), Sample("v1_two_bindings"), Octets{0xFF, 0x00, 0x80}}) {
+        client.Send(octets);
+        EXPECT_EQ(target.Receive(), octets);
+    }
+}
+
+TEST_F(Forwarding, AZeroLengthDatagramIsForwardedAsOne) {
+    client.Send({});
+    EXPECT_TRUE(target.Receive().empty());
+}
+
+TEST_F(Forwarding, TheLargestDatagramIsForwardedWhole) {
+    const Octets largest = LargestMessage();
+    client.Send(largest);
+    EXPECT_EQ(target.Receive(), largest);
+}
+
+TEST_F(Forwarding, ANewTargetHoldsForTheVeryNextDatagram) {
+    LoopbackClient otherTarget;
+    client.Send({1});
+    EXPECT_EQ(target.Receive(), Octets{1});
+    ReplaceForwardingTarget(L"127.0.0.1", otherTarget.port());
+    client.Send({2});
+    EXPECT_EQ(otherTarget.Receive(), Octets{2});
+}
+
+TEST_F(Forwarding, NothingIsSentWhileItIsOff) {
+    ForwardingSettings.forwardingEnabled = false;
+    SendAndWait(Sample("v2_link_down"));
+    ExpectNothingForwarded();
+}
+
+TEST_F(Forwarding, TextThatIsNoDottedAddressSendsNothingAndLogsNothing) {
+    for (const wchar_t* address : {L"", L"localhost", L" 127.0.0.1", L"127.0.0.1 ", L"::1", L"127.1",
+                                   L"127.0.0.01", L"0x7f.0.0.1", L"127.0.0.1:162", L"\u20AC"}) {
+        ReplaceForwardingTarget(address, target.port());
+        SendAndWait(Sample("v2_link_down"));
+    }
+    ExpectNothingForwarded();
+    EXPECT_EQ(CountLogLines(kFailed), 0U);
+}
+
+TEST_F(Forwarding, ARefusedSendIsLoggedOncePerDatagramAndTheNextTriesAgain) {
+    ReplaceForwardingTarget(L"255.255.255.255", target.port());  // broadcast is refused to an ordinary socket
+    client.Send(Sample("v2_link_down"));
+    client.Send(Sample("v2_link_down"));
+    ASSERT_TRUE(WaitForLogLines(kFailed, 2));
+    ReplaceForwardingTarget(L"127.0.0.1", target.port());
+    client.Send({7});
+    EXPECT_EQ(target.Receive(), Octets{7});
+    EXPECT_EQ(CountLogLines(kFailed), 2U);
+}
+
+TEST_F(Forwarding, ATargetOnOurOwnPortComesBackWithoutEnd) {
+    ReplaceForwardingTarget(L"127.0.0.1", kTrapPort);
+    client.Send(Sample("v2_link_down"));
+    EXPECT_TRUE(WaitForTraps(20)) << "one datagram was sent, each round brings the next";
+    ForwardingSettings.forwardingEnabled = false;
+}
+
+TEST_F(Forwarding, WithoutASocketNothingHappens) {
+    const Octets octets = Sample("v2_link_down");
+    ForwardDatagram(octets.data(), octets.size(), nullptr);
+    EXPECT_EQ(CountLogLines(kFailed), 0U);
+}
+
+TEST_F(Forwarding, AClosedSocketIsNoFailureToReport) {
+    const Octets octets = Sample("v2_link_down");
+    const UdpSocketRef closed = OpenUdpSocket();
+    CloseUdpSocket(*closed);
+    ForwardDatagram(octets.data(), octets.size(), closed.get());
+    EXPECT_EQ(CountLogLines(kFailed), 0U);
+}
+
+}  // namespace

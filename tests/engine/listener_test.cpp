@@ -1,0 +1,52 @@
+// UDP 161: bound, noted in the log, otherwise ignored.
+#include "tests/engine/engine_fixture.h"
+#include "trap/server_control.h"
+#include "trap/server_state.h"
+
+namespace {
+
+constexpr char kNoted[] = "Datagram on UDP 161 from 127.0.0.1.";
+
+class Listener : public EngineTest {
+  protected:
+    void SetUp() override {
+        EngineTest::SetUp();
+        ASSERT_TRUE(StartServer());
+    }
+
+    LoopbackClient client;
+};
+
+TEST_F(Listener, ARequestGivesOneLogLineAndNoReply) {
+    client.Send(Sample("get_request_two_bindings"), kListenerPort);
+    ASSERT_TRUE(WaitForLogLines(kNoted));
+    const Octets marker = {9};
+    client.Send(marker, client.port());
+    EXPECT_EQ(client.Receive(), marker);
+    EXPECT_EQ(CountLogLines(kNoted), 1U);
+}
+
+TEST_F(Listener, DatagramsOn161LeaveTrapFileAndLastTrapAlone) {
+    client.Send(Sample("v2_link_down"), kListenerPort);
+    ASSERT_TRUE(WaitForLogLines(kNoted));
+    EXPECT_EQ(TrapFile(), "");
+    EXPECT_EQ(ServerState.lastTrapTick, 0U);
+    EXPECT_EQ(CopyLastTrapSender(), L"");
+}
+
+TEST_F(Listener, AFloodGivesOneLineEach) {
+    constexpr size_t kFlood = 150;
+    for (size_t sent = 0; sent < kFlood; ++sent) {
+        client.Send({0x30}, kListenerPort);
+    }
+    ASSERT_TRUE(WaitForLogLines(kNoted, kFlood));
+    EXPECT_EQ(CountLogLines(kNoted), kFlood);
+}
+
+TEST_F(Listener, ADatagramLongerThanTheBufferIsNotedLikeAnyOther) {
+    client.Send(Octets(5000, 0x30), kListenerPort);
+    client.Send({}, kListenerPort);
+    ASSERT_TRUE(WaitForLogLines(kNoted, 2));
+}
+
+}  // namespace

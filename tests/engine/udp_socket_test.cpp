@@ -1,0 +1,76 @@
+// The seam's promises about sockets that are closed under their reader.
+#include "platform/udp_socket.h"
+
+#include <atomic>
+#include <thread>
+
+#include "tests/engine/engine_fixture.h"
+
+namespace {
+
+class UdpSockets : public EngineTest {
+  protected:
+    static ReceiveResult ReceiveOnce(UdpSocket& socket) {
+        uint8_t buffer[16];
+        size_t size = 0;
+        Ipv4Endpoint sender;
+        return ReceiveDatagram(socket, buffer, sizeof buffer, &size, &sender);
+    }
+};
+
+TEST_F(UdpSockets, ClosingWakesTheReceiverThatWaits) {
+    const UdpSocketRef socket = OpenUdpSocket();
+    ASSERT_TRUE(BindToAllAddresses(*socket, 30001));
+    std::atomic<bool> entered{false};
+    ReceiveResult result = ReceiveResult::Failed;
+    std::thread receiver([&] {
+        entered = true;
+        result = ReceiveOnce(*socket);
+    });
+    ASSERT_TRUE(WaitUntil([&] { return entered.load(); }));
+    CloseUdpSocket(*socket);
+    receiver.join();
+    EXPECT_EQ(result, ReceiveResult::Closed);
+}
+
+TEST_F(UdpSockets, AClosedSocketAnswersAsClosedToEveryCall) {
+    const UdpSocketRef socket = OpenUdpSocket();
+    ASSERT_TRUE(BindToAllAddresses(*socket, 30002));
+    CloseUdpSocket(*socket);
+    CloseUdpSocket(*socket);
+    EXPECT_EQ(ReceiveOnce(*socket), ReceiveResult::Closed);
+    EXPECT_EQ(SendDatagram(*socket, {kLoopback, 30002}, nullptr, 0), SendResult::Closed);
+}
+
+TEST_F(UdpSockets, WhatWaitedInAClosedSocketIsNotReceivedByItsSuccessor) {
+    const UdpSocketRef first = OpenUdpSocket();
+    ASSERT_TRUE(BindToAllAddresses(*first, 30003));
+    LoopbackClient client;
+    client.Send({1}, 30003);
+    CloseUdpSocket(*first);
+    const UdpSocketRef second = OpenUdpSocket();
+    ASSERT_TRUE(BindToAllAddresses(*second, 30003));
+    client.Send({2}, 30003);
+    uint8_t buffer[16] = {};
+    size_t size = 0;
+    Ipv4Endpoint sender;
+    ASSERT_EQ(ReceiveDatagram(*second, buffer, sizeof buffer, &size, &sender), ReceiveResult::Datagram);
+    EXPECT_EQ(buffer[0], 2);
+    EXPECT_EQ(sender.address, kLoopback);
+    EXPECT_EQ(sender.port, client.port());
+    EXPECT_EQ(ReceiveOnce(*first), ReceiveResult::Closed);
+    CloseUdpSocket(*second);
+}
+
+TEST_F(UdpSockets, OnlyPlainDottedAddressesParse) {
+    uint32_t address = 42;
+    for (const char* text :
+         {"", " 127.0.0.1", "127.0.0.1 ", "127.1", "0x7f.0.0.1", "256.0.0.1", "1.2.3.4.5", "01.2.3.4"}) {
+        EXPECT_FALSE(ParseIpv4Address(text, &address)) << text;
+        EXPECT_EQ(address, 42U) << text;
+    }
+    EXPECT_TRUE(ParseIpv4Address("10.1.2.3", &address));
+    EXPECT_EQ(address, 0x0A010203U);
+}
+
+}  // namespace

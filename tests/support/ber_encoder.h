@@ -1,0 +1,92 @@
+// The other side of trap/ber_reader.h, written from the encoding rules and not from the reader: messages as
+// agents send them, and, piece by piece, messages that no agent would send.
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <vector>
+
+using Octets = std::vector<uint8_t>;
+
+namespace ber {
+
+constexpr uint8_t kInteger = 0x02;
+constexpr uint8_t kOctetString = 0x04;
+constexpr uint8_t kNull = 0x05;
+constexpr uint8_t kOid = 0x06;
+constexpr uint8_t kSequence = 0x30;
+constexpr uint8_t kIpAddress = 0x40;
+constexpr uint8_t kCounter32 = 0x41;
+constexpr uint8_t kGauge32 = 0x42;
+constexpr uint8_t kTimeTicks = 0x43;
+constexpr uint8_t kOpaque = 0x44;
+constexpr uint8_t kCounter64 = 0x46;
+constexpr uint8_t kNoSuchObject = 0x80;
+constexpr uint8_t kNoSuchInstance = 0x81;
+constexpr uint8_t kEndOfMibView = 0x82;
+
+constexpr uint8_t kV1TrapPdu = 0xA4;
+constexpr uint8_t kInformPdu = 0xA6;
+constexpr uint8_t kV2TrapPdu = 0xA7;
+
+}  // namespace ber
+
+Octets Concatenate(std::initializer_list<Octets> parts);
+
+// Tag, the shortest form of the length, content.
+Octets EncodeElement(uint8_t tag, const Octets& content);
+
+// The same with the length in the long form of exactly `lengthOctets` octets, leading zeros included.
+Octets EncodeLongFormElement(uint8_t tag, const Octets& content, unsigned lengthOctets);
+
+// Tag and a length that need not be true, without content.
+Octets EncodeHeader(uint8_t tag, size_t length);
+
+Octets EncodeSequence(std::initializer_list<Octets> elements);
+
+// The shortest two's complement content that holds the value.
+Octets EncodeInteger(int64_t value);
+
+// The same for the unsigned application types, with the zero octet that keeps a value positive.
+Octets EncodeUnsigned(uint8_t tag, uint64_t value);
+
+Octets EncodeOctetString(std::string_view octets);
+
+Octets EncodeNull();
+
+// `dotted` has two arcs or more, such as "1.3.6.1.2.1.1.3.0"; the empty text gives an identifier without
+// content.
+Octets EncodeOid(std::string_view dotted);
+
+Octets EncodeIpAddress(uint8_t first, uint8_t second, uint8_t third, uint8_t fourth);
+
+// One variable binding as a test states it: the dotted identifier and the encoded value element.
+struct Binding {
+    std::string oid;
+    Octets value;
+};
+
+Octets EncodeBinding(const Binding& binding);
+
+// The list as one SEQUENCE of bindings.
+Octets EncodeBindingList(const std::vector<Binding>& bindings);
+
+// A whole message around a PDU element, with the community "public". `version` is 0 for v1 and 1 for v2c.
+Octets EncodeMessage(int version, const Octets& pdu);
+
+// A v2c PDU of any tag: request id, error status, error index, then `list`, whatever that is.
+Octets EncodeV2Pdu(uint8_t tag, const Octets& list);
+
+// A v1 Trap-PDU: enterprise 1.3.6.1.4.1.8072.3.2.10, agent 10.1.2.3, linkDown (generic 2, specific 0), a time
+// stamp of 123456, then `list`.
+Octets EncodeV1Pdu(const Octets& list);
+
+// Whole messages with these bindings and no others: nothing is added in front.
+Octets EncodeV1Trap(const std::vector<Binding>& bindings);
+Octets EncodeV2Trap(const std::vector<Binding>& bindings);
+Octets EncodeInform(const std::vector<Binding>& bindings);
+
+// A v2c trap whose list holds `listContent` as it is, bindings or not.
+Octets EncodeV2TrapWithListContent(const Octets& listContent);

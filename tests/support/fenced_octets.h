@@ -1,0 +1,24 @@
+// A copy of some octets that ends at the edge of its allocation, so that under AddressSanitizer a reader that
+// looks one octet too far ends the test.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+class FencedOctets {
+  public:
+    // One octet more in front: an allocation of no octets at all would have no fence.
+    FencedOctets(const uint8_t* octets, size_t size) : memory_(new uint8_t[size + 1]), size_(size) {
+        std::copy(octets, octets + size, memory_.get() + 1);
+    }
+
+    const uint8_t* data() const { return memory_.get() + 1; }
+    size_t size() const { return size_; }
+    const uint8_t* end() const { return data() + size_; }
+
+  private:
+    std::unique_ptr<uint8_t[]> memory_;
+    size_t size_;
+};

@@ -1,0 +1,17 @@
+#!/usr/bin/env bash
+# Runs a Windows console program in a private network and a Wine prefix of its own; returns its exit code.
+# Usage: run_under_wine.sh PROGRAM.exe [ARGUMENT...]
+set -euo pipefail
+
+here="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
+scripts="$here/../../scripts"
+if [[ ${1:-} != --inside ]]; then
+    exec "$scripts/in_private_network.sh" "$here/$(basename "$0")" --inside "$@"
+fi
+shift
+
+source "$scripts/wine.sh"
+trap 'StopWine; RemoveTemporaryPrefix' EXIT
+unset DISPLAY
+UseTemporaryPrefix
+wine "$@" </dev/null

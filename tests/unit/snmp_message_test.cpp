@@ -1,0 +1,521 @@
+#include "trap/snmp_message.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cwchar>
+
+#include "mib/name_store.h"
+#include "tests/support/ber_encoder.h"
+#include "tests/support/fenced_octets.h"
+#include "tests/support/sample_messages.h"
+#include "trap/ber_reader.h"
+
+namespace {
+
+using Lines = std::vector<std::wstring>;
+
+// A record as one text; the bar cannot be confused with anything in the expected texts.
+std::wstring Flatten(const VarbindRecord& record) {
+    return record.oid + L"|" + record.name + L"|" + record.type + L"|" + record.value;
+}
+
+bool DecodeInto(const Octets& octets, VarbindList& records) {
+    const FencedOctets fenced(octets.data(), octets.size());
+    return DecodeSnmpMessage(fenced.data(), fenced.size(), records);
+}
+
+// The records of a message; the result must be true exactly when there is one.
+Lines Decode(const Octets& octets) {
+    VarbindList records;
+    records.Append() = {L"left", L"over", L"from", L"before"};
+    const bool decoded = DecodeInto(octets, records);
+    EXPECT_EQ(decoded, !records.empty());
+    Lines lines;
+    for (const VarbindRecord& record : records) {
+        lines.push_back(Flatten(record));
+    }
+    return lines;
+}
+
+const Lines kNotDecoded = {};
+
+const Binding kUpTime = {"1.3.6.1.2.1.1.3.0", EncodeUnsigned(ber::kTimeTicks, 123456)};
+const Binding kName = {"1.3.6.1.2.1.1.5.0", EncodeOctetString("core")};
+const std::wstring kUpTimeLine = L"1.3.6.1.2.1.1.3.0||TimeTicks|123456";
+const std::wstring kNameLine = L"1.3.6.1.2.1.1.5.0||OCTET STRING|\"core\"";
+const Octets kUnreadable = {0x30, 0x80};
+
+Octets ListOf(const std::vector<Octets>& elements) {
+    Octets content;
+    for (const Octets& element : elements) {
+        content = Concatenate({content, element});
+    }
+    return EncodeV2TrapWithListContent(content);
+}
+
+// A v2c message with these PDU elements.
+Octets PduOf(std::initializer_list<Octets> elements) {
+    return EncodeMessage(1, EncodeElement(ber::kV2TrapPdu, Concatenate(elements)));
+}
+
+// Type and value of a single binding that holds this element.
+std::wstring DecodeValue(const Octets& element) {
+    const Lines lines = Decode(EncodeV2Trap({{"1.3", element}}));
+    return lines.size() == 1 ? lines[0].substr(5) : L"not one record";
+}
+
+// The only names of the store, for as long as this lives.
+class ScopedNames {
+  public:
+    explicit ScopedNames(std::initializer_list<std::pair<std::wstring, std::wstring>> namesAndOids) {
+        const std::lock_guard lock(MibStoreLock);
+        ClearNameStore();
+        for (const auto& [name, oid] : namesAndOids) {
+            StoreNamedOid(name, oid);
+        }
+    }
+    ScopedNames(const ScopedNames&) = delete;
+    ScopedNames& operator=(const ScopedNames&) = delete;
+    ~ScopedNames() {
+        const std::lock_guard lock(MibStoreLock);
+        ClearNameStore();
+    }
+};
+
+// ---- Samples
+
+TEST(DecodeSnmpMessage, EverySampleGivesItsLines) {
+    for (const SampleMessage& sample : SampleMessages()) {
+        Lines expected;
+        for (std::wstring line : sample.lines) {
+            const size_t equals = line.find(L" = ");
+            line.replace(equals, 3, L"|");
+            line.replace(line.find(L"  "), 2, L"||");
+            expected.push_back(line);
+        }
+        EXPECT_EQ(Decode(sample.octets), expected) << sample.name;
+    }
+}
+
+TEST(DecodeSnmpMessage, Version1AndVersion2cAndInformOfTheSameBindingsGiveTheSameRecords) {
+    const std::vector<Binding> bindings = {kUpTime, kName};
+    const Lines expected = {kUpTimeLine, kNameLine};
+    EXPECT_EQ(Decode(EncodeV1Trap(bindings)), expected);
+    EXPECT_EQ(Decode(EncodeV2Trap(bindings)), expected);
+    EXPECT_EQ(Decode(EncodeInform(bindings)), expected);
+}
+
+// ---- Message frame
+
+TEST(DecodeSnmpMessage, FewerThanTwoOctetsAreNotDecoded) {
+    EXPECT_EQ(Decode({}), kNotDecoded);
+    EXPECT_EQ(Decode({0x30}), kNotDecoded);
+    VarbindList records;
+    EXPECT_FALSE(DecodeSnmpMessage(nullptr, 0, records));
+}
+
+TEST(DecodeSnmpMessage, OuterTagOtherThanSequenceIsNotDecoded) {
+    Octets message = EncodeV2Trap({kUpTime});
+    for (int tag = 0; tag <= 0xFF; ++tag) {
+        message[0] = static_cast<uint8_t>(tag);
+        EXPECT_EQ(!Decode(message).empty(), tag == ber::kSequence) << tag;
+    }
+}
+
+TEST(DecodeSnmpMessage, MessageContentOfFewerThanTwoOctetsIsNotDecoded) {
+    EXPECT_EQ(Decode({0x30, 0x00}), kNotDecoded);
+    EXPECT_EQ(Decode({0x30, 0x01, 0x02}), kNotDecoded);
+    EXPECT_EQ(Decode({0x30, 0x01, 0x02, 0x01, 0x01}), kNotDecoded)
+        << "octets behind the message do not count";
+}
+
+TEST(DecodeSnmpMessage, VersionAndCommunityAreNotLookedAt) {
+    const Octets pdu = EncodeV2Pdu(ber::kV2TrapPdu, EncodeBindingList({kUpTime}));
+    const Lines expected = {kUpTimeLine};
+    EXPECT_EQ(Decode(EncodeMessage(99, pdu)), expected);
+    EXPECT_EQ(Decode(EncodeSequence({EncodeNull(), EncodeNull(), pdu})), expected);
+    EXPECT_EQ(Decode(EncodeSequence({EncodeOctetString("v"), EncodeInteger(-1), pdu})), expected);
+}
+
+TEST(DecodeSnmpMessage, UnreadableVersionOrCommunityIsNotDecoded) {
+    const Octets pdu = EncodeV2Pdu(ber::kV2TrapPdu, EncodeBindingList({kUpTime}));
+    EXPECT_EQ(Decode(EncodeSequence({kUnreadable, EncodeOctetString("public"), pdu})), kNotDecoded);
+    EXPECT_EQ(Decode(EncodeSequence({EncodeInteger(1), kUnreadable, pdu})), kNotDecoded);
+}
+
+TEST(DecodeSnmpMessage, MessageThatEndsBehindVersionOrCommunityIsNotDecoded) {
+    const Octets community = EncodeOctetString("public");
+    EXPECT_EQ(Decode(EncodeSequence({EncodeInteger(1)})), kNotDecoded);
+    EXPECT_EQ(Decode(EncodeSequence({EncodeInteger(1), {0x04}})), kNotDecoded);
+    EXPECT_EQ(Decode(EncodeSequence({EncodeInteger(1), community})), kNotDecoded);
+    EXPECT_EQ(Decode(EncodeSequence({EncodeInteger(1), community, {0xA7}})), kNotDecoded);
+}
+
+TEST(DecodeSnmpMessage, PduTagIsNotLookedAt) {
+    const Octets list = EncodeBindingList({kUpTime});
+    for (int tag = 0; tag <= 0xFF; ++tag) {
+        EXPECT_EQ(Decode(EncodeMessage(1, EncodeV2Pdu(static_cast<uint8_t>(tag), list))), Lines{kUpTimeLine})
+            << tag;
+    }
+}
+
+TEST(DecodeSnmpMessage, EmptyOrOverlongPduIsNotDecoded) {
+    EXPECT_EQ(Decode(EncodeMessage(1, {ber::kV2TrapPdu, 0x00})), kNotDecoded);
+    Octets pdu = EncodeV2Pdu(ber::kV2TrapPdu, EncodeBindingList({kUpTime}));
+    ++pdu[1];
+    EXPECT_EQ(Decode(EncodeMessage(1, pdu)), kNotDecoded);
+}
+
+TEST(DecodeSnmpMessage, OctetsBehindTheMessageAreIgnored) {
+    const Octets message = EncodeV2Trap({kUpTime});
+    EXPECT_EQ(Decode(Concatenate({message, message, {0x00}})), Lines{kUpTimeLine});
+}
+
+// ---- The walk to the list
+
+TEST(DecodeSnmpMessage, LastReadableElementOfThePduIsTheList) {
+    const Octets first = EncodeBindingList({kUpTime});
+    const Octets second = EncodeBindingList({kName});
+    EXPECT_EQ(Decode(PduOf({second})), Lines{kNameLine}) << "nothing needs to stand before it";
+    EXPECT_EQ(Decode(PduOf({first, second})), Lines{kNameLine});
+}
+
+TEST(DecodeSnmpMessage, ReadableElementBehindTheListLosesTheWholeTrap) {
+    EXPECT_EQ(Decode(PduOf({EncodeInteger(1), EncodeBindingList({kUpTime}), EncodeNull()})), kNotDecoded);
+    EXPECT_EQ(Decode(PduOf({EncodeBindingList({kUpTime}), {0x00, 0x00}})), kNotDecoded);
+}
+
+TEST(DecodeSnmpMessage, UnreadableOctetsBehindTheListDoNoHarm) {
+    for (const Octets& behind :
+         {Octets{0x00}, kUnreadable, Octets{0x05, 0x01}, Octets{0x05, 0x85, 0, 0, 0, 0, 0}}) {
+        EXPECT_EQ(Decode(PduOf({EncodeInteger(1), EncodeBindingList({kUpTime}), behind})),
+                  Lines{kUpTimeLine});
+    }
+}
+
+TEST(DecodeSnmpMessage, UnreadableFirstElementOfThePduIsNotDecoded) {
+    EXPECT_EQ(Decode(PduOf({kUnreadable, EncodeBindingList({kUpTime})})), kNotDecoded);
+    EXPECT_EQ(Decode(PduOf({{0x30}})), kNotDecoded);
+}
+
+TEST(DecodeSnmpMessage, UnreadableElementBeforeTheListEndsTheWalkAtTheOneBefore) {
+    const Octets list = EncodeBindingList({kUpTime});
+    EXPECT_EQ(Decode(PduOf({EncodeInteger(1), kUnreadable, list})), kNotDecoded);
+    EXPECT_EQ(Decode(PduOf({EncodeBindingList({kName}), kUnreadable, list})), Lines{kNameLine});
+}
+
+TEST(DecodeSnmpMessage, ListThatIsNoSequenceIsNotDecoded) {
+    const Octets binding = EncodeBinding(kUpTime);
+    for (int tag = 0; tag <= 0xFF; ++tag) {
+        const Octets message = PduOf({EncodeInteger(1), EncodeElement(static_cast<uint8_t>(tag), binding)});
+        EXPECT_EQ(!Decode(message).empty(), tag == ber::kSequence) << tag;
+    }
+}
+
+TEST(DecodeSnmpMessage, EmptyBindingListIsNotDecoded) {
+    EXPECT_EQ(Decode(EncodeV2Trap({})), kNotDecoded);
+    EXPECT_EQ(Decode(EncodeV1Trap({})), kNotDecoded);
+}
+
+// ---- The list
+
+TEST(DecodeSnmpMessage, ElementsThatAreNoSequenceAreSkipped) {
+    EXPECT_EQ(
+        Decode(ListOf({EncodeNull(), EncodeBinding(kUpTime), EncodeOctetString("x"), EncodeBinding(kName)})),
+        (Lines{kUpTimeLine, kNameLine}));
+}
+
+TEST(DecodeSnmpMessage, BindingsOfFewerThanTwoOctetsAreSkipped) {
+    EXPECT_EQ(Decode(ListOf({{0x30, 0x00}, {0x30, 0x01, 0x06}, EncodeBinding(kName)})), Lines{kNameLine});
+}
+
+TEST(DecodeSnmpMessage, BindingThatBeginsWithAnIntegerIsSkipped) {
+    const Octets wrong = EncodeSequence({EncodeInteger(1), EncodeOid("1.3.6"), EncodeInteger(2)});
+    EXPECT_EQ(Decode(ListOf({wrong, EncodeBinding(kUpTime), wrong, EncodeBinding(kName)})),
+              (Lines{kUpTimeLine, kNameLine}));
+}
+
+TEST(DecodeSnmpMessage, BindingWhoseIdentifierRunsOverItsEndIsSkipped) {
+    EXPECT_EQ(Decode(ListOf({EncodeSequence({{0x06, 0x05, 0x2B}}), EncodeBinding(kName)})), Lines{kNameLine});
+}
+
+TEST(DecodeSnmpMessage, UnreadableElementEndsTheListAndKeepsWhatCameBefore) {
+    EXPECT_EQ(Decode(ListOf({EncodeBinding(kUpTime), kUnreadable, EncodeBinding(kName)})),
+              Lines{kUpTimeLine});
+    EXPECT_EQ(Decode(ListOf({EncodeBinding(kUpTime), {0x30}})), Lines{kUpTimeLine});
+    EXPECT_EQ(Decode(ListOf({kUnreadable, EncodeBinding(kName)})), kNotDecoded);
+}
+
+TEST(DecodeSnmpMessage, WhollyUnusableListIsNotDecoded) {
+    EXPECT_EQ(Decode(ListOf({EncodeNull(), EncodeSequence({EncodeInteger(1), EncodeInteger(2)})})),
+              kNotDecoded);
+}
+
+TEST(DecodeSnmpMessage, LargestDatagramOfSmallestBindingsGivesThemAll) {
+    const Octets binding = {0x30, 0x02, 0x06, 0x00};
+    const std::vector<Octets> bindings(16360, binding);
+    const Octets message = ListOf(bindings);
+    ASSERT_LE(message.size(), 65507U);
+    EXPECT_EQ(Decode(message), Lines(bindings.size(), L"||(no value)|"));
+}
+
+// ---- One binding
+
+TEST(DecodeSnmpMessage, IdentifierWithoutValueIsRecordedAsSuch) {
+    EXPECT_EQ(Decode(EncodeV2Trap({{"1.3.6.1", {}}})), Lines{L"1.3.6.1||(no value)|"});
+    EXPECT_EQ(Decode(EncodeV2Trap({{"1.3.6.1", {0x02}}})), Lines{L"1.3.6.1||(no value)|"})
+        << "one octet left";
+}
+
+TEST(DecodeSnmpMessage, ValueThatCannotBeReadIsNoValue) {
+    EXPECT_EQ(Decode(EncodeV2Trap({{"1.3.6.1", {0x02, 0x80, 0x01}}, kName})),
+              (Lines{L"1.3.6.1||(no value)|", kNameLine}));
+}
+
+TEST(DecodeSnmpMessage, ValueIsBoundedByItsBinding) {
+    // The value claims five octets; there are enough behind it, but they belong to the next binding.
+    EXPECT_EQ(Decode(EncodeV2Trap({{"1.3.6.1", {0x04, 0x05, 'a'}}, kName})),
+              (Lines{L"1.3.6.1||(no value)|", kNameLine}));
+}
+
+TEST(DecodeSnmpMessage, OctetsBehindTheValueAreIgnored) {
+    const Octets value = Concatenate({EncodeInteger(5), EncodeInteger(6), {0xFF}});
+    EXPECT_EQ(Decode(EncodeV2Trap({{"1.3.6.1", value}, kName})), (Lines{L"1.3.6.1||INTEGER|5", kNameLine}));
+}
+
+TEST(DecodeSnmpMessage, EmptyIdentifierIsEmptyText) {
+    EXPECT_EQ(Decode(EncodeV2Trap({{"", EncodeInteger(1)}})), Lines{L"||INTEGER|1"});
+}
+
+TEST(DecodeSnmpMessage, NothingIsLeftOverFromAnEarlierMessage) {
+    const ScopedNames names({{L"sysName", L"1.3.6.1.2.1.1.5.0"}});
+    VarbindList records;
+    ASSERT_TRUE(DecodeInto(EncodeV2Trap({kName, kUpTime}), records));
+    ASSERT_TRUE(DecodeInto(EncodeV2Trap({{"1.3.6.1", {}}}), records));
+    ASSERT_EQ(records.size(), 1U);
+    EXPECT_EQ(Flatten(records[0]), L"1.3.6.1||(no value)|");
+    EXPECT_FALSE(DecodeInto(EncodeV2Trap({}), records));
+    EXPECT_TRUE(records.empty());
+}
+
+// ---- Names
+
+TEST(DecodeSnmpMessage, NameIsFoundForExactlyItsIdentifier) {
+    const ScopedNames names({{L"sysUpTimeInstance", L"1.3.6.1.2.1.1.3.0"}});
+    EXPECT_EQ(Decode(EncodeV2Trap({kUpTime, kName})),
+              (Lines{L"1.3.6.1.2.1.1.3.0|sysUpTimeInstance|TimeTicks|123456", kNameLine}));
+}
+
+TEST(DecodeSnmpMessage, InstanceOfANamedObjectHasNoName) {
+    const ScopedNames names({{L"sysUpTime", L"1.3.6.1.2.1.1.3"}});
+    EXPECT_EQ(Decode(EncodeV2Trap({kUpTime})), Lines{kUpTimeLine});
+}
+
+TEST(DecodeSnmpMessage, IdentifierAsAValueIsNotNamed) {
+    const ScopedNames names({{L"linkDown", L"1.3.6.1.6.3.1.1.5.3"}});
+    EXPECT_EQ(DecodeValue(EncodeOid("1.3.6.1.6.3.1.1.5.3")), L"OID|1.3.6.1.6.3.1.1.5.3");
+}
+
+// ---- Values
+
+struct ValueCase {
+    Octets element;
+    const wchar_t* typeAndValue;
+};
+
+const ValueCase kValues[] = {
+    {EncodeInteger(0), L"INTEGER|0"},
+    {EncodeInteger(-1), L"INTEGER|-1"},
+    {EncodeInteger(INT32_MIN), L"INTEGER|-2147483648"},
+    {EncodeInteger(INT64_MAX), L"INTEGER|9223372036854775807"},
+    {{0x02, 0x00}, L"INTEGER|0"},
+    {{0x02, 0x08, 0x80, 0, 0, 0, 0, 0, 0, 0}, L"INTEGER|-1"},
+    {EncodeNull(), L"NULL|NULL"},
+    {{0x05, 0x02, 0x01, 0x02}, L"NULL|NULL"},
+    {EncodeOid("1.3.6.1.4.1"), L"OID|1.3.6.1.4.1"},
+    {{0x06, 0x00}, L"OID|"},
+    {EncodeUnsigned(ber::kCounter32, 4294967295), L"Counter32|4294967295"},
+    {{0x41, 0x04, 0xFF, 0xFF, 0xFF, 0xFF}, L"Counter32|18446744073709551615"},
+    {{0x41, 0x00}, L"Counter32|0"},
+    {{0x42, 0x01, 0x80}, L"Gauge32|18446744073709551488"},
+    {EncodeUnsigned(ber::kGauge32, 7), L"Gauge32|7"},
+    {EncodeUnsigned(ber::kTimeTicks, 4294967295), L"TimeTicks|4294967295"},
+    {EncodeUnsigned(ber::kCounter64, UINT64_MAX), L"Counter64|18446744073709551615"},
+    {{0x80, 0x00}, L"TAG 0x80|0x"},
+    {{0x81, 0x00}, L"TAG 0x81|0x"},
+    {{0x82, 0x00}, L"TAG 0x82|0x"},
+    {{0x44, 0x02, 0x9F, 0x78}, L"TAG 0x44|0x9F78"},
+    {{0x45, 0x02, 'o', 'k'}, L"TAG 0x45|\"ok\""},
+    {{0x00, 0x01, 0x41}, L"TAG 0x00|\"A\""},
+    {{0xFF, 0x01, 0x00}, L"TAG 0xFF|0x00"},
+    {{0x30, 0x02, 0x05, 0x00}, L"TAG 0x30|0x0500"},
+};
+
+TEST(DecodeSnmpMessage, ValuesAreRenderedByTheirTag) {
+    for (const ValueCase& row : kValues) {
+        EXPECT_EQ(DecodeValue(row.element), row.typeAndValue) << testing::PrintToString(row.element);
+    }
+}
+
+TEST(DecodeSnmpMessage, EveryOtherTagIsNamedByItsNumber) {
+    const std::vector<int> known = {0x02, 0x04, 0x05, 0x06, 0x40, 0x41, 0x42, 0x43, 0x46};
+    for (int tag = 0; tag <= 0xFF; ++tag) {
+        if (std::find(known.begin(), known.end(), tag) == known.end()) {
+            wchar_t label[16];
+            swprintf(label, 16, L"TAG 0x%02X|0x", static_cast<unsigned>(tag));
+            EXPECT_EQ(DecodeValue({static_cast<uint8_t>(tag), 0x00}), label);
+        }
+    }
+}
+
+std::wstring RenderString(std::string_view octets) {
+    const FencedOctets fenced(reinterpret_cast<const uint8_t*>(octets.data()), octets.size());
+    std::wstring text = L"<";
+    RenderOctetString(fenced.data(), fenced.size(), text);
+    return text.substr(1);
+}
+
+TEST(RenderOctetString, PrintableOctetsStandInDoubleQuotes) {
+    EXPECT_EQ(RenderString("public"), L"\"public\"");
+    EXPECT_EQ(RenderString(" ~"), L"\" ~\"") << "32 and 126 are printable";
+    EXPECT_EQ(RenderString("a\"b"), L"\"a\"b\"") << "nothing is escaped";
+}
+
+TEST(RenderOctetString, AnyOtherOctetMakesItHexadecimal) {
+    EXPECT_EQ(RenderString(std::string("\0\1", 2)), L"0x0001");
+    EXPECT_EQ(RenderString("a\x1F"), L"0x611F") << "31";
+    EXPECT_EQ(RenderString("a\x7F"), L"0x617F") << "127";
+    EXPECT_EQ(RenderString("a\tb"), L"0x610962");
+    EXPECT_EQ(RenderString("line\r\n"), L"0x6C696E650D0A");
+    EXPECT_EQ(RenderString("\xAB\xCD\xEF"), L"0xABCDEF");
+}
+
+TEST(RenderOctetString, EmptyStringIsAHexadecimalPrefixAlone) {
+    EXPECT_EQ(RenderString(""), L"0x");
+}
+
+TEST(RenderOctetString, HexadecimalIsCutAfter24Octets) {
+    EXPECT_EQ(RenderString(std::string(23, '\xFF')), L"0x" + std::wstring(46, L'F'));
+    EXPECT_EQ(RenderString(std::string(24, '\xFF')), L"0x" + std::wstring(48, L'F'));
+    EXPECT_EQ(RenderString(std::string(25, '\xFF')), L"0x" + std::wstring(48, L'F') + L"...");
+    EXPECT_EQ(RenderString(std::string(30, '\xFF')), L"0x" + std::wstring(48, L'F') + L"...");
+    EXPECT_EQ(RenderString(std::string(60000, '\0')), L"0x" + std::wstring(48, L'0') + L"...");
+}
+
+TEST(RenderOctetString, PrintableStringsAreNeverCut) {
+    EXPECT_EQ(RenderString(std::string(65000, 'x')), L"\"" + std::wstring(65000, L'x') + L"\"");
+}
+
+TEST(RenderIpAddress, FourOctetsAreADottedAddress) {
+    EXPECT_EQ(DecodeValue(EncodeIpAddress(192, 168, 1, 20)), L"IpAddress|192.168.1.20");
+    EXPECT_EQ(DecodeValue(EncodeIpAddress(0, 0, 0, 0)), L"IpAddress|0.0.0.0");
+    EXPECT_EQ(DecodeValue(EncodeIpAddress(255, 255, 255, 255)), L"IpAddress|255.255.255.255");
+}
+
+TEST(RenderIpAddress, AnyOtherCountIsAnOctetString) {
+    EXPECT_EQ(DecodeValue({0x40, 0x03, 0x0A, 0x00, 0x01}), L"IpAddress|0x0A0001");
+    EXPECT_EQ(DecodeValue({0x40, 0x00}), L"IpAddress|0x");
+    EXPECT_EQ(DecodeValue({0x40, 0x05, 'a', 'b', 'c', 'd', 'e'}), L"IpAddress|\"abcde\"");
+}
+
+// ---- Cut messages
+
+// Shortens the element at `position` and, down to `levels` levels, the constructed element inside it that
+// runs over the end, so that each ends where the octets end. A header that is cut itself is left alone.
+void RepairLengths(Octets& octets, size_t position, int levels) {
+    while (levels-- > 0 && octets.size() - position >= 2) {
+        const size_t lengthOctets = (octets[position + 1] & 0x80) != 0 ? octets[position + 1] & 0x7FU : 0;
+        size_t content = position + 2 + lengthOctets;
+        if (content > octets.size() || lengthOctets > 4) {
+            return;
+        }
+        size_t length = octets.size() - content;
+        for (size_t at = content; at > position + 2; length >>= 8) {
+            octets[--at] = static_cast<uint8_t>(length & 0xFF);
+        }
+        if (lengthOctets == 0) {
+            octets[position + 1] = static_cast<uint8_t>(length);
+        }
+        TlvHeader child;
+        const uint8_t* const end = octets.data() + octets.size();
+        while (ReadTlvHeader(octets.data() + content, end, &child)) {
+            content = static_cast<size_t>(child.contentEnd - octets.data());
+        }
+        position = content;
+        if (position == octets.size() || (octets[position] & 0x20) == 0) {
+            return;
+        }
+    }
+}
+
+Octets Cut(const Octets& octets, size_t size) {
+    return Octets(octets.begin(), octets.begin() + static_cast<ptrdiff_t>(size));
+}
+
+constexpr int kDownToTheList = 3;
+constexpr int kDownToTheBinding = 4;
+
+TEST(CutMessage, IsNotDecodedAtAnyLength) {
+    for (const SampleMessage& sample : SampleMessages()) {
+        TlvHeader message;
+        const uint8_t* const end = sample.octets.data() + sample.octets.size();
+        const bool readable = ReadTlvHeader(sample.octets.data(), end, &message);
+        const size_t messageSize =
+            readable ? static_cast<size_t>(message.contentEnd - sample.octets.data()) : sample.octets.size();
+        for (size_t size = 0; size < messageSize; ++size) {
+            EXPECT_EQ(Decode(Cut(sample.octets, size)), kNotDecoded) << sample.name << " cut at " << size;
+        }
+    }
+}
+
+TEST(CutMessage, WithRepairedLengthsNeverReadsOverItsEnd) {
+    for (const SampleMessage& sample : SampleMessages()) {
+        for (size_t size = 0; size < sample.octets.size(); ++size) {
+            for (int levels = 1; levels <= 6; ++levels) {
+                Octets cut = Cut(sample.octets, size);
+                RepairLengths(cut, 0, levels);
+                EXPECT_LE(Decode(cut).size(), sample.lines.size()) << sample.name << " cut at " << size;
+            }
+        }
+    }
+}
+
+TEST(CutMessage, WithRepairedOuterLengthsKeepsTheWholeBindings) {
+    for (const char* name :
+         {"v2_eight_bindings", "v2_every_value_type", "v1_link_down", "v2_sixty_bindings"}) {
+        const SampleMessage& sample = FindSample(name);
+        const Lines whole = Decode(sample.octets);
+        size_t mostKept = 0;
+        for (size_t size = 0; size < sample.octets.size(); ++size) {
+            Octets cut = Cut(sample.octets, size);
+            RepairLengths(cut, 0, kDownToTheList);
+            const Lines kept = Decode(cut);
+            ASSERT_LT(kept.size(), whole.size());
+            EXPECT_TRUE(std::equal(kept.begin(), kept.end(), whole.begin())) << name << " cut at " << size;
+            mostKept = std::max(mostKept, kept.size());
+        }
+        EXPECT_EQ(mostKept, whole.size() - 1) << "the cuts did not reach the list";
+    }
+}
+
+TEST(CutMessage, WithRepairedBindingLosesAtMostItsValue) {
+    const SampleMessage& sample = FindSample("v2_eight_bindings");
+    const Lines whole = Decode(sample.octets);
+    size_t withoutValue = 0;
+    for (size_t size = 0; size < sample.octets.size(); ++size) {
+        Octets cut = Cut(sample.octets, size);
+        RepairLengths(cut, 0, kDownToTheBinding);
+        Lines kept = Decode(cut);
+        if (!kept.empty() && kept.back().ends_with(L"||(no value)|")) {
+            const std::wstring oid = kept.back().substr(0, kept.back().find(L'|') + 1);
+            EXPECT_TRUE(whole[kept.size() - 1].starts_with(oid)) << "cut at " << size;
+            kept.pop_back();
+            ++withoutValue;
+        }
+        EXPECT_TRUE(std::equal(kept.begin(), kept.end(), whole.begin())) << "cut at " << size;
+    }
+    EXPECT_GE(withoutValue, whole.size()) << "the cuts did not reach the bindings";
+}
+
+}  // namespace

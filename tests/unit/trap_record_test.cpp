@@ -1,0 +1,82 @@
+#include "trap/trap_record.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr LocalTime kTime = {2026, 3, 7, 9, 5, 2, 47};
+
+VarbindList MakeBindings(const std::vector<VarbindRecord>& records) {
+    VarbindList bindings;
+    for (const VarbindRecord& record : records) {
+        bindings.Append() = record;
+    }
+    return bindings;
+}
+
+std::wstring Compose(const std::vector<VarbindRecord>& records) {
+    std::wstring record = L"leftover";
+    ComposeTrapRecord(kTime, L"10.1.2.3", MakeBindings(records), record);
+    return record;
+}
+
+const std::wstring kHeaderLine = L"2026-03-07 09:05:02.047       FROM: 10.1.2.3\r\n";
+
+TEST(ComposeTrapRecord, HasAHeaderLineALineABindingAndAnEmptyLine) {
+    EXPECT_EQ(Compose({{L"1.3.6.1.2.1.1.3.0", L"", L"TimeTicks", L"123456"},
+                       {L"1.3.6.1.6.3.1.1.4.1.0", L"snmpTrapOID", L"OID", L"1.3.6.1.6.3.1.1.5.3"}}),
+              kHeaderLine +
+                  L"---> [1] 1.3.6.1.2.1.1.3.0  TimeTicks = 123456\r\n"
+                  L"---> [2] 1.3.6.1.6.3.1.1.4.1.0 (snmpTrapOID)  OID = 1.3.6.1.6.3.1.1.5.3\r\n"
+                  L"\r\n");
+}
+
+TEST(ComposeTrapRecord, SevenBlanksStandBeforeFromAndOneBehindIt) {
+    EXPECT_EQ(Compose({}).substr(23, 21), L"       FROM: 10.1.2.3");
+}
+
+TEST(ComposeTrapRecord, NoBindingsAreRecordedAsNotDecoded) {
+    EXPECT_EQ(Compose({}), kHeaderLine + L"DECODED VARBINDS: (not decoded)\r\n\r\n");
+}
+
+TEST(ComposeTrapRecord, EmptyIdentifierLeavesThreeBlanksBehindTheBracket) {
+    EXPECT_EQ(Compose({{L"", L"", L"INTEGER", L"1"}}), kHeaderLine + L"---> [1]   INTEGER = 1\r\n\r\n");
+}
+
+TEST(ComposeTrapRecord, MissingValueEndsInABlank) {
+    EXPECT_EQ(Compose({{L"1.3", L"", L"(no value)", L""}}),
+              kHeaderLine + L"---> [1] 1.3  (no value) = \r\n\r\n");
+}
+
+TEST(ComposeTrapRecord, NumbersAreDecimalWithoutPadding) {
+    const std::wstring record = Compose(std::vector<VarbindRecord>(123, {L"1.3", L"", L"NULL", L"NULL"}));
+    EXPECT_NE(record.find(L"\r\n---> [9] 1.3  NULL = NULL\r\n---> [10] 1.3  NULL = NULL\r\n"),
+              std::wstring::npos);
+    EXPECT_TRUE(record.ends_with(L"\r\n---> [123] 1.3  NULL = NULL\r\n\r\n"));
+}
+
+TEST(ComposeTrapRecord, TextsAreTakenAsTheyAre) {
+    EXPECT_EQ(Compose({{L"1.3", L"caf\u00E9 (x)", L"OCTET STRING", L"\"a = b\""}}),
+              kHeaderLine + L"---> [1] 1.3 (caf\u00E9 (x))  OCTET STRING = \"a = b\"\r\n\r\n");
+}
+
+TEST(VarbindList, ClearingKeepsNoRecordVisible) {
+    VarbindList bindings = MakeBindings({{L"1.3", L"", L"NULL", L"NULL"}, {L"1.4", L"", L"NULL", L"NULL"}});
+    ASSERT_EQ(bindings.size(), 2U);
+    bindings.Clear();
+    EXPECT_TRUE(bindings.empty());
+    EXPECT_EQ(bindings.begin(), bindings.end());
+    bindings.Append() = {L"1.5", L"", L"NULL", L"NULL"};
+    EXPECT_EQ(bindings.size(), 1U);
+    EXPECT_EQ(bindings[0].oid, L"1.5");
+}
+
+TEST(VarbindList, ReleasedListCanBeFilledAgain) {
+    VarbindList bindings = MakeBindings({{L"1.3", L"", L"NULL", L"NULL"}});
+    bindings.Release();
+    EXPECT_TRUE(bindings.empty());
+    bindings.Append() = {L"1.4", L"", L"NULL", L"NULL"};
+    EXPECT_EQ(bindings[0].oid, L"1.4");
+}
+
+}  // namespace
