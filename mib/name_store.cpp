@@ -1,5 +1,7 @@
 #include "mib/name_store.h"
 
+#include <algorithm>
+
 #include "core/decimal_text.h"
 
 std::mutex MibStoreLock;
@@ -47,10 +49,11 @@ std::wstring_view FindKnownOid(const TextKey& name) {
     return row == nullptr ? std::wstring_view() : row->value.View();
 }
 
-const PendingDefinition* FindUsableDefinition(const TextKey& name) {
-    const auto* row = PendingDefinitions.Find(name);
-    const bool usable = row != nullptr && row->value.valid && row->value.subId >= 0;
-    return usable ? &row->value : nullptr;
+using PendingRow = TextTable<PendingDefinition>::Row;
+
+const PendingRow* FindUsableDefinition(const TextKey& name) {
+    const PendingRow* row = PendingDefinitions.Find(name);
+    return row != nullptr && row->value.valid && row->value.subId >= 0 ? row : nullptr;
 }
 
 // A parent mostly has its text in the pool already: it is the parent of the definition before (the columns of a
@@ -80,6 +83,47 @@ void NameOidUnlessNamed(PooledText oid, PooledText name) {
     const TextKey key(oid.View());
     if (OidNameMap.Find(key) == nullptr) {
         OidNameMap.Add(key, oid, name);
+    }
+}
+
+constexpr uint32_t kNoRow = 0xFFFFFFFF;
+
+// What a definition stands below: another row, or else an identifier that was known before.
+struct ParentLink {
+    uint32_t row = kNoRow;
+    std::wstring_view oid;
+};
+
+ParentLink LinkParent(PooledText parent) {
+    const TextKey key(parent.View());
+    if (const PendingRow* row = PendingDefinitions.Find(key)) {
+        return {static_cast<uint32_t>(row - PendingDefinitions.Rows().data()), {}};
+    }
+    return {kNoRow, FindKnownOid(key)};
+}
+
+// How far the resolving of all definitions has come.
+struct RowState {
+    enum Stage : uint8_t { Unseen, OnTheWay, Resolved, Unresolvable };
+    Stage stage = Unseen;
+    uint8_t steps = 0;  // to a name that was known before
+    PooledText oid;
+};
+using RowStates = std::vector<RowState>;
+
+void SetKnown(RowStates& states, std::wstring_view name, PooledText oid) {
+    if (const PendingRow* row = PendingDefinitions.Find(name)) {
+        states[static_cast<size_t>(row - PendingDefinitions.Rows().data())] = {RowState::Resolved, 0, oid};
+    }
+}
+
+// A name that is known already is not resolved by its definition; a built-in name has the last word.
+void SetKnownNames(RowStates& states) {
+    for (const auto& row : NameOidMap.Rows()) {
+        SetKnown(states, row.key.View(), row.value);
+    }
+    for (const BuiltinName& builtin : BuiltinNames) {
+        SetKnown(states, builtin.name, KeepText(builtin.oid));
     }
 }
 
@@ -130,12 +174,12 @@ bool ResolveName(std::wstring_view name, std::vector<int32_t>& arcs, size_t dept
             arcs.insert(arcs.end(), below.rbegin(), below.rend());
             return true;
         }
-        const PendingDefinition* definition = FindUsableDefinition(key);
-        if (definition == nullptr) {
+        const PendingRow* row = FindUsableDefinition(key);
+        if (row == nullptr) {
             return false;
         }
-        below.push_back(definition->subId);
-        name = definition->parent.View();
+        below.push_back(row->value.subId);
+        name = row->value.parent.View();
     }
     return false;
 }
@@ -163,24 +207,24 @@ void StoreNamedOid(std::wstring_view name, std::wstring_view oid) {
     NameOidUnlessNamed(keptOid, keptName);
 }
 
-// Two walks. The first goes by hash: in the order of the file a chain of n definitions, each below the one
-// before, would resolve to identifiers of up to n arcs and take time and memory n times n; by hash the limit on
-// parent steps keeps identifiers short, and whatever lies within that limit resolves in any order. The second
-// goes in the order of definition, so that which name an identifier gets does not hang on a hash.
+// By hash, because in the order of the files a chain of n definitions, each below the one before, would resolve
+// to identifiers of up to n arcs: time and memory n times n. By hash the limit on parent steps keeps identifiers
+// short, and what lies within that limit resolves in any order. The names are given in the order of definition
+// afterwards, so that which of two names an identifier gets does not hang on a hash.
 void StoreResolvedDefinitions() {
     const auto& rows = PendingDefinitions.Rows();
-    std::vector<PooledText> oids(rows.size());
-    PendingDefinitions.VisitByHash([&](size_t place) {
-        const auto& row = rows[place];
-        const std::wstring oid = NameToOidText(row.key.View());
+    Resolution resolution{rows, LinkDefinitions(), std::vector<PooledText>(rows.size()), {}};
+    std::wstring oid;
+    PendingDefinitions.VisitByHash([&](size_t row) {
+        BuildOid(resolution, row, oid);
         if (!oid.empty()) {
-            oids[place] = KeepText(oid);
-            AddOrReplace(NameOidMap, row.key.View(), row.key, oids[place]);
+            resolution.oids[row] = KeepText(oid);
+            AddOrReplace(NameOidMap, rows[row].key.View(), rows[row].key, resolution.oids[row]);
         }
     });
-    for (size_t place = 0; place < rows.size(); ++place) {
-        if (oids[place].reference != 0) {
-            NameOidUnlessNamed(oids[place], rows[place].key);
+    for (size_t row = 0; row < rows.size(); ++row) {
+        if (resolution.oids[row].reference != 0) {
+            NameOidUnlessNamed(resolution.oids[row], rows[row].key);
         }
     }
 }

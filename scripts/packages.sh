@@ -5,9 +5,9 @@ set -euo pipefail
 
 build_packages=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix)
 # snmp sends the traps that run.sh shows, libsnmp-base brings the MIB files that name them; xwd (x11-apps) and
-# convert (imagemagick) take the pictures; ip and unshare make the private network.
-run_packages=(wine wine64 xvfb x11-apps imagemagick snmp libsnmp-base iproute2 util-linux)
-test_packages=(libgtest-dev libclang-rt-14-dev clang-14 clang-format git python3 python3-pytest)
+# convert (imagemagick) take the pictures; ip and unshare make the private network; python3 runs the recipes.
+run_packages=(wine wine64 xvfb x11-apps imagemagick snmp libsnmp-base iproute2 util-linux python3)
+test_packages=(libgtest-dev libclang-rt-14-dev clang-14 clang-format git python3-pytest)
 
 wanted=()
 for purpose in "$@"; do

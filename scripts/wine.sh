@@ -24,10 +24,6 @@ MakeTemplatePrefix() {
         export WINEPREFIX="$wine_folder/template.part"
         unset DISPLAY
         wine wineboot --init >/dev/null 2>&1
-        # Inside Wine's own desktop the windows get a frame and can be brought to the front without a window
-        # manager.
-        wine reg add 'HKCU\Software\Wine\Explorer' /v Desktop /d Default /f >/dev/null 2>&1
-        wine reg add 'HKCU\Software\Wine\Explorer\Desktops' /v Default /d 1280x900 /f >/dev/null 2>&1
         wineserver -w
         mv "$WINEPREFIX" "$wine_folder/template"
     ) 9>"$wine_folder/lock"
@@ -52,11 +48,20 @@ UsePrefix() {
     export WINEPREFIX="$1"
 }
 
-# UseTemporaryPrefix: the same with a folder that RemoveTemporaryPrefix deletes.
+# UseTemporaryPrefix: the same with a folder that RemoveTemporaryPrefix deletes. Its windows live inside Wine's own
+# desktop, where they get a frame and can be brought to the front without a window manager.
 UseTemporaryPrefix() {
     mkdir -p "$wine_folder"
     temporary_prefix="$(mktemp -d "$wine_folder/run.XXXXXX")"
     UsePrefix "$temporary_prefix/prefix"
+    cat >>"$WINEPREFIX/user.reg" <<'REGISTRY'
+
+[Software\\Wine\\Explorer] 1
+"Desktop"="Default"
+
+[Software\\Wine\\Explorer\\Desktops] 1
+"Default"="1280x900"
+REGISTRY
 }
 
 RemoveTemporaryPrefix() {

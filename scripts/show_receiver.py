@@ -1,0 +1,98 @@
+"""Starts the program, sends it real traps, prints what it wrote, saves pictures of its windows and closes it.
+
+Stands on the harness of the desktop tests. WINEPREFIX and DISPLAY are set by show_receiver.sh.
+"""
+
+import os
+import shutil
+import sys
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+sys.path.insert(0, str(ROOT / "tests" / "desktop"))
+
+from harness import program as quillmont  # noqa: E402
+from harness import traps  # noqa: E402
+from harness.data_folder import DataFolder  # noqa: E402
+from harness.driver import Driver  # noqa: E402
+from harness.pictures import save_picture  # noqa: E402
+
+BUILD = ROOT / "build" / "windows"
+PICTURES = ROOT / "build" / "pictures"
+MIB_SAMPLES = Path("/usr/share/snmp/mibs")
+SAMPLES = ["NET-SNMP-AGENT-MIB.txt", "NET-SNMP-MIB.txt", "UCD-DISKIO-MIB.txt", "UCD-SNMP-MIB.txt"]
+
+# memTotalReal and memTotalFree of UCD-SNMP-MIB, without an instance: a name needs exactly its identifier.
+MEM_TOTAL_REAL = "1.3.6.1.4.1.2021.4.5"
+MEM_TOTAL_FREE = "1.3.6.1.4.1.2021.4.11"
+LOAD_AVERAGE = "1.3.6.1.4.1.2021.10.1.3.1"
+
+TOOL_WINDOWS = [
+    ("forwarding_window", quillmont.FORWARDING_BUTTON, "SNMP_FWD_WND"),
+    ("monitor_window", quillmont.MONITOR_BUTTON, "SNMP_MON_WND"),
+    ("log_window", quillmont.LOG_BUTTON, "SNMP_LOG_WND"),
+    ("status_window", quillmont.STATUS_BUTTON, "SNMP_STATUS_WND"),
+]
+
+
+def say(text):
+    print(text, flush=True)
+
+
+def text_of(octets):
+    return octets.decode("latin-1").replace("\r\r\n", "\n")
+
+
+def import_samples(data):
+    data.mibs.mkdir(parents=True)
+    for name in SAMPLES:
+        shutil.copy(MIB_SAMPLES / name, data.mibs)
+    say(f"MIB files: {', '.join(SAMPLES)}")
+
+
+def send_traps(data):
+    say("Sending a version 1 trap, a version 2c trap and an inform with snmptrap.")
+    traps.send_v1(LOAD_AVERAGE, "s", "0.42")
+    traps.send_v2c(MEM_TOTAL_REAL, "i", "8029184", LOAD_AVERAGE, "s", "0.42")
+    if traps.send_inform(MEM_TOTAL_FREE, "i", "1204"):
+        sys.exit("The inform was answered, and nothing may ever be.")
+    data.wait_for_traps(3)
+
+
+def take_pictures(program):
+    PICTURES.mkdir(parents=True, exist_ok=True)
+    program.main.move(40, 20)
+    windows = [("main_window", program.main)]
+    for name, button, class_name in TOOL_WINDOWS:
+        window = program.open(button, class_name)
+        window.move(40, 130)
+        windows.append((name, window))
+        save_picture(window, PICTURES / f"{name}.png")
+        window.close()
+        window.wait_closed()
+    save_picture(program.main, PICTURES / "main_window.png")
+    for name, _ in windows:
+        say(f"Picture: build/pictures/{name}.png")
+
+
+def main():
+    os.environ["QUILLMONT_EXE"] = str(BUILD / "Quillmont.exe")
+    data = DataFolder()
+    import_samples(data)
+    driver = Driver(next(BUILD.rglob("quillmont_desktop_driver.exe")))
+    program = quillmont.Program(driver)
+    data.wait_for_log("Server started.")
+    send_traps(data)
+    take_pictures(program)
+    code = program.close()
+    driver.close()
+    say("\nSNMP.txt:\n" + text_of(data.trap_octets()))
+    say("log.txt:\n" + text_of(data.log_octets()))
+    say(f"Quillmont.exe ended with exit code {code}.")
+    if b"(memTotalReal)" not in data.trap_octets():
+        sys.exit("No name was found for memTotalReal.")
+    return code
+
+
+if __name__ == "__main__":
+    sys.exit(main())

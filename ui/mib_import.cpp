@@ -1,0 +1,105 @@
+#include "ui/mib_import.h"
+
+// clang-format off
+#include "platform/windows/windows_headers.h"
+#include <commdlg.h>
+// clang-format on
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "core/activity_log.h"
+#include "core/app_paths.h"
+#include "mib/mib_folder.h"
+#include "platform/files.h"
+#include "platform/folders.h"
+#include "ui/open_file_names.h"
+#include "ui/status_window.h"
+#include "ui/ui_resources.h"
+
+namespace {
+
+constexpr DWORD DialogCapacity = 8192;  // characters; a selection that does not fit counts as cancelled
+
+// Pairs of description and pattern, ended by an empty text.
+// Kept: the first description does not name ".my" although its pattern takes it; the line is long enough as
+// it is.
+constexpr wchar_t DialogFilter[] = L"MIB files (*.mib;*.txt)\0*.mib;*.txt;*.my\0All files\0*.*\0";
+
+// Kept: the umlaut stands as the two characters that its UTF-8 octets make; operators know the question so.
+constexpr wchar_t DeleteQuestion[] = L"Alle MIB Dateien im MIB-Ordner l\u00C3\u00B6schen?";
+
+// False: cancelled, or the selection did not fit.
+bool AskForFiles(std::wstring& buffer) {
+    buffer.assign(DialogCapacity, L'\0');
+    OPENFILENAMEW dialog{};
+    dialog.lStructSize = sizeof(dialog);
+    dialog.hwndOwner = StatusWindowHandle ? StatusWindowHandle : MainWindowHandle;
+    dialog.lpstrTitle = L"Import MIB files";
+    dialog.lpstrFilter = DialogFilter;
+    dialog.nFilterIndex = 1;
+    dialog.lpstrFile = buffer.data();
+    dialog.nMaxFile = DialogCapacity;
+    dialog.Flags = OFN_EXPLORER | OFN_ALLOWMULTISELECT | OFN_FILEMUSTEXIST;
+    return GetOpenFileNameW(&dialog) != FALSE;
+}
+
+bool ImportFile(const ChosenFile& file) {
+    if (!CopyFileOver(file.path, AppPaths.mibsDir + L"\\" + file.name)) {
+        return false;
+    }
+    LogMessage(L"MIB imported: " + file.name);
+    return true;
+}
+
+// Kept: among several files a failed one is passed over without a line; the missing "MIB imported:" tells.
+void ImportFiles(const ChosenFiles& chosen) {
+    for (const ChosenFile& file : chosen.files) {
+        if (!ImportFile(file) && !chosen.several) {
+            LogMessage(L"MIB import failed.");
+        }
+    }
+}
+
+void ReloadMibs() {
+    LoadMibFolder();
+    RefreshStatus();
+}
+
+bool ConfirmDeletion() {
+    return MessageBoxW(StatusWindowHandle, DeleteQuestion, L"Delete MIBs", MB_YESNO | MB_ICONWARNING) ==
+           IDYES;
+}
+
+// In listing order, up to the first failure. A listing that broke off still loses the files it had got to.
+// Listed first and removed afterwards, because removing under a walk can make the walk skip entries.
+bool RemoveMibFiles() {
+    std::vector<std::wstring> paths;
+    const bool listed = EnumerateFolder(AppPaths.mibsDir, [&paths](const FolderEntry& entry) {
+        const std::wstring path = AppPaths.mibsDir + L"\\" + entry.name;
+        if (entry.isRegularFile && IsMibFile(path)) {
+            paths.push_back(path);
+        }
+    });
+    return std::all_of(paths.begin(), paths.end(), RemoveFile) && listed;
+}
+
+}  // namespace
+
+void ImportMibFiles() {
+    std::wstring buffer;
+    if (!AskForFiles(buffer)) {
+        return;
+    }
+    ImportFiles(ParseOpenFileNames(buffer));
+    ReloadMibs();
+}
+
+void DeleteAllMibs() {
+    if (!ConfirmDeletion()) {
+        return;
+    }
+    LogMessage(RemoveMibFiles() ? L"All MIB files deleted." : L"Delete MIBs failed.");
+    ReloadMibs();
+}
