@@ -1,5 +1,6 @@
-// Promises about the octets of the data files: what is written reads back; the cut and the line end stand where the
-// format says; decoding gives no more characters than there are octets; UTF-8 is taken exactly when it is valid.
+// Promises about the octets of the data files: what is written reads back; the cut and the line end stand
+// where the format says; decoding gives no more characters than there are octets; UTF-8 is taken exactly when
+// it is valid.
 #include <algorithm>
 #include <string>
 
@@ -29,7 +30,8 @@ std::string EncodePlainly(std::wstring_view text, bool endLine) {
     if (endLine && !text.empty() && text.back() != L'\n') {
         whole += L"\r\n";
     }
-    const auto cut = std::find_if(whole.begin(), whole.end(), [](wchar_t character) { return static_cast<uint32_t>(character) > 0xFF; });
+    const auto cut = std::find_if(whole.begin(), whole.end(),
+                                  [](wchar_t character) { return static_cast<uint32_t>(character) > 0xFF; });
     std::string octets;
     std::for_each(whole.begin(), cut, [&](wchar_t character) {
         octets += character == L'\n' ? "\r\n" : std::string(1, static_cast<char>(character));
@@ -40,7 +42,8 @@ std::string EncodePlainly(std::wstring_view text, bool endLine) {
 void CheckEncoding(const std::wstring& text) {
     std::string octets = "leftover";
     EncodeFileText(text, octets);
-    Promise(octets == EncodePlainly(text, false), "a text is one octet a character up to the first above 0xFF");
+    Promise(octets == EncodePlainly(text, false),
+            "a text is one octet a character up to the first above 0xFF");
     EncodeFileLines(text, octets);
     Promise(octets == EncodePlainly(text, true), "a line end is added to an uncut text that has none");
 }
@@ -58,7 +61,8 @@ void CheckReadingBack(std::string_view octets) {
     Promise(again == text, "what is written reads back");
 }
 
-// UTF-8 of the wide text, by the definition of the encoding; surrogate pairs count as one where they are used.
+// UTF-8 of the wide text, by the definition of the encoding; surrogate pairs count as one where they are
+// used.
 std::string EncodeAsUtf8(const std::wstring& text) {
     std::string octets;
     for (size_t index = 0; index < text.size(); ++index) {

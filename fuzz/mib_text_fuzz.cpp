@@ -1,6 +1,6 @@
-// Promises about a MIB file: whatever it holds, the tables have no empty key and no name without an identifier; a
-// name table's identifier is dotted decimal and every learnt name's identifier has a name; there are no more names
-// than values in the file; the same file gives the same tables.
+// Promises about a MIB file: whatever it holds, the tables have no empty key and no name without an
+// identifier; a name table's identifier is dotted decimal and every learnt name's identifier has a name;
+// there are no more names than values in the file; the same file gives the same tables.
 #include <mutex>
 #include <string>
 #include <vector>
@@ -56,13 +56,15 @@ void CheckTables() {
         Promise(OidNameMap.Find(row.value.View()) != nullptr, "every learnt identifier has a name");
     }
     for (const auto& row : PendingDefinitions.Rows()) {
-        Promise(!row.key.View().empty() && !row.value.parent.View().empty(), "no empty name, no empty parent");
+        Promise(!row.key.View().empty() && !row.value.parent.View().empty(),
+                "no empty name, no empty parent");
         Promise(row.value.valid && row.value.subId >= 0, "what is stored is usable");
     }
 }
 
 bool LiesWithin(std::wstring_view part, std::wstring_view whole) {
-    return part.empty() || (part.data() >= whole.data() && part.data() + part.size() <= whole.data() + whole.size());
+    return part.empty() ||
+           (part.data() >= whole.data() && part.data() + part.size() <= whole.data() + whole.size());
 }
 
 // The tools under the parser, on a whole text as one line.

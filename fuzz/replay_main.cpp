@@ -1,6 +1,6 @@
-// Runs the checks over the committed corpora, and over the octets that broke one: what the fuzzers found once stays
-// found in every build, also in those that have no fuzzer.
-// Usage: quillmont_corpus_replay CORPUS_FOLDER [TARGET...]; each target has a folder of its name in there.
+// Runs the checks over the committed corpora, and over the octets that broke one: what the fuzzers found once
+// stays found in every build, also in those that have no fuzzer. Usage: quillmont_corpus_replay CORPUS_FOLDER
+// [TARGET...]; each target has a folder of its name in there.
 #include <cstdio>
 #include <cstring>
 #include <string>

@@ -1,6 +1,6 @@
-// Promises about a datagram: it decodes exactly when there is a record; the same octets give the same records;
-// octets behind the message change nothing; there are no more records than the octets have room for; and the record
-// text has the shape that docs/file-formats.md states and stays in proportion to the datagram.
+// Promises about a datagram: it decodes exactly when there is a record; the same octets give the same
+// records; octets behind the message change nothing; there are no more records than the octets have room for;
+// and the record text has the shape that docs/file-formats.md states and stays in proportion to the datagram.
 #include <cwchar>
 #include <string>
 #include <vector>
@@ -41,8 +41,8 @@ bool AreEqual(const VarbindList& first, const VarbindList& second) {
                       [](const auto& one, const auto& other) { return AreEqual(one, other); });
 }
 
-// Where the message ends by its own outer length; the whole size when that says nothing usable. Written without the
-// reader under test.
+// Where the message ends by its own outer length; the whole size when that says nothing usable. Written
+// without the reader under test.
 size_t FindMessageEnd(const uint8_t* octets, size_t size) {
     if (size < 2 || octets[1] < 0x80) {
         return size < 2 ? size : std::min<size_t>(size, 2U + octets[1]);
@@ -86,8 +86,9 @@ bool IsDottedDecimal(std::wstring_view text) {
 }
 
 bool IsKnownType(std::wstring_view type) {
-    for (const std::wstring_view known : {L"INTEGER", L"OCTET STRING", L"NULL", L"OID", L"IpAddress", L"Counter32",
-                                          L"Gauge32", L"TimeTicks", L"Counter64", L"(no value)"}) {
+    for (const std::wstring_view known :
+         {L"INTEGER", L"OCTET STRING", L"NULL", L"OID", L"IpAddress", L"Counter32", L"Gauge32", L"TimeTicks",
+          L"Counter64", L"(no value)"}) {
         if (type == known) {
             return true;
         }
@@ -97,7 +98,8 @@ bool IsKnownType(std::wstring_view type) {
 
 void CheckRecord(const VarbindRecord& record) {
     Promise(IsDottedDecimal(record.oid), "an identifier is dotted decimal or empty");
-    Promise(record.name == (record.oid == kNamedOid ? kItsName : L""), "a name belongs to exactly its identifier");
+    Promise(record.name == (record.oid == kNamedOid ? kItsName : L""),
+            "a name belongs to exactly its identifier");
     Promise(IsKnownType(record.type), "a type is one of the labels");
     for (const wchar_t character : record.value) {
         Promise(character >= 32 && character <= 126, "a value is printable");

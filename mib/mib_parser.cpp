@@ -1,48 +1,106 @@
 #include "mib/mib_parser.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
-#include <iterator>
+#include <variant>
 
 #include "mib/mib_text.h"
 #include "mib/name_store.h"
 
 namespace {
 
-constexpr auto kNowhere = std::wstring_view::npos;
+// The texts without which a line means nothing. Each is searched for by its rarest letter, so that most of a
+// file is passed over at the speed of a memory scan.
+struct Mark {
+    std::string_view text;
+    size_t rarest;
+};
+enum MarkIndex : size_t { kObjectType, kObjectIdentifier, kModuleIdentity, kAssignment, kMarkCount };
+constexpr Mark kMarks[kMarkCount] = {
+    {"OBJECT-TYPE", 2}, {"OBJECT IDENTIFIER", 2}, {"MODULE-IDENTITY", 3}, {"::=", 0}};
 
-// Takes the next line off the front of `text`, without its line feed, its comment and the space around it.
-// Lines end at line feeds only: a carriage return is space, and without line feeds all is one line.
-std::wstring_view TakeLine(std::wstring_view& text) {
-    const size_t end = text.find(L'\n');
-    const std::wstring_view line = text.substr(0, end);
-    text = end == kNowhere ? std::wstring_view() : text.substr(end + 1);
-    return TrimSpace(StripComment(line));
+template <typename Char>
+struct MibScan {
+    using View = std::basic_string_view<Char>;
+
+    View text;
+    size_t position = 0;            // the start of the first line that was not taken yet
+    size_t marks[kMarkCount] = {};  // where each mark stands next, once looked for; npos: nowhere any more
+    View name;                      // the current name
+    std::basic_string<Char> statement;
+    std::wstring wideName;
+    std::wstring wideStatement;
+};
+
+template <typename Char>
+bool StandsAt(std::basic_string_view<Char> text, size_t position, std::string_view ascii) {
+    return ascii.size() <= text.size() - position &&
+           std::equal(ascii.begin(), ascii.end(), text.begin() + static_cast<std::ptrdiff_t>(position));
 }
 
-constexpr std::wstring_view kKeywords[] = {L"OBJECT-TYPE", L"OBJECT IDENTIFIER", L"MODULE-IDENTITY"};
-constexpr std::wstring_view kAssignment = L"::=";
-
-bool HasKeyword(std::wstring_view line) {
-    return std::any_of(std::begin(kKeywords), std::end(kKeywords), [&](std::wstring_view keyword) { return line.find(keyword) != kNowhere; });
-}
-
-bool StartsValue(std::wstring_view line) {
-    return line.find(kAssignment) != kNowhere && line.find(L'{') != kNowhere;
-}
-
-// Appends further lines to `statement` through the one that closes it, taking them off `text`.
-void TakeLinesToBrace(std::wstring_view& text, std::wstring& statement) {
-    while (!text.empty()) {
-        const std::wstring_view line = TakeLine(text);
-        statement.append(1, L' ').append(line);
-        if (line.find(L'}') != kNowhere) {
-            return;
+template <typename Char>
+size_t FindMark(std::basic_string_view<Char> text, const Mark& mark, size_t from) {
+    const auto rarest = static_cast<Char>(mark.text[mark.rarest]);
+    for (size_t found = from + mark.rarest;; ++found) {
+        found = text.find(rarest, found);
+        if (found == text.npos || StandsAt(text, found - mark.rarest, mark.text)) {
+            return found == text.npos ? found : found - mark.rarest;
         }
     }
 }
 
-void StoreStatement(std::wstring_view name, std::wstring_view statement) {
+// Moves on to the start of the next line that holds a mark. False: there is none.
+template <typename Char>
+bool GoToMarkedLine(MibScan<Char>& scan, bool first) {
+    for (size_t mark = 0; mark < kMarkCount; ++mark) {
+        if (first || scan.marks[mark] < scan.position) {
+            scan.marks[mark] = FindMark(scan.text, kMarks[mark], scan.position);
+        }
+    }
+    const size_t next = *std::min_element(std::begin(scan.marks), std::end(scan.marks));
+    if (next == scan.text.npos) {
+        return false;
+    }
+    const size_t lineFeed = scan.text.substr(scan.position, next - scan.position).rfind(Char{'\n'});
+    scan.position += lineFeed + 1;  // npos + 1: already there
+    return true;
+}
+
+// The line at the position, without its comment; moves behind its line feed. A carriage return stays as space.
+template <typename Char>
+std::basic_string_view<Char> TakeLine(MibScan<Char>& scan) {
+    const size_t end = std::min(scan.text.find(Char{'\n'}, scan.position), scan.text.size());
+    const auto line = scan.text.substr(scan.position, end - scan.position);
+    scan.position = std::min(end + 1, scan.text.size());
+    return StripComment(line);
+}
+
+// The value that `line` starts, with the lines that it goes on in joined by blanks.
+template <typename Char>
+std::basic_string_view<Char> TakeStatement(MibScan<Char>& scan, std::basic_string_view<Char> line) {
+    if (line.find(Char{'}'}) != line.npos) {
+        return line;
+    }
+    scan.statement = line;
+    while (scan.position < scan.text.size() && line.find(Char{'}'}) == line.npos) {
+        line = TrimSpace(TakeLine(scan));
+        scan.statement.append(1, Char{' '}).append(line);
+    }
+    return scan.statement;
+}
+
+std::wstring_view MakeWide(std::wstring_view text, std::wstring&) {
+    return text;
+}
+
+std::wstring_view MakeWide(std::string_view ascii, std::wstring& room) {
+    room.resize(ascii.size());
+    std::copy(ascii.begin(), ascii.end(), room.begin());
+    return room;
+}
+
+void StoreValue(std::wstring_view name, std::wstring_view statement) {
     std::wstring_view parent;
     int32_t subId = 0;
     if (ParseParentAndSubId(statement, &parent, &subId)) {
@@ -52,31 +110,40 @@ void StoreStatement(std::wstring_view name, std::wstring_view statement) {
     }
 }
 
-}  // namespace
-
-void ParseMibText(std::wstring_view text) {
-    std::wstring_view name;
-    std::wstring statement;
-    while (!text.empty()) {
-        std::wstring_view line = TakeLine(text);
-        const std::wstring_view word = LeadingIdentifier(line);
-        if (!word.empty() && HasKeyword(line)) {
-            name = word;
+template <typename Char>
+void ParseText(std::basic_string_view<Char> text) {
+    MibScan<Char> scan;
+    scan.text = text;
+    for (bool first = true; GoToMarkedLine(scan, first); first = false) {
+        const size_t start = scan.position;
+        const auto line = TakeLine(scan);
+        const auto holds = [&](MarkIndex mark) {
+            return scan.marks[mark] <= start + line.size() &&
+                   kMarks[mark].text.size() <= start + line.size() - scan.marks[mark];
+        };
+        if (holds(kObjectType) || holds(kObjectIdentifier) || holds(kModuleIdentity)) {
+            const auto word = LeadingIdentifier(line);
+            scan.name = word.empty() ? scan.name : word;
         }
-        if (!StartsValue(line)) {
-            continue;
-        }
-        if (line.find(L'}') == kNowhere) {
-            statement = line;
-            TakeLinesToBrace(text, statement);
-            line = statement;
-        }
-        if (!name.empty()) {
-            StoreStatement(name, line);
+        if (holds(kAssignment) && line.find(Char{'{'}) != line.npos) {
+            const auto statement = TakeStatement(scan, line);
+            if (!scan.name.empty()) {
+                StoreValue(MakeWide(scan.name, scan.wideName), MakeWide(statement, scan.wideStatement));
+            }
         }
     }
 }
 
+}  // namespace
+
+void ParseMibText(std::wstring_view text) {
+    ParseText(text);
+}
+
+void ParseMibText(std::string_view text) {
+    ParseText(text);
+}
+
 void ParseMibFile(const std::wstring& path) {
-    ParseMibText(ReadMibText(path));
+    std::visit([](const auto& text) { ParseMibText(text); }, ReadMibText(path));
 }

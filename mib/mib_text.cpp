@@ -1,6 +1,8 @@
 #include "mib/mib_text.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 #include "core/decimal_text.h"
 #include "core/text_decoding.h"
@@ -25,6 +27,34 @@ bool IsIdentifierCharacter(wchar_t character) {
            IsDigit(character) || character == L'-' || character == L'_';
 }
 
+// Without a way out in the middle, so that compilers test many octets at once.
+bool IsAscii(std::string_view octets) {
+    unsigned char bits = 0;
+    for (const char octet : octets) {
+        bits = static_cast<unsigned char>(bits | static_cast<unsigned char>(octet));
+    }
+    return bits < 0x80;
+}
+
+template <typename View>
+View CutComment(View line) {
+    constexpr typename View::value_type kDashes[] = {'-', '-'};
+    return line.substr(0, line.find(kDashes, 0, 2));
+}
+
+template <typename View>
+View CutSpace(View text) {
+    const auto start = std::find_if_not(text.begin(), text.end(), IsSpace);
+    const auto end = std::find_if_not(text.rbegin(), std::make_reverse_iterator(start), IsSpace);
+    return {start, end.base()};
+}
+
+template <typename View>
+View TakeIdentifier(View line) {
+    const auto start = std::find_if_not(line.begin(), line.end(), IsSpace);
+    return {start, std::find_if_not(start, line.end(), IsIdentifierCharacter)};
+}
+
 // Cuts the first word off the front of `text`; empty when there is none.
 std::wstring_view TakeFirstWord(std::wstring_view& text) {
     const auto start = std::find_if_not(text.begin(), text.end(), IsSpace);
@@ -43,32 +73,46 @@ std::wstring_view TakeLastWord(std::wstring_view& text) {
 
 }  // namespace
 
-std::wstring ReadMibText(const std::wstring& path) {
+MibText ReadMibText(const std::wstring& path) {
     std::string octets;
+    ReadOctetsFrom(path, 0, octets);
+    return DecodeMibText(std::move(octets));
+}
+
+MibText DecodeMibText(std::string octets) {
     std::wstring text;
-    if (ReadOctetsFrom(path, 0, octets) && octets.size() <= kMaxOctets) {
-        DecodeUtf8OrAnsi(octets, text);
+    if (octets.size() > kMaxOctets) {
+        return text;
     }
+    if (IsAscii(octets)) {
+        return octets;
+    }
+    DecodeUtf8OrAnsi(octets, text);
     return text;
 }
 
 std::wstring_view StripComment(std::wstring_view line) {
-    return line.substr(0, line.find(L"--"));
+    return CutComment(line);
+}
+
+std::string_view StripComment(std::string_view line) {
+    return CutComment(line);
 }
 
 std::wstring_view TrimSpace(std::wstring_view text) {
-    while (!text.empty() && IsSpace(text.front())) {
-        text.remove_prefix(1);
-    }
-    while (!text.empty() && IsSpace(text.back())) {
-        text.remove_suffix(1);
-    }
-    return text;
+    return CutSpace(text);
+}
+
+std::string_view TrimSpace(std::string_view text) {
+    return CutSpace(text);
 }
 
 std::wstring_view LeadingIdentifier(std::wstring_view line) {
-    const auto start = std::find_if_not(line.begin(), line.end(), IsSpace);
-    return {start, std::find_if_not(start, line.end(), IsIdentifierCharacter)};
+    return TakeIdentifier(line);
+}
+
+std::string_view LeadingIdentifier(std::string_view line) {
+    return TakeIdentifier(line);
 }
 
 bool FindBracedText(std::wstring_view statement, std::wstring_view* inner) {

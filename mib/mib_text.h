@@ -1,25 +1,36 @@
 // MIB files as text: reading one, cleaning a line, and the two readings of a value in braces. A scanner's
 // tools, not a grammar's: nothing here reports an error, malformed text gives false or empty results.
 // White space is what IsWideSpace says (core/decimal_text.h). Results that are views point into the argument.
+// What takes narrow text takes ASCII.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
+
+// A file's text: its octets when they are all ASCII, which makes them the text as it is, else wide.
+using MibText = std::variant<std::string, std::wstring>;
 
 // The whole file, as UTF-8 or else the ANSI code page; empty when it cannot be read or holds 2 GiB or more.
 // Kept: a byte-order mark stays in front as U+FEFF, and a UTF-16 file is read octet by octet and means nothing.
-std::wstring ReadMibText(const std::wstring& path);
+MibText ReadMibText(const std::wstring& path);
+
+// The same for octets that were read already.
+MibText DecodeMibText(std::string octets);
 
 // The line up to its first "--".
 // Kept: also when that stands in a quoted text, and a second "--" does not end the comment.
 std::wstring_view StripComment(std::wstring_view line);
+std::string_view StripComment(std::string_view line);
 
 std::wstring_view TrimSpace(std::wstring_view text);
+std::string_view TrimSpace(std::string_view text);
 
 // The letters, digits, "-" and "_" that the line begins with after white space; empty for any other start.
 std::wstring_view LeadingIdentifier(std::wstring_view line);
+std::string_view LeadingIdentifier(std::string_view line);
 
 // What stands strictly between the first "{" and the first "}", trimmed: true and *inner. False, *inner
 // untouched: one is missing or the "}" comes first.

@@ -51,22 +51,28 @@ std::wstring_view FindKnownOid(const TextKey& name) {
 
 using PendingRow = TextTable<PendingDefinition>::Row;
 
-const PendingRow* FindUsableDefinition(const TextKey& name) {
-    const PendingRow* row = PendingDefinitions.Find(name);
-    return row != nullptr && row->value.valid && row->value.subId >= 0 ? row : nullptr;
+bool IsUsable(const PendingDefinition& definition) {
+    return definition.valid && definition.subId >= 0;
 }
 
-// A parent mostly has its text in the pool already: it is the parent of the definition before (the columns of a
-// table), or was defined just before or earlier.
+// The row of PendingDefinitions that was stored last. What is stored next mostly has the same parent (the columns
+// of a table), or that row's name as its parent or its name, which then need not be looked up.
+size_t LastStoredPlace = 0;
+
+const PendingRow* LastStoredRow() {
+    const auto& rows = PendingDefinitions.Rows();
+    return LastStoredPlace < rows.size() ? &rows[LastStoredPlace] : nullptr;
+}
+
 PooledText KeepParent(std::wstring_view parent) {
-    if (const auto& rows = PendingDefinitions.Rows(); !rows.empty()) {
-        for (const PooledText known : {rows.back().value.parent, rows.back().key}) {
+    if (const PendingRow* last = LastStoredRow()) {
+        for (const PooledText known : {last->value.parent, last->key}) {
             if (known.View() == parent) {
                 return known;
             }
         }
     }
-    const auto* row = PendingDefinitions.Find(parent);
+    const PendingRow* row = PendingDefinitions.Find(parent);
     return row != nullptr ? row->key : KeepText(parent);
 }
 
@@ -86,44 +92,75 @@ void NameOidUnlessNamed(PooledText oid, PooledText name) {
     }
 }
 
-constexpr uint32_t kNoRow = 0xFFFFFFFF;
-
-// What a definition stands below: another row, or else an identifier that was known before.
-struct ParentLink {
-    uint32_t row = kNoRow;
-    std::wstring_view oid;
-};
-
-ParentLink LinkParent(PooledText parent) {
-    const TextKey key(parent.View());
-    if (const PendingRow* row = PendingDefinitions.Find(key)) {
-        return {static_cast<uint32_t>(row - PendingDefinitions.Rows().data()), {}};
-    }
-    return {kNoRow, FindKnownOid(key)};
-}
-
-// How far the resolving of all definitions has come.
+// How far the resolving of all definitions has come with one of them.
 struct RowState {
     enum Stage : uint8_t { Unseen, OnTheWay, Resolved, Unresolvable };
     Stage stage = Unseen;
-    uint8_t steps = 0;  // to a name that was known before
+    uint8_t steps = 0;  // parents on the way to a name that was known before
     PooledText oid;
 };
 using RowStates = std::vector<RowState>;
 
-void SetKnown(RowStates& states, std::wstring_view name, PooledText oid) {
-    if (const PendingRow* row = PendingDefinitions.Find(name)) {
-        states[static_cast<size_t>(row - PendingDefinitions.Rows().data())] = {RowState::Resolved, 0, oid};
+size_t PlaceOf(const PendingRow* row) {
+    return static_cast<size_t>(row - PendingDefinitions.Rows().data());
+}
+
+// A name that is known already is not resolved by its definition, and a built-in name has the last word.
+void SetKnownNames(RowStates& states) {
+    for (const auto& known : NameOidMap.Rows()) {
+        if (const PendingRow* row = PendingDefinitions.Find(known.key.View())) {
+            states[PlaceOf(row)] = {RowState::Resolved, 0, known.value};
+        }
+    }
+    for (const BuiltinName& builtin : BuiltinNames) {
+        if (const PendingRow* row = PendingDefinitions.Find(builtin.name)) {
+            states[PlaceOf(row)] = {RowState::Resolved, 0, KeepText(builtin.oid)};
+        }
     }
 }
 
-// A name that is known already is not resolved by its definition; a built-in name has the last word.
-void SetKnownNames(RowStates& states) {
-    for (const auto& row : NameOidMap.Rows()) {
-        SetKnown(states, row.key.View(), row.value);
+// Where a climb ended.
+struct Foothold {
+    size_t steps = 0;
+    std::wstring_view oid;  // empty: nowhere
+};
+
+// Climbs from a row to the first one that is decided or a name that is no row, noting the rows left behind.
+Foothold Climb(RowStates& states, size_t place, std::vector<size_t>& way) {
+    for (;;) {
+        RowState& state = states[place];
+        if (state.stage != RowState::Unseen) {
+            // A row on the way closes a circle; its identifier is empty, like that of an unresolvable one.
+            return {state.steps, state.oid.View()};
+        }
+        state.stage = RowState::OnTheWay;
+        way.push_back(place);
+        const PendingDefinition& definition = PendingDefinitions.Rows()[place].value;
+        if (!IsUsable(definition)) {
+            return {};
+        }
+        const TextKey parent(definition.parent.View());
+        const PendingRow* row = PendingDefinitions.Find(parent);
+        if (row == nullptr) {
+            return {0, FindKnownOid(parent)};
+        }
+        place = PlaceOf(row);
     }
-    for (const BuiltinName& builtin : BuiltinNames) {
-        SetKnown(states, builtin.name, KeepText(builtin.oid));
+}
+
+// Decides the rows left behind, from the top down.
+void Descend(RowStates& states, Foothold foothold, std::vector<size_t>& way) {
+    std::wstring oid(foothold.oid);
+    for (; !way.empty(); way.pop_back()) {
+        RowState& state = states[way.back()];
+        if (oid.empty() || ++foothold.steps > kMaxParentSteps) {
+            state.stage = RowState::Unresolvable;
+            oid.clear();
+            continue;
+        }
+        oid.push_back(L'.');
+        AppendSignedDecimal(oid, PendingDefinitions.Rows()[way.back()].value.subId);
+        state = {RowState::Resolved, static_cast<uint8_t>(foothold.steps), KeepText(oid)};
     }
 }
 
@@ -174,8 +211,8 @@ bool ResolveName(std::wstring_view name, std::vector<int32_t>& arcs, size_t dept
             arcs.insert(arcs.end(), below.rbegin(), below.rend());
             return true;
         }
-        const PendingRow* row = FindUsableDefinition(key);
-        if (row == nullptr) {
+        const PendingRow* row = PendingDefinitions.Find(key);
+        if (row == nullptr || !IsUsable(row->value)) {
             return false;
         }
         below.push_back(row->value.subId);
@@ -207,24 +244,19 @@ void StoreNamedOid(std::wstring_view name, std::wstring_view oid) {
     NameOidUnlessNamed(keptOid, keptName);
 }
 
-// By hash, because in the order of the files a chain of n definitions, each below the one before, would resolve
-// to identifiers of up to n arcs: time and memory n times n. By hash the limit on parent steps keeps identifiers
-// short, and what lies within that limit resolves in any order. The names are given in the order of definition
-// afterwards, so that which of two names an identifier gets does not hang on a hash.
+// What a name stands for is worked out once and its children build on it, so the time is linear however long the
+// chains are. Whether a name resolves depends on its distance to a name that was known before, not on what was
+// resolved first: otherwise a chain of n definitions could make identifiers of n arcs, n times n in all.
 void StoreResolvedDefinitions() {
     const auto& rows = PendingDefinitions.Rows();
-    Resolution resolution{rows, LinkDefinitions(), std::vector<PooledText>(rows.size()), {}};
-    std::wstring oid;
-    PendingDefinitions.VisitByHash([&](size_t row) {
-        BuildOid(resolution, row, oid);
-        if (!oid.empty()) {
-            resolution.oids[row] = KeepText(oid);
-            AddOrReplace(NameOidMap, rows[row].key.View(), rows[row].key, resolution.oids[row]);
-        }
-    });
-    for (size_t row = 0; row < rows.size(); ++row) {
-        if (resolution.oids[row].reference != 0) {
-            NameOidUnlessNamed(resolution.oids[row], rows[row].key);
+    RowStates states(rows.size());
+    std::vector<size_t> way;
+    SetKnownNames(states);
+    for (size_t place = 0; place < rows.size(); ++place) {
+        Descend(states, Climb(states, place, way), way);
+        if (states[place].stage == RowState::Resolved) {
+            AddOrReplace(NameOidMap, rows[place].key.View(), rows[place].key, states[place].oid);
+            NameOidUnlessNamed(states[place].oid, rows[place].key);
         }
     }
 }

@@ -106,13 +106,12 @@ LRESULT CALLBACK ForwardingWindowProc(HWND window, UINT message, WPARAM wParam, 
     return DefWindowProcW(window, message, wParam, lParam);
 }
 
-constexpr ToolWindow ForwardingTool = {L"SNMP_FWD_WND",
-                                       L"Forwarding",
-                                       WS_CAPTION | WS_SYSMENU,
-                                       420,
-                                       210,
-                                       GuardedProc<ForwardingWindowProc>,
-                                       &ForwardingWindowHandle};
+constexpr DWORD ForwardingStyle = WS_CAPTION | WS_SYSMENU;
+
+constexpr ToolWindow ForwardingTool = {
+    L"SNMP_FWD_WND",         L"Forwarding", ForwardingStyle, 420, 210, GuardedProc<ForwardingWindowProc>,
+    &ForwardingWindowHandle,
+};
 
 }  // namespace
 

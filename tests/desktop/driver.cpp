@@ -9,6 +9,7 @@
 #include <iostream>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/windows/scoped_handle.h"
@@ -155,6 +156,23 @@ std::string MeasureLongestAnswer(const Request& request) {
     return JsonNumber(longest);
 }
 
+// Files opened so that nobody else can read, write or delete them.
+std::vector<ScopedHandle> heldFiles;
+
+std::string HoldFile(const Request& request) {
+    ScopedHandle file(CreateFileW(request.Text(0).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    if (!file) {
+        throw RequestError("CreateFileW failed: " + std::to_string(GetLastError()));
+    }
+    heldFiles.push_back(std::move(file));
+    return "null";
+}
+
+std::string ReleaseFiles(const Request&) {
+    heldFiles.clear();
+    return "null";
+}
+
 std::string ForegroundWindow(const Request&) {
     return JsonNumber(reinterpret_cast<INT_PTR>(GetForegroundWindow()));
 }
@@ -190,6 +208,8 @@ const std::map<std::string, Handler> handlers = {
     {"repaint", RepaintWindow},
     {"mouse_click", ClickMouseAt},
     {"longest_answer", MeasureLongestAnswer},
+    {"hold_file", HoldFile},
+    {"release_files", ReleaseFiles},
     {"foreground", ForegroundWindow},
     {"ansi_code_page", [](const Request&) { return JsonNumber(GetACP()); }},
     {"spy_attach", [](const Request& r) { return AttachSpy(r.Window(0)); }},

@@ -81,9 +81,9 @@ def test_the_five_buttons_are_created_in_order_with_their_places_styles_and_ids(
     assert [describe_control(control) for control in program.main.children()] == BUTTONS
 
 
-def test_the_window_and_every_button_use_the_one_interface_font(program):
+def test_every_button_uses_the_one_interface_font(program):
     program.attach_spy()
-    font = program.main.font
+    font = program.main.child(0).font
     assert font.handle != 0
     assert (font.face, font.height, font.width, font.weight) == ("Segoe UI", -14, 0, 400)
     assert (font.italic, font.underline, font.strikeOut) == (0, 0, 0)

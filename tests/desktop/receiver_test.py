@@ -24,6 +24,10 @@ from harness.traps import (
 )
 from harness.waiting import stays_true
 
+TINY_MIB = """
+tinyRoot OBJECT IDENTIFIER ::= { enterprises 9999 }
+tinyValue OBJECT IDENTIFIER ::= { tinyRoot 1 }
+"""
 NOT_DECODED = "DECODED VARBINDS: (not decoded)"
 # The most that UDP over IPv4 carries.
 LARGEST_DATAGRAM = 65507
@@ -102,7 +106,7 @@ def test_every_value_type_of_snmptrap_has_its_label(program, data):
 
 
 def test_a_name_from_the_mibs_folder_stands_behind_exactly_its_identifier(data, start):
-    data.add_mib("tiny.mib", "tinyValue OBJECT IDENTIFIER ::= { 1 3 6 1 4 1 9999 1 }\n")
+    data.add_mib("tiny.mib", TINY_MIB)
     start().wait_running()
     send_v2c("1.3.6.1.4.1.9999.1", "i", "1", "1.3.6.1.4.1.9999.1.0", "i", "2")
     data.wait_for_traps(1)

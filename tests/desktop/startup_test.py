@@ -101,8 +101,8 @@ def test_a_second_copy_runs_beside_the_first(data, start):
 
 
 def test_mib_files_in_the_folder_are_counted_at_the_start(data, start_idle):
-    data.add_mib("tiny.mib", "first OBJECT IDENTIFIER ::= { 1 3 6 1 4 1 9999 1 }\n")
-    data.add_mib("not_read.xml", "second OBJECT IDENTIFIER ::= { 1 3 6 1 4 1 9999 2 }\n")
+    data.add_mib("tiny.mib", "first OBJECT IDENTIFIER ::= { enterprises 9999 }\n")
+    data.add_mib("not_read.xml", "second OBJECT IDENTIFIER ::= { enterprises 9998 }\n")
     (data.mibs / "folder.mib").mkdir()
     program = start_idle()
     data.wait_for_log("MIBs loaded. OID mappings: 1")

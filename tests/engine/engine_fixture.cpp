@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <mutex>
-#include <regex>
 #include <thread>
 
 #include "config/forwarding_settings.h"
@@ -12,13 +11,13 @@
 #include "mib/mib_folder.h"
 #include "platform/files.h"
 #include "tests/support/sample_messages.h"
+#include "tests/support/stamps.h"
 #include "trap/server_control.h"
 #include "trap/server_state.h"
 
 namespace {
 
 constexpr std::string_view kLineEnd = "\r\r\n";
-constexpr size_t kStampLength = 23;
 
 std::string ReadDataFile(const std::wstring& path) {
     const std::lock_guard lock(FileLock);
@@ -43,8 +42,7 @@ std::vector<std::string> Split(const std::string& text, std::string_view separat
 
 // What follows the stamp at the start of `line`.
 std::string StripStamp(const std::string& line) {
-    static const std::regex stamp(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3})");
-    EXPECT_TRUE(std::regex_match(line.substr(0, kStampLength), stamp)) << line;
+    EXPECT_TRUE(IsStamp(line.substr(0, kStampLength))) << line;
     return line.substr(std::min(kStampLength, line.size()));
 }
 

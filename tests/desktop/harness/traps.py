@@ -4,6 +4,8 @@ import os
 import socket
 import subprocess
 
+from harness.waiting import wait_until
+
 LOOPBACK = "127.0.0.1"
 TRAP_PORT = 162
 LISTENER_PORT = 161
@@ -60,9 +62,18 @@ def udp_socket(port=0):
 
 
 def hold_port(port):
-    """Occupies the port on all addresses, so that nobody else can bind it."""
+    """Occupies the port on all addresses, so that nobody else can bind it. Wine frees the port of a program that
+    has just ended a moment later, so this waits."""
     udp = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
-    udp.bind(("0.0.0.0", port))
+
+    def is_bound():
+        try:
+            udp.bind(("0.0.0.0", port))
+        except OSError:
+            return False
+        return True
+
+    wait_until(is_bound, f"port {port} to be free")
     return udp
 
 

@@ -1,0 +1,195 @@
+"""What the four tool windows promise alike: frame, controls, font, colours, timers, one instance, their end."""
+
+import pytest
+
+from harness.data_folder import config
+from harness.tool_windows import (
+    FORWARDING,
+    LOG,
+    MONITOR,
+    STATUS,
+    TOOL_WINDOWS,
+    WS_EX_DLGMODALFRAME,
+    WS_VSCROLL,
+)
+from harness.waiting import stays_true, wait_until
+from harness.window import (
+    BLACK,
+    SYSTEM_EXSTYLES,
+    SYSTEM_STYLES,
+    WHITE,
+    WM_COMMAND,
+    WM_CTLCOLOREDIT,
+    WM_CTLCOLORSTATIC,
+    WS_VISIBLE,
+    Window,
+    describe_control,
+)
+
+WM_TIMER = 0x0113
+WM_CTLCOLORLISTBOX = 0x0134
+
+each_window = pytest.mark.parametrize("tool", TOOL_WINDOWS, ids=lambda tool: tool.name)
+
+
+@each_window
+def test_the_frame_is_as_designed_and_owned_by_the_main_window(program, tool):
+    facts = tool.open(program).facts
+    assert facts.text == tool.title
+    assert facts.style & ~(SYSTEM_STYLES | WS_VISIBLE) == tool.style
+    assert facts.exstyle & ~SYSTEM_EXSTYLES == WS_EX_DLGMODALFRAME
+    left, top, right, bottom = facts.rect
+    assert (right - left, bottom - top) == tool.size
+    assert facts.owner == program.main.handle
+    assert not facts.menu
+
+
+@each_window
+def test_the_class_has_the_white_brush_and_the_arrow_and_neither_icon_nor_menu(program, tool):
+    program.attach_spy()
+    window = tool.open(program)
+    seen = window.window_class
+    assert (seen.brush.solid, seen.brush.colour) == (True, WHITE)
+    assert seen.brush.handle == program.main.window_class.brush.handle
+    assert seen.arrow
+    assert not seen.icon
+    assert not seen.menu
+
+
+def _without_state(control, designed):
+    """The control with what the design leaves open set aside."""
+    class_name, text, style, exstyle, place, number = control
+    if designed[1] is None:
+        text = None
+    if class_name == "ListBox":
+        # Wine takes the scroll bar's style away while all items fit, and cuts the height to whole items.
+        style |= WS_VSCROLL
+        assert 0 <= designed[4][3] - place[3] < 20
+        place = (*place[:3], designed[4][3])
+    return (class_name, text, style, exstyle, place, number)
+
+
+@each_window
+def test_the_controls_are_created_in_order_with_their_places_styles_and_ids(program, tool):
+    controls = [describe_control(facts) for facts in tool.open(program).children()]
+    assert len(controls) == len(tool.controls)
+    assert [_without_state(*pair) for pair in zip(controls, tool.controls)] == list(tool.controls)
+
+
+@each_window
+def test_every_control_uses_the_one_interface_font(program, tool):
+    program.attach_spy()
+    font = program.main.child(0).font.handle
+    window = tool.open(program)
+    assert font != 0
+    for facts in window.children():
+        assert Window(program.driver, facts.handle).font.handle == font
+
+
+@each_window
+def test_edits_and_statics_are_black_on_opaque_white(program, tool):
+    program.attach_spy()
+    control = tool.open(program).child(0)
+    brush = program.main.window_class.brush.handle
+    for message in (WM_CTLCOLOREDIT, WM_CTLCOLORSTATIC):
+        answer = control.colouring(message)
+        assert (answer.backgroundMode, answer.background, answer.text) == (2, WHITE, BLACK)
+        assert answer.brush.handle == brush
+    assert control.colouring(WM_CTLCOLORLISTBOX).brush.handle != brush
+
+
+@each_window
+def test_a_second_click_brings_the_window_to_the_front_and_opens_no_other(program, tool):
+    window = tool.open(program)
+    wait_until(lambda: program.driver("foreground") == window.handle, "the new window in front")
+    other = next(other for other in TOOL_WINDOWS if other is not tool).open(program)
+    wait_until(lambda: program.driver("foreground") == other.handle, "the other window in front")
+    program.main.control(tool.button).click()
+    wait_until(lambda: program.driver("foreground") == window.handle, "the first window in front again")
+    assert program.find_windows(tool.class_name) == [window]
+
+
+@each_window
+def test_after_closing_the_next_click_opens_a_new_window(program, tool):
+    first = tool.open(program)
+    first.close()
+    first.wait_closed()
+    second = tool.open(program)
+    assert second.facts.text == tool.title
+    assert program.find_windows(tool.class_name) == [second]
+
+
+@each_window
+def test_an_unknown_command_and_a_foreign_timer_do_nothing(program, data, tool):
+    data.wait_for_log("Listener thread started (UDP 161).")
+    data.wait_for_log("Trap thread started (UDP 162).")
+    window = tool.open(program)
+    before = data.log_octets()
+    for number in (1, 2, 99, 199, 299, 399, 499, 599):
+        assert window.send(WM_COMMAND, number) == 0
+        assert window.send(WM_TIMER, number) == 0
+    assert window.exists
+    assert data.log_octets() == before
+
+
+@each_window
+def test_controls_keep_their_places_when_the_frame_is_resized(program, tool):
+    window = tool.open(program)
+    before = [facts.place for facts in window.children()]
+    window.resize(500, 300)
+    wait_until(lambda: window.facts.rect[2] - window.facts.rect[0] == 500, "the new size")
+    assert [facts.place for facts in window.children()] == before
+
+
+def _intervals(program, window, timer):
+    ticks = [tick for handle, number, tick in program.driver("spy_timers") if (handle, number) == (window.handle, timer)]
+    return [after - before for before, after in zip(ticks, ticks[1:])]
+
+
+@pytest.mark.parametrize("tool", (MONITOR, LOG, STATUS), ids=lambda tool: tool.name)
+def test_the_timer_has_its_id_and_its_period_and_stops_with_the_window(program, tool):
+    program.attach_spy()
+    window = tool.open(program)
+    wait_until(lambda: len(_intervals(program, window, tool.timer)) >= 5, "six timer messages")
+    intervals = _intervals(program, window, tool.timer)
+    # A busy machine delivers late, and then early to make up for it; the mean stays.
+    assert abs(sum(intervals) / len(intervals) - tool.period) < tool.period / 5
+    assert {number for _, number, _ in program.driver("spy_timers")} == {tool.timer}
+    window.close()
+    window.wait_closed()
+    count = len(program.driver("spy_timers"))
+    assert stays_true(lambda: len(program.driver("spy_timers")) == count, 2.5 * tool.period / 1000)
+
+
+def test_the_forwarding_window_has_no_timer(program):
+    program.attach_spy()
+    FORWARDING.open(program)
+    assert stays_true(lambda: program.driver("spy_timers") == [], 1.5)
+
+
+def test_closing_the_main_window_takes_all_four_with_it_and_exits_with_0(program, data):
+    windows = [tool.open(program) for tool in TOOL_WINDOWS]
+    assert program.close() == 0
+    for window in windows:
+        assert not window.exists
+    assert data.config.read_bytes() == config()
+    assert data.log_messages()[-2:] == ["Server stopped.", "Config saved."]
+
+
+def test_opening_and_closing_all_four_many_times_leaks_no_gdi_object(program):
+    program.attach_spy()
+
+    def open_and_close_all():
+        for tool in TOOL_WINDOWS:
+            window = tool.open(program)
+            window.close()
+            window.wait_closed()
+
+    open_and_close_all()
+    program.settle()
+    before = program.main.gdi_objects()
+    assert before > 0
+    for _ in range(10):
+        open_and_close_all()
+    program.settle()
+    assert program.main.gdi_objects() <= before + 4

@@ -1,0 +1,357 @@
+"""The trap monitor and the log viewer: following their file, clearing it, and the files that are hard to show."""
+
+import threading
+
+import pytest
+
+from harness.data_folder import LINE_END, mask_stamps, record
+from harness.tool_windows import LOG, MONITOR, VIEWERS
+from harness.traps import LOOPBACK, TRAP_PORT, integer_binding, integer_line, message, send_raw, udp_socket
+from harness.waiting import stays_true, wait_until
+
+# What an edit control takes unless it is told otherwise.
+DEFAULT_LIMIT = 30000
+
+each_viewer = pytest.mark.parametrize("viewer", VIEWERS, ids=lambda viewer: viewer.name)
+
+
+def as_read_at_opening(octets):
+    """One character for each octet; a line feed loses the carriage return before it; 0x1A ends the text."""
+    return octets.split(b"\x1a")[0].replace(b"\r\n", b"\n").decode("latin-1")
+
+
+def as_read_later(octets):
+    """UTF-8 where that is valid, else the ANSI code page (1252 here, its holes as themselves); line ends stay."""
+    try:
+        return octets.decode("utf-8")
+    except UnicodeDecodeError:
+        return "".join(bytes([octet]).decode("cp1252", "ignore") or chr(octet) for octet in octets)
+
+
+def file_of(data, viewer):
+    return data.traps if viewer is MONITOR else data.log
+
+
+def view_of(window):
+    return window.child(0)
+
+
+def wait_for_view(view, text):
+    wait_until(
+        lambda: view.text == text,
+        lambda: f"a view of {len(text)} characters ending in {text[-60:]!r}, seen {len(view.text)} ending in {view.text[-60:]!r}",
+    )
+
+
+def append(path, octets):
+    with path.open("ab") as file:
+        file.write(octets)
+
+
+def repeats(view, text):
+    """How many characters of `text` the view shows again, or None when it is not `text` with such repeats.
+
+    The size is taken before the file is read: what is written between the two is read again with the next poll
+    and shows twice. So the view is a run of pieces of the text, each beginning at or before the end of the last.
+    """
+    ends = {0: 0}  # length of text shown -> characters of the view used for it
+    position = min(len(view), len(text))
+    while position and view[:position] != text[:position]:
+        position -= 1
+    used, shown = position, position
+    while used < len(view):
+        # The longest piece that the view goes on with, from any place not behind what was shown.
+        best = 0
+        for begin in range(shown - 1, -1, -1):
+            size = 0
+            while used + size < len(view) and begin + size < len(text) and view[used + size] == text[begin + size]:
+                size += 1
+            if begin + size > shown and size > best:
+                best, next_shown = size, begin + size
+                break
+        if best == 0:
+            return None
+        used, shown = used + best, next_shown
+    del ends
+    return len(view) - len(text) if shown == len(text) else None
+
+
+def send_numbered(first, count, data, announced=None):
+    """Sends traps in portions that the smallest receive buffer holds; their records show their numbers."""
+    announced = first if announced is None else announced
+    with udp_socket() as udp:
+        for portion in range(0, count, 100):
+            size = min(100, count - portion)
+            for number in range(first + portion, first + portion + size):
+                udp.sendto(message(integer_binding(number)), (LOOPBACK, TRAP_PORT))
+            data.wait_for_traps(announced + portion + size)
+
+
+@each_viewer
+def test_the_view_opens_with_the_whole_file_at_its_top(data, start, viewer):
+    data.folder.mkdir(parents=True)
+    old = b"".join(b"line %d" % number + LINE_END for number in range(200))
+    file_of(data, viewer).write_bytes(old)
+    program = start().wait_running()
+    data.wait_for_log("Listener thread started (UDP 161).")
+    data.wait_for_log("Trap thread started (UDP 162).")
+    view = view_of(viewer.open(program))
+    assert view.text == as_read_at_opening(file_of(data, viewer).read_bytes())
+    assert view.text.startswith("line 0\r\nline 1\r\n")
+    assert view.edit.firstVisibleLine == 0
+    assert view.edit.selection == [0, 0]
+
+
+def test_a_missing_trap_file_opens_an_empty_view(program, data):
+    data.traps.unlink()
+    view = view_of(MONITOR.open(program))
+    assert view.text == ""
+    send_raw(message(integer_binding(1)))
+    data.wait_for_traps(1)
+    wait_for_view(view, as_read_later(data.trap_octets()))
+
+
+def test_the_view_cannot_be_typed_into(program):
+    view = view_of(MONITOR.open(program))
+    view.type_text("abc")
+    assert view.text == ""
+
+
+def test_a_new_trap_appears_at_the_end_of_the_view(program, data):
+    send_raw(message(integer_binding(1)))
+    data.wait_for_traps(1)
+    first = data.trap_octets()
+    view = view_of(MONITOR.open(program))
+    assert view.text == as_read_at_opening(first)
+    send_raw(message(integer_binding(2)))
+    data.wait_for_traps(2)
+    wait_for_view(view, as_read_at_opening(first) + as_read_later(data.trap_octets()[len(first) :]))
+    length = view.edit.length
+    assert view.edit.selection == [length, length]
+
+
+def test_a_new_line_appears_at_the_end_of_the_log_view(program, data):
+    data.wait_for_log("Listener thread started (UDP 161).")
+    data.wait_for_log("Trap thread started (UDP 162).")
+    first = data.log_octets()
+    view = view_of(LOG.open(program))
+    send_raw(b"")
+    data.wait_for_traps(1)
+    wait_for_view(view, as_read_at_opening(first) + as_read_later(data.log_octets()[len(first) :]))
+
+
+def is_at_end(view):
+    """Whether the last line can be seen: the view shows 20-odd lines, and the lines behind the first one are fewer."""
+    edit = view.edit
+    return edit.firstVisibleLine > 0 and edit.lines - edit.firstVisibleLine <= 460 // 12
+
+
+def test_a_burst_of_400_traps_is_followed_to_the_end(program, data):
+    view = view_of(MONITOR.open(program))
+    send_numbered(0, 400, data)
+    text = as_read_later(data.trap_octets())
+    wait_until(lambda: view.text.endswith(text[-300:]), "the last record in the view")
+    shown_again = repeats(view.text, text)
+    assert shown_again is not None, "the view is not the file"
+    if shown_again:
+        print(f"{shown_again} characters arrived between size and reading and show twice, which is kept.")
+    assert is_at_end(view)
+    assert view.edit.selection == [view.edit.length] * 2
+    assert mask_stamps(data.trap_octets()) == b"".join(record(integer_line(number)) for number in range(400))
+
+
+@each_viewer
+def test_a_file_far_beyond_the_default_limit_is_shown_whole_and_followed(data, start, viewer):
+    data.folder.mkdir(parents=True)
+    path = file_of(data, viewer)
+    path.write_bytes(b"".join(b"old line %06d" % number + LINE_END for number in range(10000)))
+    program = start().wait_running()
+    data.wait_for_log("Listener thread started (UDP 161).")
+    data.wait_for_log("Trap thread started (UDP 162).")
+    view = view_of(viewer.open(program))
+    shown = as_read_at_opening(path.read_bytes())
+    assert len(shown) > 4 * DEFAULT_LIMIT
+    assert view.text == shown
+    more = b"".join(b"new line %06d" % number + LINE_END for number in range(5000))
+    append(path, more)
+    wait_for_view(view, shown + as_read_later(more))
+    assert is_at_end(view)
+
+
+@each_viewer
+def test_octets_above_7f_are_read_one_way_at_opening_and_another_later(data, start, viewer):
+    data.folder.mkdir(parents=True)
+    path = file_of(data, viewer)
+    utf8 = "Gr\u00fc\u00dfe \u4e2d\n".encode()
+    ansi = b"\xe9 \x80 \x81 \xff\n"
+    path.write_bytes(utf8 + ansi)
+    program = start().wait_running()
+    assert program.driver("ansi_code_page") == 1252
+    data.wait_for_log("Listener thread started (UDP 161).")
+    data.wait_for_log("Trap thread started (UDP 162).")
+    view = view_of(viewer.open(program))
+    text = as_read_at_opening(path.read_bytes())
+    assert text.startswith("Gr\u00c3\u00bc\u00c3\u009fe \u00e4\u00b8\u00ad\n\u00e9 \u0080 \u0081 \u00ff\n")
+    assert view.text == text
+    append(path, utf8)
+    wait_for_view(view, text + "Gr\u00fc\u00dfe \u4e2d\n")
+    append(path, ansi)
+    wait_for_view(view, text + "Gr\u00fc\u00dfe \u4e2d\n\u00e9 \u20ac \u0081 \u00ff\n")
+
+
+def test_a_line_end_of_three_octets_is_read_as_two_at_opening_and_as_three_later(program, data):
+    data.traps.write_bytes(b"a\r\r\n")
+    view = view_of(MONITOR.open(program))
+    assert view.text == "a\r\n"
+    append(data.traps, b"b\r\r\n")
+    wait_for_view(view, "a\r\nb\r\r\n")
+
+
+def test_1a_ends_the_text_at_opening_only(program, data):
+    data.traps.write_bytes(b"a\x1ab")
+    view = view_of(MONITOR.open(program))
+    assert view.text == "a"
+    append(data.traps, b"c\x1ad")
+    wait_for_view(view, "ac\x1ad")
+
+
+def test_clearing_traps_empties_view_and_file_and_logs_it(program, data):
+    send_raw(message(integer_binding(1)))
+    data.wait_for_traps(1)
+    window = MONITOR.open(program)
+    assert view_of(window).text != ""
+    window.control(300).click()
+    data.wait_for_log("SNMP.txt cleared.")
+    program.settle()
+    assert view_of(window).text == ""
+    assert data.trap_octets() == b""
+    assert data.log_messages()[-1] == "SNMP.txt cleared."
+    send_raw(message(integer_binding(2)))
+    data.wait_for_traps(2)
+    wait_for_view(view_of(window), as_read_later(data.trap_octets()))
+    assert data.masked_traps() == record(integer_line(2))
+
+
+def test_clearing_the_log_leaves_exactly_the_one_line(program, data):
+    data.wait_for_log("Listener thread started (UDP 161).")
+    data.wait_for_log("Trap thread started (UDP 162).")
+    window = LOG.open(program)
+    window.control(400).click()
+    wait_until(lambda: data.log_messages() == ["log.txt cleared."], "the one line in the log")
+    wait_for_view(view_of(window), as_read_later(data.log_octets()))
+    assert view_of(window).text.endswith("  log.txt cleared.\r\r\n")
+    assert stays_true(lambda: view_of(window).text.count("cleared") == 1, 1)
+
+
+def test_clearing_a_file_that_cannot_be_opened_empties_the_view_and_logs_all_the_same(program, data):
+    send_raw(message(integer_binding(1)))
+    data.wait_for_traps(1)
+    window = MONITOR.open(program)
+    program.driver("hold_file", data.windows_path(data.traps))
+    try:
+        window.control(300).click()
+        data.wait_for_log("SNMP.txt cleared.")
+        program.settle()
+        # The next poll cannot read it either, and shows nothing.
+        assert view_of(window).text == ""
+        assert data.trap_octets() != b""
+    finally:
+        program.driver("release_files")
+
+
+def test_clearing_under_fire_loses_no_record_written_after_the_last_clear(program, data):
+    window = MONITOR.open(program)
+    clears = 30
+    sent = threading.Event()
+    enough = threading.Event()
+
+    def fire():
+        number = 0
+        with udp_socket() as udp:
+            while not enough.is_set() and number < 20000:
+                udp.sendto(message(integer_binding(number)), (LOOPBACK, TRAP_PORT))
+                number += 1
+                sent.set()
+                enough.wait(0.002)
+
+    shooter = threading.Thread(target=fire)
+    shooter.start()
+    try:
+        assert sent.wait(20)
+        for count in range(1, clears + 1):
+            window.control(300).click()
+            data.wait_for_log("SNMP.txt cleared.", count)
+    finally:
+        enough.set()
+        shooter.join()
+    # One more, behind everything that was fired.
+    send_raw(message(integer_binding(99999)))
+    wait_until(lambda: integer_line(99999).encode() in data.trap_octets(), "the last record in the file")
+    wait_until(lambda: integer_line(99999) in view_of(window).text, "the last record in the view")
+    octets = data.trap_octets()
+    assert repeats(view_of(window).text, as_read_later(octets)) is not None
+    numbers = [int(line.rsplit(b" ", 1)[1]) for line in octets.split(LINE_END) if b"INTEGER" in line]
+    assert numbers[:-1] == list(range(numbers[0], numbers[0] + len(numbers) - 1))
+    assert program.runs
+
+
+def test_a_deleted_file_empties_the_view_and_its_successor_is_shown_from_its_start(program, data):
+    data.traps.write_bytes(b"old\r\n")
+    view = view_of(MONITOR.open(program))
+    assert view.text == "old\n"
+    data.traps.unlink()
+    wait_for_view(view, "")
+    data.traps.write_bytes(b"a new and longer file\r\n")
+    wait_for_view(view, "a new and longer file\r\n")
+
+
+def replace(path, octets):
+    part = path.with_suffix(".part")
+    part.write_bytes(octets)
+    part.replace(path)
+
+
+def test_a_shorter_file_empties_the_view_and_only_additions_are_shown(program, data):
+    data.traps.write_bytes(b"a long first file\r\n")
+    view = view_of(MONITOR.open(program))
+    replace(data.traps, b"short\r\n")
+    wait_for_view(view, "")
+    assert stays_true(lambda: view.text == "", 1)
+    append(data.traps, b"added\r\n")
+    wait_for_view(view, "added\r\n")
+
+
+def test_a_longer_file_is_shown_from_where_the_former_ended(program, data):
+    data.traps.write_bytes(b"12345")
+    view = view_of(MONITOR.open(program))
+    replace(data.traps, b"abcdefgh")
+    wait_for_view(view, "12345fgh")
+
+
+def test_a_file_of_the_same_size_is_not_looked_at(program, data):
+    data.traps.write_bytes(b"12345")
+    view = view_of(MONITOR.open(program))
+    replace(data.traps, b"abcde")
+    assert stays_true(lambda: view.text == "12345", 1)
+
+
+def test_the_viewers_follow_their_own_files(program, data):
+    data.wait_for_log("Listener thread started (UDP 161).")
+    data.wait_for_log("Trap thread started (UDP 162).")
+    monitor, log = view_of(MONITOR.open(program)), view_of(LOG.open(program))
+    before = log.text
+    send_raw(b"")
+    data.wait_for_traps(1)
+    wait_for_view(monitor, as_read_later(data.trap_octets()))
+    wait_until(lambda: log.text.endswith("  Trap received (127.0.0.1).\r\r\n"), "the line in the log view")
+    assert log.text.startswith(before)
+    assert "Trap received" not in monitor.text
+
+
+def test_reopening_shows_what_came_while_closed(program, data):
+    window = MONITOR.open(program)
+    window.close()
+    window.wait_closed()
+    send_raw(message(integer_binding(1)))
+    data.wait_for_traps(1)
+    assert view_of(MONITOR.open(program)).text == as_read_at_opening(data.trap_octets())

@@ -1,0 +1,61 @@
+#include "tests/support/scratch_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <random>
+
+#include "platform/files.h"
+
+namespace {
+
+// Unlike any other folder of this run, of a run beside it and of one that was killed before.
+std::filesystem::path MakeUniqueFolder() {
+    static std::atomic<unsigned> counter{0};
+    std::random_device random;
+    for (;;) {
+        const std::string name =
+            "quillmont-test-" + std::to_string(random()) + "-" + std::to_string(++counter);
+        std::filesystem::path folder = std::filesystem::temp_directory_path() / name;
+        if (std::filesystem::create_directories(folder)) {
+            return folder;
+        }
+    }
+}
+
+}  // namespace
+
+ScratchFolder::ScratchFolder() : path_(MakeUniqueFolder()) {}
+
+ScratchFolder::~ScratchFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+}
+
+std::wstring ScratchFolder::Join(std::wstring_view name) const {
+    return path_.wstring().append(L"\\").append(name);
+}
+
+AppPathsGuard::AppPathsGuard(const ScratchFolder& folder) : old_(AppPaths) {
+    AppPaths.dataDir = folder.path().wstring();
+    AppPaths.mibsDir = folder.Join(L"mibs");
+    AppPaths.configPath = folder.Join(L"config.xml");
+    AppPaths.trapFilePath = folder.Join(L"SNMP.txt");
+    AppPaths.logFilePath = folder.Join(L"log.txt");
+    std::filesystem::create_directory(folder.path() / "mibs");
+}
+
+AppPathsGuard::~AppPathsGuard() {
+    AppPaths = old_;
+}
+
+void WriteOctets(const std::wstring& path, std::string_view octets) {
+    EXPECT_TRUE(RemoveFile(path) || !QueryFileSize(path)) << "an old file is in the way";
+    EXPECT_TRUE(AppendOctets(path, octets));
+}
+
+std::string ReadOctets(const std::wstring& path) {
+    std::string octets;
+    ReadOctetsFrom(path, 0, octets);
+    return octets;
+}

@@ -1,0 +1,41 @@
+// A folder of its own for each test, gone afterwards.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "core/app_paths.h"
+
+class ScratchFolder {
+  public:
+    ScratchFolder();   // a new, empty folder below the system's folder for temporary files
+    ~ScratchFolder();  // removes it with everything in it
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+
+    const std::filesystem::path& path() const { return path_; }
+
+    // The path of `name` in the folder, as the program writes paths: wide, joined by backslashes.
+    std::wstring Join(std::wstring_view name) const;
+
+  private:
+    std::filesystem::path path_;
+};
+
+// Points AppPaths into the folder, makes the mibs folder there, and puts the old paths back at the end.
+class AppPathsGuard {
+  public:
+    explicit AppPathsGuard(const ScratchFolder& folder);
+    ~AppPathsGuard();
+    AppPathsGuard(const AppPathsGuard&) = delete;
+    AppPathsGuard& operator=(const AppPathsGuard&) = delete;
+
+  private:
+    AppPathTexts old_;
+};
+
+// Whole files, octet for octet. A file that cannot be written fails the test; one that cannot be read is
+// empty.
+void WriteOctets(const std::wstring& path, std::string_view octets);
+std::string ReadOctets(const std::wstring& path);

@@ -1,0 +1,23 @@
+// Time stamps in the program's files: checked for their shape, then taken off, since the hour is nobody's
+// promise.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+constexpr size_t kStampLength = 23;
+
+// Whether `text` has the shape of "2026-03-07 09:05:02.047" and nothing else.
+inline bool IsStamp(std::string_view text) {
+    constexpr std::string_view shape = "dddd-dd-dd dd:dd:dd.ddd";
+    if (text.size() != shape.size()) {
+        return false;
+    }
+    for (size_t index = 0; index < shape.size(); ++index) {
+        const bool digit = text[index] >= '0' && text[index] <= '9';
+        if (shape[index] == 'd' ? !digit : text[index] != shape[index]) {
+            return false;
+        }
+    }
+    return true;
+}

@@ -1,0 +1,124 @@
+#include "core/app_paths.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "core/data_files.h"
+#include "platform/files.h"
+#include "platform/folders.h"
+#include "tests/support/scratch_folder.h"
+
+namespace {
+
+constexpr bool kSystemChoosesTheFolder = sizeof(wchar_t) == 2;
+
+// Says where the application data belongs where that can be said; the Windows build has to take what the
+// system says, which must then hold no data of a real user.
+void PointApplicationDataTo(const std::string& folder) {
+#ifndef _WIN32
+    setenv("QUILLMONT_DATA_HOME", folder.c_str(), 1);
+#else
+    static_cast<void>(folder);
+#endif
+}
+
+// The standard library's path; slashes do on every system.
+std::filesystem::path ToStandardPath(std::wstring path) {
+    std::replace(path.begin(), path.end(), L'\\', L'/');
+    return path;
+}
+
+// A machine on which the program never ran.
+class AppPathsTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        PointApplicationDataTo(folder_.path().string() + "/J\xC3\xBCrgen \xD0\x96");
+        dataDir_ = QueryLocalAppDataFolder() + L"\\Quillmont";
+        if (PathExists(dataDir_)) {
+            GTEST_SKIP()
+                << "This account has Quillmont's data already, and the test would have to remove them.";
+        }
+        ours_ = true;
+    }
+
+    void TearDown() override {
+        AppPaths = {};
+        if (ours_) {
+            std::error_code ignored;
+            std::filesystem::remove_all(ToStandardPath(dataDir_), ignored);
+        }
+    }
+
+    ScratchFolder folder_;
+    std::wstring dataDir_;
+
+  private:
+    bool ours_ = false;
+};
+
+TEST_F(AppPathsTest, PathsLieInTheUsersLocalApplicationData) {
+    InitAppPaths();
+    EXPECT_EQ(AppPaths.dataDir, dataDir_);
+    EXPECT_EQ(AppPaths.mibsDir, dataDir_ + L"\\mibs");
+    EXPECT_EQ(AppPaths.configPath, dataDir_ + L"\\config.xml");
+    EXPECT_EQ(AppPaths.trapFilePath, dataDir_ + L"\\SNMP.txt");
+    EXPECT_EQ(AppPaths.logFilePath, dataDir_ + L"\\log.txt");
+}
+
+TEST_F(AppPathsTest, FirstStartMakesFoldersAndEmptyFilesButNoSettings) {
+    InitAppPaths();
+    EXPECT_TRUE(PathExists(dataDir_));
+    EXPECT_TRUE(EnumerateFolder(AppPaths.mibsDir, [](const FolderEntry&) { FAIL() << "not empty"; }));
+    EXPECT_EQ(QueryFileSize(AppPaths.trapFilePath), 0U);
+    EXPECT_EQ(QueryFileSize(AppPaths.logFilePath), 0U);
+    EXPECT_FALSE(PathExists(AppPaths.configPath));
+}
+
+TEST_F(AppPathsTest, SecondStartChangesNoOctetOfAnExistingFile) {
+    InitAppPaths();
+    WriteOctets(AppPaths.trapFilePath, "a record\r\r\nand half of one");
+    WriteOctets(AppPaths.logFilePath, "\x1A");
+    WriteOctets(AppPaths.configPath, "settings");
+    InitAppPaths();
+    EXPECT_EQ(ReadOctets(AppPaths.trapFilePath), "a record\r\r\nand half of one");
+    EXPECT_EQ(ReadOctets(AppPaths.logFilePath), "\x1A");
+    EXPECT_EQ(ReadOctets(AppPaths.configPath), "settings");
+}
+
+TEST_F(AppPathsTest, DeletedMibsFolderIsMadeAgainAtTheNextStart) {
+    InitAppPaths();
+    WriteOctets(AppPaths.logFilePath, "kept");
+    std::filesystem::remove(ToStandardPath(dataDir_ + L"\\mibs"));
+    InitAppPaths();
+    EXPECT_TRUE(PathExists(AppPaths.mibsDir));
+    EXPECT_EQ(ReadOctets(AppPaths.logFilePath), "kept");
+}
+
+TEST_F(AppPathsTest, FileInThePlaceOfTheFolderIsPassedOver) {
+    CreateFolderWithParents(QueryLocalAppDataFolder());
+    WriteOctets(dataDir_, "in the way");
+    InitAppPaths();
+    EXPECT_EQ(AppPaths.logFilePath, dataDir_ + L"\\log.txt");
+    EXPECT_FALSE(PathExists(AppPaths.logFilePath));
+    EXPECT_EQ(ReadOctets(dataDir_), "in the way");
+}
+
+TEST_F(AppPathsTest, CharactersOutsideAsciiAreKept) {
+    if (kSystemChoosesTheFolder) {
+        GTEST_SKIP() << "The system says which folder it is; the desktop tests try one with such characters.";
+    }
+    InitAppPaths();
+    EXPECT_TRUE(AppPaths.dataDir.ends_with(L"/J\u00FCrgen \u0416\\Quillmont"))
+        << testing::PrintToString(AppPaths.dataDir);
+    EXPECT_TRUE(
+        std::filesystem::exists(folder_.path() / std::filesystem::path(L"J\u00FCrgen \u0416") / "Quillmont"));
+}
+
+TEST(AppPaths, AreEmptyUntilTheyAreWorkedOut) {
+    EXPECT_EQ(AppPathTexts().dataDir, L"");
+    EXPECT_EQ(AppPathTexts().logFilePath, L"");
+}
+
+}  // namespace
