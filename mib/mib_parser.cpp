@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <variant>
 
 #include "mib/mib_text.h"
@@ -18,7 +19,7 @@ struct Mark {
 };
 enum MarkIndex : size_t { kObjectType, kObjectIdentifier, kModuleIdentity, kAssignment, kMarkCount };
 constexpr Mark kMarks[kMarkCount] = {
-    {"OBJECT-TYPE", 2}, {"OBJECT IDENTIFIER", 2}, {"MODULE-IDENTITY", 3}, {"::=", 0}};
+    {"OBJECT-TYPE", 2}, {"OBJECT IDENTIFIER", 2}, {"MODULE-IDENTITY", 3}, {"::=", 2}};
 
 template <typename Char>
 struct MibScan {
@@ -26,7 +27,9 @@ struct MibScan {
 
     View text;
     size_t position = 0;            // the start of the first line that was not taken yet
-    size_t marks[kMarkCount] = {};  // where each mark stands next, once looked for; npos: nowhere any more
+    size_t marks[kMarkCount] = {};  // where each mark stands next; npos: nowhere any more
+    View line;                      // the line taken last, without its comment
+    size_t lineEnd = 0;             // where that ends in the text
     View name;                      // the current name
     std::basic_string<Char> statement;
     std::wstring wideName;
@@ -50,11 +53,20 @@ size_t FindMark(std::basic_string_view<Char> text, const Mark& mark, size_t from
     }
 }
 
-// Moves on to the start of the next line that holds a mark. False: there is none.
+// Takes the line at the position: cuts its comment off and moves behind its line feed.
 template <typename Char>
-bool GoToMarkedLine(MibScan<Char>& scan, bool first) {
+void TakeLine(MibScan<Char>& scan) {
+    const size_t end = std::min(scan.text.find(Char{'\n'}, scan.position), scan.text.size());
+    scan.line = StripComment(scan.text.substr(scan.position, end - scan.position));
+    scan.lineEnd = scan.position + scan.line.size();
+    scan.position = std::min(end + 1, scan.text.size());
+}
+
+// Takes the next line that holds a mark, be it in its comment. False: there is none.
+template <typename Char>
+bool TakeMarkedLine(MibScan<Char>& scan) {
     for (size_t mark = 0; mark < kMarkCount; ++mark) {
-        if (first || scan.marks[mark] < scan.position) {
+        if (scan.marks[mark] < scan.position) {
             scan.marks[mark] = FindMark(scan.text, kMarks[mark], scan.position);
         }
     }
@@ -63,31 +75,37 @@ bool GoToMarkedLine(MibScan<Char>& scan, bool first) {
         return false;
     }
     const size_t lineFeed = scan.text.substr(scan.position, next - scan.position).rfind(Char{'\n'});
-    scan.position += lineFeed + 1;  // npos + 1: already there
+    scan.position += lineFeed == scan.text.npos ? 0 : lineFeed + 1;
+    TakeLine(scan);
     return true;
 }
 
-// The line at the position, without its comment; moves behind its line feed. A carriage return stays as space.
 template <typename Char>
-std::basic_string_view<Char> TakeLine(MibScan<Char>& scan) {
-    const size_t end = std::min(scan.text.find(Char{'\n'}, scan.position), scan.text.size());
-    const auto line = scan.text.substr(scan.position, end - scan.position);
-    scan.position = std::min(end + 1, scan.text.size());
-    return StripComment(line);
+bool LineHolds(const MibScan<Char>& scan, MarkIndex mark) {
+    const size_t start = scan.marks[mark];
+    return start < scan.lineEnd && kMarks[mark].text.size() <= scan.lineEnd - start;
 }
 
-// The value that `line` starts, with the lines that it goes on in joined by blanks.
 template <typename Char>
-std::basic_string_view<Char> TakeStatement(MibScan<Char>& scan, std::basic_string_view<Char> line) {
-    if (line.find(Char{'}'}) != line.npos) {
-        return line;
+bool LineHolds(const MibScan<Char>& scan, char character) {
+    return scan.line.find(Char{character}) != scan.line.npos;
+}
+
+// The value that the line starts, with the lines that it goes on in joined by blanks; empty when it does not end.
+template <typename Char>
+std::basic_string_view<Char> TakeStatement(MibScan<Char>& scan) {
+    if (LineHolds(scan, '}')) {
+        return scan.line;
     }
-    scan.statement = line;
-    while (scan.position < scan.text.size() && line.find(Char{'}'}) == line.npos) {
-        line = TrimSpace(TakeLine(scan));
-        scan.statement.append(1, Char{' '}).append(line);
+    scan.statement = scan.line;
+    while (scan.position < scan.text.size()) {
+        TakeLine(scan);
+        scan.statement.append(1, Char{' '}).append(TrimSpace(scan.line));
+        if (LineHolds(scan, '}')) {
+            return scan.statement;
+        }
     }
-    return scan.statement;
+    return {};
 }
 
 std::wstring_view MakeWide(std::wstring_view text, std::wstring&) {
@@ -114,20 +132,17 @@ template <typename Char>
 void ParseText(std::basic_string_view<Char> text) {
     MibScan<Char> scan;
     scan.text = text;
-    for (bool first = true; GoToMarkedLine(scan, first); first = false) {
-        const size_t start = scan.position;
-        const auto line = TakeLine(scan);
-        const auto holds = [&](MarkIndex mark) {
-            return scan.marks[mark] <= start + line.size() &&
-                   kMarks[mark].text.size() <= start + line.size() - scan.marks[mark];
-        };
-        if (holds(kObjectType) || holds(kObjectIdentifier) || holds(kModuleIdentity)) {
-            const auto word = LeadingIdentifier(line);
+    std::transform(std::begin(kMarks), std::end(kMarks), scan.marks,
+                   [&](const Mark& mark) { return FindMark(text, mark, 0); });
+    while (TakeMarkedLine(scan)) {
+        if (LineHolds(scan, kObjectType) || LineHolds(scan, kObjectIdentifier) ||
+            LineHolds(scan, kModuleIdentity)) {
+            const auto word = LeadingIdentifier(scan.line);
             scan.name = word.empty() ? scan.name : word;
         }
-        if (holds(kAssignment) && line.find(Char{'{'}) != line.npos) {
-            const auto statement = TakeStatement(scan, line);
-            if (!scan.name.empty()) {
+        if (LineHolds(scan, kAssignment) && LineHolds(scan, '{')) {
+            const auto statement = TakeStatement(scan);
+            if (!scan.name.empty() && !statement.empty()) {
                 StoreValue(MakeWide(scan.name, scan.wideName), MakeWide(statement, scan.wideStatement));
             }
         }

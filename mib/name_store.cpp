@@ -55,6 +55,10 @@ bool IsUsable(const PendingDefinition& definition) {
     return definition.valid && definition.subId >= 0;
 }
 
+size_t PlaceOf(const PendingRow* row) {
+    return static_cast<size_t>(row - PendingDefinitions.Rows().data());
+}
+
 // The row of PendingDefinitions that was stored last. What is stored next mostly has the same parent (the columns
 // of a table), or that row's name as its parent or its name, which then need not be looked up.
 size_t LastStoredPlace = 0;
@@ -100,10 +104,6 @@ struct RowState {
     PooledText oid;
 };
 using RowStates = std::vector<RowState>;
-
-size_t PlaceOf(const PendingRow* row) {
-    return static_cast<size_t>(row - PendingDefinitions.Rows().data());
-}
 
 // A name that is known already is not resolved by its definition, and a built-in name has the last word.
 void SetKnownNames(RowStates& states) {
@@ -232,8 +232,10 @@ void StoreDefinition(std::wstring_view name, std::wstring_view parent, int32_t s
     const PendingDefinition definition{KeepParent(parent), subId, true};
     if (auto* row = PendingDefinitions.Find(key)) {
         row->value = definition;
+        LastStoredPlace = PlaceOf(row);
     } else {
         PendingDefinitions.Add(key, KeepText(name), definition);
+        LastStoredPlace = PendingDefinitions.Count() - 1;
     }
 }
 

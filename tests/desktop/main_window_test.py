@@ -93,8 +93,7 @@ def test_every_button_uses_the_one_interface_font(program):
 
 
 def test_the_receiver_starts_by_itself_once_and_the_disc_is_green(program, data):
-    data.wait_for_log("Listener thread started (UDP 161).")
-    data.wait_for_log("Trap thread started (UDP 162).")
+    data.wait_for_start()
     assert sorted(data.log_messages()[2:]) == START_LINES
     assert program.start_button.text == "Stop server"
     wait_for_disc(program, GREEN)
@@ -111,7 +110,7 @@ def test_the_indicator_is_a_disc_with_a_black_outline_on_white(program):
 
 
 def test_the_first_button_stops_and_restarts_the_receiver(program, data):
-    data.wait_for_log("Listener thread started (UDP 161).")
+    data.wait_for_start()
     before = len(data.log_messages())
     program.stop()
     data.wait_for_log("Server stopped.")
@@ -121,8 +120,7 @@ def test_the_first_button_stops_and_restarts_the_receiver(program, data):
     assert (stopping[0], stopping[-1]) == ("Stopping server...", "Server stopped.")
     program.start()
     wait_for_disc(program, GREEN)
-    data.wait_for_log("Listener thread started (UDP 161).", 2)
-    data.wait_for_log("Trap thread started (UDP 162).", 2)
+    data.wait_for_start(2)
     assert sorted(data.log_messages()[before + len(stopping) :]) == START_LINES
 
 
@@ -158,8 +156,7 @@ def test_a_command_is_known_by_its_low_16_bits(program, data):
 
 
 def test_an_unknown_command_does_nothing(program, data):
-    data.wait_for_log("Listener thread started (UDP 161).")
-    data.wait_for_log("Trap thread started (UDP 162).")
+    data.wait_for_start()
     before = data.log_octets()
     windows = len([facts for facts in program.windows() if facts["visible"]])
     for number in (0, 99, 105, 200, 500):
@@ -209,8 +206,7 @@ def test_a_start_with_port_161_taken_warns_and_runs(data, start):
 
 
 def test_closing_while_running_stops_saves_and_exits_with_0(program, data):
-    data.wait_for_log("Listener thread started (UDP 161).")
-    data.wait_for_log("Trap thread started (UDP 162).")
+    data.wait_for_start()
     before = len(data.log_messages())
     assert not data.config.exists()
     assert program.close() == 0

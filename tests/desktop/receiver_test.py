@@ -182,7 +182,7 @@ def test_stop_and_start_at_once_rebinds_and_records_again(program, data):
 
 
 def test_a_request_to_port_161_is_logged_and_gets_no_reply(program, data):
-    data.wait_for_log("Listener thread started (UDP 161).")
+    data.wait_for_start()
     assert not request_from_listener()
     data.wait_for_log("Datagram on UDP 161 from 127.0.0.1.")
     assert data.log_messages().count("Datagram on UDP 161 from 127.0.0.1.") == 1
@@ -190,7 +190,7 @@ def test_a_request_to_port_161_is_logged_and_gets_no_reply(program, data):
 
 
 def test_every_datagram_on_port_161_gives_one_line(program, data):
-    data.wait_for_log("Listener thread started (UDP 161).")
+    data.wait_for_start()
     for size in (0, 1, 4096, 4097, 65507):
         send_raw(b"x" * size, LISTENER_PORT)
     for _ in range(95):

@@ -31,8 +31,7 @@ def test_a_first_start_makes_the_folders_and_empty_files_but_no_config(program, 
 
 
 def test_a_first_start_logs_the_defaults_and_the_empty_name_store(program, data):
-    data.wait_for_log("Listener thread started (UDP 161).")
-    data.wait_for_log("Trap thread started (UDP 162).")
+    data.wait_for_start()
     messages = data.log_messages()
     assert messages[:3] == [NO_CONFIG, NO_MIBS, "Starting server..."]
     assert sorted(messages[2:]) == START_LINES

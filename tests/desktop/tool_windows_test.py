@@ -121,8 +121,7 @@ def test_after_closing_the_next_click_opens_a_new_window(program, tool):
 
 @each_window
 def test_an_unknown_command_and_a_foreign_timer_do_nothing(program, data, tool):
-    data.wait_for_log("Listener thread started (UDP 161).")
-    data.wait_for_log("Trap thread started (UDP 162).")
+    data.wait_for_start()
     window = tool.open(program)
     before = data.log_octets()
     for number in (1, 2, 99, 199, 299, 399, 499, 599):

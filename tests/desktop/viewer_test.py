@@ -1,5 +1,6 @@
 """The trap monitor and the log viewer: following their file, clearing it, and the files that are hard to show."""
 
+import re
 import threading
 
 import pytest
@@ -48,32 +49,26 @@ def append(path, octets):
         file.write(octets)
 
 
-def repeats(view, text):
-    """How many characters of `text` the view shows again, or None when it is not `text` with such repeats.
+def check_view_follows(view, text):
+    """The view shows the numbered records of the text in order, and all of them; some may show twice.
 
-    The size is taken before the file is read: what is written between the two is read again with the next poll
-    and shows twice. So the view is a run of pieces of the text, each beginning at or before the end of the last.
+    Kept by the program: the size is taken before the file is read, so what is written between the two is read
+    again with the next poll. The view then goes back to an earlier record and on from there.
     """
-    ends = {0: 0}  # length of text shown -> characters of the view used for it
-    position = min(len(view), len(text))
-    while position and view[:position] != text[:position]:
-        position -= 1
-    used, shown = position, position
-    while used < len(view):
-        # The longest piece that the view goes on with, from any place not behind what was shown.
-        best = 0
-        for begin in range(shown - 1, -1, -1):
-            size = 0
-            while used + size < len(view) and begin + size < len(text) and view[used + size] == text[begin + size]:
-                size += 1
-            if begin + size > shown and size > best:
-                best, next_shown = size, begin + size
-                break
-        if best == 0:
-            return None
-        used, shown = used + best, next_shown
-    del ends
-    return len(view) - len(text) if shown == len(text) else None
+    records = {
+        int(re.search(r"INTEGER = (\d+)", part)[1]): part
+        for part in re.findall(r".*?\r\r\n\r\r\n", text, re.DOTALL)
+    }
+    assert "".join(records.values()) == text
+    shown = [int(number) for number in re.findall(r"INTEGER = (\d+)", view)]
+    assert "".join(records[number] for number in shown) == view
+    order = list(records)
+    places = [order.index(number) for number in shown]
+    assert places[0] == 0
+    assert all(after <= before + 1 for before, after in zip(places, places[1:]))
+    assert sorted(set(places)) == list(range(len(order)))
+    if len(shown) > len(order):
+        print(f"{len(shown) - len(order)} records arrived between size and reading and show twice, which is kept.")
 
 
 def send_numbered(first, count, data, announced=None):
@@ -93,8 +88,7 @@ def test_the_view_opens_with_the_whole_file_at_its_top(data, start, viewer):
     old = b"".join(b"line %d" % number + LINE_END for number in range(200))
     file_of(data, viewer).write_bytes(old)
     program = start().wait_running()
-    data.wait_for_log("Listener thread started (UDP 161).")
-    data.wait_for_log("Trap thread started (UDP 162).")
+    data.wait_for_start()
     view = view_of(viewer.open(program))
     assert view.text == as_read_at_opening(file_of(data, viewer).read_bytes())
     assert view.text.startswith("line 0\r\nline 1\r\n")
@@ -131,8 +125,7 @@ def test_a_new_trap_appears_at_the_end_of_the_view(program, data):
 
 
 def test_a_new_line_appears_at_the_end_of_the_log_view(program, data):
-    data.wait_for_log("Listener thread started (UDP 161).")
-    data.wait_for_log("Trap thread started (UDP 162).")
+    data.wait_for_start()
     first = data.log_octets()
     view = view_of(LOG.open(program))
     send_raw(b"")
@@ -151,10 +144,7 @@ def test_a_burst_of_400_traps_is_followed_to_the_end(program, data):
     send_numbered(0, 400, data)
     text = as_read_later(data.trap_octets())
     wait_until(lambda: view.text.endswith(text[-300:]), "the last record in the view")
-    shown_again = repeats(view.text, text)
-    assert shown_again is not None, "the view is not the file"
-    if shown_again:
-        print(f"{shown_again} characters arrived between size and reading and show twice, which is kept.")
+    check_view_follows(view.text, text)
     assert is_at_end(view)
     assert view.edit.selection == [view.edit.length] * 2
     assert mask_stamps(data.trap_octets()) == b"".join(record(integer_line(number)) for number in range(400))
@@ -166,8 +156,7 @@ def test_a_file_far_beyond_the_default_limit_is_shown_whole_and_followed(data, s
     path = file_of(data, viewer)
     path.write_bytes(b"".join(b"old line %06d" % number + LINE_END for number in range(10000)))
     program = start().wait_running()
-    data.wait_for_log("Listener thread started (UDP 161).")
-    data.wait_for_log("Trap thread started (UDP 162).")
+    data.wait_for_start()
     view = view_of(viewer.open(program))
     shown = as_read_at_opening(path.read_bytes())
     assert len(shown) > 4 * DEFAULT_LIMIT
@@ -187,8 +176,7 @@ def test_octets_above_7f_are_read_one_way_at_opening_and_another_later(data, sta
     path.write_bytes(utf8 + ansi)
     program = start().wait_running()
     assert program.driver("ansi_code_page") == 1252
-    data.wait_for_log("Listener thread started (UDP 161).")
-    data.wait_for_log("Trap thread started (UDP 162).")
+    data.wait_for_start()
     view = view_of(viewer.open(program))
     text = as_read_at_opening(path.read_bytes())
     assert text.startswith("Gr\u00c3\u00bc\u00c3\u009fe \u00e4\u00b8\u00ad\n\u00e9 \u0080 \u0081 \u00ff\n")
@@ -233,8 +221,7 @@ def test_clearing_traps_empties_view_and_file_and_logs_it(program, data):
 
 
 def test_clearing_the_log_leaves_exactly_the_one_line(program, data):
-    data.wait_for_log("Listener thread started (UDP 161).")
-    data.wait_for_log("Trap thread started (UDP 162).")
+    data.wait_for_start()
     window = LOG.open(program)
     window.control(400).click()
     wait_until(lambda: data.log_messages() == ["log.txt cleared."], "the one line in the log")
@@ -262,15 +249,16 @@ def test_clearing_a_file_that_cannot_be_opened_empties_the_view_and_logs_all_the
 def test_clearing_under_fire_loses_no_record_written_after_the_last_clear(program, data):
     window = MONITOR.open(program)
     clears = 30
+    last = 99999
+    fired = []
     sent = threading.Event()
     enough = threading.Event()
 
     def fire():
-        number = 0
         with udp_socket() as udp:
-            while not enough.is_set() and number < 20000:
-                udp.sendto(message(integer_binding(number)), (LOOPBACK, TRAP_PORT))
-                number += 1
+            while not enough.is_set() and len(fired) < 20000:
+                udp.sendto(message(integer_binding(len(fired))), (LOOPBACK, TRAP_PORT))
+                fired.append(True)
                 sent.set()
                 enough.wait(0.002)
 
@@ -285,13 +273,14 @@ def test_clearing_under_fire_loses_no_record_written_after_the_last_clear(progra
         enough.set()
         shooter.join()
     # One more, behind everything that was fired.
-    send_raw(message(integer_binding(99999)))
-    wait_until(lambda: integer_line(99999).encode() in data.trap_octets(), "the last record in the file")
-    wait_until(lambda: integer_line(99999) in view_of(window).text, "the last record in the view")
+    send_raw(message(integer_binding(last)))
+    wait_until(lambda: integer_line(last).encode() in data.trap_octets(), "the last record in the file")
+    wait_until(lambda: integer_line(last) in view_of(window).text, "the last record in the view")
     octets = data.trap_octets()
-    assert repeats(view_of(window).text, as_read_later(octets)) is not None
+    check_view_follows(view_of(window).text, as_read_later(octets))
+    # From the first record after the last clear on, everything that was sent is there.
     numbers = [int(line.rsplit(b" ", 1)[1]) for line in octets.split(LINE_END) if b"INTEGER" in line]
-    assert numbers[:-1] == list(range(numbers[0], numbers[0] + len(numbers) - 1))
+    assert numbers == [*range(numbers[0], len(fired)), last]
     assert program.runs
 
 
@@ -336,8 +325,7 @@ def test_a_file_of_the_same_size_is_not_looked_at(program, data):
 
 
 def test_the_viewers_follow_their_own_files(program, data):
-    data.wait_for_log("Listener thread started (UDP 161).")
-    data.wait_for_log("Trap thread started (UDP 162).")
+    data.wait_for_start()
     monitor, log = view_of(MONITOR.open(program)), view_of(LOG.open(program))
     before = log.text
     send_raw(b"")

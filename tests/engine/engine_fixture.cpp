@@ -110,8 +110,15 @@ Octets LoopbackClient::Receive() {
     return octets;
 }
 
+EngineTest::EngineTest() {
+    EXPECT_TRUE(StartSocketLibrary());
+}
+
+EngineTest::~EngineTest() {
+    StopSocketLibrary();
+}
+
 void EngineTest::SetUp() {
-    ASSERT_TRUE(StartSocketLibrary());
     ServerEvents = {};
     ForwardingSettings.forwardingEnabled = false;
     ReplaceForwardingTarget(L"127.0.0.1", 162);
@@ -123,7 +130,6 @@ void EngineTest::SetUp() {
 
 void EngineTest::TearDown() {
     StopServer();
-    StopSocketLibrary();
 }
 
 std::vector<std::string> EngineTest::LogLines() {

@@ -52,6 +52,9 @@ class LoopbackClient {
 
 class EngineTest : public ::testing::Test {
   protected:
+    // The socket library lives as long as the fixture, since fixtures have clients as members.
+    EngineTest();
+    ~EngineTest() override;
     void SetUp() override;
     void TearDown() override;
 

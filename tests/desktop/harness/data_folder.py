@@ -80,14 +80,23 @@ class DataFolder:
         """The messages in order. Fails on anything that is no whole log line, but for a line being written."""
         octets = self.log_octets()
         whole = octets[: octets.rfind(b"\n") + 1]
-        assert LOG_LINE.sub(b"", whole) == b"", f"not log lines: {LOG_LINE.sub(b'', whole)!r}"
+        strange = LOG_LINE.sub(b"", whole)
+        assert strange == b"", f"not log lines: {strange[:300]!r}"
         return [message.decode("latin-1") for _, message in LOG_LINE.findall(whole)]
 
     def wait_for_log(self, message, count=1):
         """Waits until the log holds the message `count` times."""
         wait_until(
             lambda: self.log_messages().count(message) >= count,
-            lambda: f"{count} x {message!r} in the log, which holds {self.log_messages()!r}",
+            lambda: f"{count} x {message!r} in the log, which ends in {self.log_messages()[-20:]!r}",
+        )
+
+    def wait_for_start(self, count=1):
+        """Waits until everything is in the log that `count` starts with both ports free write, whatever else is."""
+        last_lines = [b"Trap thread started (UDP 162).", b"Listener thread started (UDP 161).", b"Server started."]
+        wait_until(
+            lambda: all(self.log_octets().count(line + LINE_END) >= count for line in last_lines),
+            lambda: f"start {count}, the log ends in {self.log_octets()[-500:]!r}",
         )
 
     def wait_for_traps(self, count):

@@ -1,0 +1,215 @@
+"""The forwarding settings window: what it shows, what Save makes of what was typed, what leaves nothing behind."""
+
+import pytest
+
+from harness.data_folder import LINE_END, config
+from harness.tool_windows import FORWARDING
+from harness.traps import LOOPBACK, integer_binding, message, send_raw, udp_socket
+from harness.window import BM_GETCHECK
+
+SAVE = 200
+CANCEL = 201
+CHECK, IP, PORT = 1, 3, 5
+
+WM_KEYDOWN = 0x0100
+BM_SETCHECK = 0x00F1
+VK_TAB = 0x09
+VK_RETURN = 0x0D
+VK_ESCAPE = 0x1B
+
+UPDATED = "Forwarding updated."
+SAVED = "Config saved."
+
+
+def type_into(field, text):
+    """Replaces what the field holds by typed text."""
+    field.set_text("")
+    field.type_text(text)
+    assert field.text == text
+
+
+def save(window):
+    window.control(SAVE).click()
+    window.wait_closed()
+
+
+def open_and_save(program, check=None, ip=None, port=None):
+    """Types what is given, leaves the rest, and saves."""
+    window = FORWARDING.open(program)
+    if check is not None:
+        window.child(CHECK).send(BM_SETCHECK, check)
+    if ip is not None:
+        type_into(window.child(IP), ip)
+    if port is not None:
+        type_into(window.child(PORT), port)
+    save(window)
+
+
+@pytest.mark.parametrize("enabled, ip, port", [(0, "127.0.0.1", 162), (1, "10.1.2.3", 65535), (1, "", 1)])
+def test_the_window_shows_the_settings_as_they_are(data, start, enabled, ip, port):
+    data.write_config(config(enabled, ip, port))
+    window = FORWARDING.open(start().wait_running())
+    assert window.child(CHECK).send(BM_GETCHECK) == enabled
+    assert window.child(IP).text == ip
+    assert window.child(PORT).text == str(port)
+
+
+def test_the_check_box_toggles_by_click(program):
+    window = FORWARDING.open(program)
+    for expected in (True, False):
+        window.child(CHECK).click()
+        program.settle()
+        assert window.child(CHECK).checked == expected
+
+
+def test_saving_writes_the_file_logs_and_closes(program, data):
+    before = len(data.log_messages())
+    data.wait_for_start()
+    before = len(data.log_messages())
+    open_and_save(program, 1, "10.20.30.40", "8162")
+    assert data.config.read_bytes() == config(1, "10.20.30.40", 8162)
+    assert data.log_messages()[before:] == [SAVED, UPDATED]
+    window = FORWARDING.open(program)
+    assert (window.child(CHECK).checked, window.child(IP).text, window.child(PORT).text) == (
+        True,
+        "10.20.30.40",
+        "8162",
+    )
+
+
+PORTS = {
+    "zero": ("0", 162),
+    "minus_1": ("-1", 162),
+    "65536": ("65536", 162),
+    "letters": ("abc", 162),
+    "nothing": ("", 162),
+    "65535": ("65535", 65535),
+    "1": ("1", 1),
+    "blank_999": (" 999", 999),
+    "999_letter": ("999x", 999),
+    "plus_999": ("+999", 999),
+    "leading_zeros": ("000999", 999),
+    "4294968296": ("4294968296", 162),
+    "2147483648": ("2147483648", 162),
+    "1_point_5": ("1.5", 1),
+    "hexadecimal": ("0x10", 162),
+    "only_62_characters_are_read": (" " * 60 + "1234", 12),
+}
+
+
+@pytest.mark.parametrize("typed, saved", PORTS.values(), ids=PORTS.keys())
+def test_a_typed_port_is_saved_as(program, data, typed, saved):
+    open_and_save(program, port=typed)
+    assert data.config.read_bytes() == config(0, "127.0.0.1", saved)
+
+
+ADDRESSES = {
+    "empty_becomes_loopback": ("", "127.0.0.1"),
+    "blanks_are_kept": (" 10.1.2.3 ", " 10.1.2.3 "),
+    "one_blank_is_kept": (" ", " "),
+    "host_name_is_kept": ("trap.example", "trap.example"),
+    "markup_is_kept": ("<a>&</a>", "<a>&</a>"),
+    "byte_above_7f_is_kept": ("h\u00f6st", "h\u00f6st"),
+    # The call counts the terminator, so a count of 255 gives 254 characters.
+    "300_characters_are_cut_to_254": ("0123456789" * 30, ("0123456789" * 30)[:254]),
+}
+
+
+@pytest.mark.parametrize("typed, saved", ADDRESSES.values(), ids=ADDRESSES.keys())
+def test_a_typed_address_is_saved_as(program, data, typed, saved):
+    open_and_save(program, ip=typed)
+    assert data.config.read_bytes() == config(0, saved, 162)
+
+
+def test_an_address_above_ff_cuts_the_file_there_and_is_saved_all_the_same(program, data):
+    open_and_save(program, ip="10.\u4e2d.3")
+    lines = [b"<config>", b"  <forwardingEnabled>0</forwardingEnabled>", b"  <forwardingIp>10."]
+    assert data.config.read_bytes() == LINE_END.join(lines)
+    assert data.log_messages()[-2:] == [SAVED, UPDATED]
+    assert FORWARDING.open(program).child(IP).text == "10.\u4e2d.3"
+
+
+def edit_everything(window):
+    window.child(CHECK).click()
+    type_into(window.child(IP), "10.9.9.9")
+    type_into(window.child(PORT), "9999")
+
+
+@pytest.mark.parametrize("leave", ["cancel", "close_box"])
+def test_leaving_without_save_changes_nothing(data, start, leave):
+    data.write_config(config(0, "10.1.2.3", 8162))
+    program = start().wait_running()
+    data.wait_for_start()
+    before = data.log_octets()
+    window = FORWARDING.open(program)
+    edit_everything(window)
+    if leave == "cancel":
+        window.control(CANCEL).click()
+    else:
+        window.close()
+    window.wait_closed()
+    assert data.config.read_bytes() == config(0, "10.1.2.3", 8162)
+    assert data.log_octets() == before
+    again = FORWARDING.open(program)
+    assert (again.child(CHECK).checked, again.child(IP).text, again.child(PORT).text) == (False, "10.1.2.3", "8162")
+
+
+def test_closing_the_main_window_over_unsaved_input_saves_the_former_settings(program, data):
+    edit_everything(FORWARDING.open(program))
+    assert program.close() == 0
+    assert data.config.read_bytes() == config()
+    assert UPDATED not in data.log_messages()
+
+
+def test_tab_enter_and_escape_do_nothing(program, data):
+    window = FORWARDING.open(program)
+    data.wait_for_start()
+    before = data.log_octets()
+    for field in (IP, PORT):
+        for key in (VK_TAB, VK_RETURN, VK_ESCAPE):
+            window.child(field).post(WM_KEYDOWN, key)
+    program.settle()
+    assert window.exists
+    assert window.child(IP).text == "127.0.0.1"
+    assert window.child(PORT).text == "162"
+    assert data.log_octets() == before
+
+
+def test_saving_changes_the_target_of_the_very_next_trap_without_restart(program, data):
+    with udp_socket() as first, udp_socket() as second:
+        for count, target in enumerate((first, second, first), 1):
+            open_and_save(program, 1, LOOPBACK, str(target.getsockname()[1]))
+            octets = message(integer_binding(count))
+            send_raw(octets)
+            assert target.recv(65535) == octets
+            data.wait_for_traps(count)
+        # Nothing went anywhere else: each got its own and no more.
+        open_and_save(program, 0)
+        send_raw(b"not forwarded")
+        data.wait_for_traps(4)
+        send_raw(b"nor this")
+        data.wait_for_traps(5)
+        for target in (first, second):
+            target.setblocking(False)
+            with pytest.raises(BlockingIOError):
+                target.recv(65535)
+    assert data.log_messages().count("Starting server...") == 1
+
+
+def test_saving_while_stopped_counts_for_the_next_run(program, data):
+    program.stop()
+    with udp_socket() as target:
+        open_and_save(program, 1, LOOPBACK, str(target.getsockname()[1]))
+        program.start()
+        send_raw(b"first of the new run")
+        assert target.recv(65535) == b"first of the new run"
+    data.wait_for_traps(1)
+
+
+def test_a_file_that_cannot_be_written_still_updates_the_settings(program, data):
+    data.config.mkdir()
+    data.wait_for_start()
+    before = len(data.log_messages())
+    open_and_save(program, 1, "10.1.2.3", "99")
+    assert data.log_messages()[before:] == [UPDATED]
+    assert FORWARDING.open(program).child(IP).text == "10.1.2.3"

@@ -1,0 +1,397 @@
+"""Importing and deleting MIB files through the real dialogs."""
+
+import os
+import shutil
+from pathlib import Path
+
+import pytest
+
+from harness.program import STATUS_BUTTON
+from harness.tool_windows import STATUS
+from harness.traps import V2C_HEAD, send_v2c, integer_binding, message, send_raw
+from harness.data_folder import record
+from harness.waiting import wait_until
+from harness.window import Window
+
+DIALOG_CLASS = "#32770"
+IMPORT_TITLE = "Import MIB files"
+QUESTION_TITLE = "Delete MIBs"
+QUESTION = "Alle MIB Dateien im MIB-Ordner l\u00c3\u00b6schen?"
+
+IMPORT_BUTTON = 500
+DELETE_BUTTON = 501
+
+# Control ids of the system's file dialog and message box.
+ID_OK = 1
+ID_CANCEL = 2
+ID_YES = 6
+ID_NO = 7
+ID_FILE_NAME = 0x480
+ID_FILTER = 0x470
+
+CB_GETCURSEL = 0x0147
+CB_SETCURSEL = 0x014E
+WM_COMMAND = 0x0111
+CBN_SELENDOK = 9
+CBN_SELCHANGE = 1
+
+MAPPINGS = "MIBs loaded. OID mappings: "
+
+
+def mib(name, number):
+    return f"{name} OBJECT IDENTIFIER ::= {{ enterprises {number} }}\n".encode()
+
+
+class Samples:
+    """A folder of files that the operator picks from."""
+
+    def __init__(self, folder):
+        self.folder = folder
+        self.windows_folder = "C:\\" + folder.name
+
+    def add(self, name, octets):
+        (self.folder / name).write_bytes(octets)
+        return self.path(name)
+
+    def path(self, name):
+        return f"{self.windows_folder}\\{name}"
+
+
+@pytest.fixture
+def samples():
+    folder = Path(os.environ["WINEPREFIX"], "drive_c", "samples")
+    folder.mkdir()
+    yield Samples(folder)
+    shutil.rmtree(folder)
+
+
+@pytest.fixture
+def status(program, data):
+    data.wait_for_start()
+    return STATUS.open(program)
+
+
+class FileDialog:
+    def __init__(self, program, status):
+        status.control(IMPORT_BUTTON).click()
+        self.program = program
+        self.window = program.wait_for_window(DIALOG_CLASS, IMPORT_TITLE)
+        self._descendant(ID_FILE_NAME)
+
+    def _descendant(self, number):
+        """A control of the dialog; it makes some of them after it has become visible."""
+
+        def find():
+            for facts in self.window.descendants():
+                if facts.id == number and facts.visible:
+                    return Window(self.program.driver, facts.handle)
+            return None
+
+        return wait_until(find, f"control {number:#x} of the dialog")
+
+    def type_name(self, text):
+        field = self._descendant(ID_FILE_NAME)
+        field.set_text(text)
+        assert field.text == text
+
+    def press_open(self):
+        self._descendant(ID_OK).click()
+
+    def go_to(self, folder):
+        """Typing a folder's name and pressing Open shows that folder."""
+        self.type_name(folder)
+        self.press_open()
+        wait_until(lambda: self._descendant(ID_FILE_NAME).text != folder, f"the dialog to show {folder}")
+
+    def choose(self, *paths):
+        """Chooses one file by its path, or several in one folder by folder and names."""
+        if len(paths) == 1:
+            self.type_name(paths[0])
+        else:
+            self.go_to(paths[0])
+            self.type_name(" ".join(f'"{name}"' for name in paths[1:]))
+        self.press_open()
+        self.window.wait_closed()
+
+    def cancel(self):
+        self._descendant(ID_CANCEL).click()
+        self.window.wait_closed()
+
+    @property
+    def filter(self):
+        return self._descendant(ID_FILTER)
+
+
+def import_files(program, status, *paths):
+    FileDialog(program, status).choose(*paths)
+    # The reload and the refresh follow before anything else is handled.
+    program.settle()
+
+
+def ask_to_delete(program, status):
+    status.control(DELETE_BUTTON).click()
+    return program.wait_for_window(DIALOG_CLASS, QUESTION_TITLE)
+
+
+def delete_all(program, status):
+    question = ask_to_delete(program, status)
+    question.control(ID_YES).click()
+    question.wait_closed()
+    program.settle()
+
+
+def new_messages(data, before):
+    return data.log_messages()[before:]
+
+
+def listed(status):
+    return status.child(7).list_items()
+
+
+def counts(status):
+    return status.child(5).text
+
+
+def test_one_file_is_copied_logged_and_loaded(program, data, status, samples):
+    before = len(data.log_messages())
+    import_files(program, status, samples.add("one.mib", mib("one", 9991)))
+    assert new_messages(data, before) == ["MIB imported: one.mib", MAPPINGS + "1"]
+    assert (data.mibs / "one.mib").read_bytes() == mib("one", 9991)
+    assert listed(status) == ["one.mib"]
+    assert counts(status) == "Loaded MIB files: 1  |  OID mappings: 1"
+
+
+def test_several_files_are_copied_in_one_go(program, data, status, samples):
+    before = len(data.log_messages())
+    for number, name in enumerate(("a.mib", "b.txt", "c.my")):
+        samples.add(name, mib(name[0], 9990 + number))
+    import_files(program, status, samples.windows_folder, "a.mib", "b.txt", "c.my")
+    messages = new_messages(data, before)
+    assert sorted(messages[:3]) == ["MIB imported: a.mib", "MIB imported: b.txt", "MIB imported: c.my"]
+    assert messages[3:] == [MAPPINGS + "3"]
+    assert listed(status) == ["a.mib", "b.txt", "c.my"]
+
+
+def test_importing_over_an_existing_file_replaces_it(program, data, status, samples):
+    data.add_mib("one.mib", b"an older and much longer file than the one that replaces it, " * 10)
+    before = len(data.log_messages())
+    import_files(program, status, samples.add("one.mib", mib("one", 9991)))
+    assert new_messages(data, before) == ["MIB imported: one.mib", MAPPINGS + "1"]
+    assert (data.mibs / "one.mib").read_bytes() == mib("one", 9991)
+
+
+def test_a_my_file_is_imported_through_the_first_filter(program, data, status, samples):
+    before = len(data.log_messages())
+    dialog = FileDialog(program, status)
+    assert dialog.filter.send(CB_GETCURSEL) == 0
+    dialog.choose(samples.add("vendor.my", mib("vendor", 9991)))
+    program.settle()
+    assert new_messages(data, before) == ["MIB imported: vendor.my", MAPPINGS + "1"]
+
+
+def test_a_file_of_another_type_is_copied_through_all_files_and_not_loaded(program, data, status, samples):
+    before = len(data.log_messages())
+    dialog = FileDialog(program, status)
+    dialog.filter.send(CB_SETCURSEL, 1)
+    parent = Window(program.driver, dialog.filter.facts.parent)
+    parent.send(WM_COMMAND, ID_FILTER | CBN_SELCHANGE << 16, dialog.filter.handle)
+    parent.send(WM_COMMAND, ID_FILTER | CBN_SELENDOK << 16, dialog.filter.handle)
+    dialog.choose(samples.add("notes.xml", mib("notes", 9991)))
+    program.settle()
+    assert new_messages(data, before) == ["MIB imported: notes.xml", MAPPINGS + "0"]
+    assert (data.mibs / "notes.xml").read_bytes() == mib("notes", 9991)
+    assert listed(status) == []
+
+
+def test_the_dialog_has_its_title_its_filters_and_the_status_window_as_owner(program, status):
+    dialog = FileDialog(program, status)
+    assert dialog.window.facts.text == IMPORT_TITLE
+    assert dialog.window.facts.owner == status.handle
+    assert dialog.filter.combo_items() == ["MIB files (*.mib;*.txt)", "All files"]
+    assert dialog.filter.send(CB_GETCURSEL) == 0
+    dialog.cancel()
+
+
+def test_cancelling_the_dialog_does_nothing(program, data, status, samples):
+    before = data.log_octets()
+    dialog = FileDialog(program, status)
+    dialog.type_name(samples.add("one.mib", mib("one", 9991)))
+    dialog.cancel()
+    program.settle()
+    assert data.log_octets() == before
+    assert list(data.mibs.iterdir()) == []
+
+
+def test_a_missing_file_cannot_be_chosen(program, data, status, samples):
+    before = data.log_octets()
+    dialog = FileDialog(program, status)
+    dialog.type_name(samples.path("missing.mib"))
+    dialog.press_open()
+    complaint = wait_until(
+        lambda: [w for w in program.find_windows(DIALOG_CLASS) if w != dialog.window], "the dialog to complain"
+    )[0]
+    complaint.close()
+    complaint.wait_closed()
+    dialog.cancel()
+    program.settle()
+    assert data.log_octets() == before
+
+
+def test_a_selection_beyond_the_buffer_does_nothing(program, data, status, samples):
+    names = [f"{number:03}-{'x' * 90}.mib" for number in range(100)]
+    for name in names:
+        samples.add(name, b"")
+    before = data.log_octets()
+    dialog = FileDialog(program, status)
+    dialog.choose(samples.windows_folder, *names)
+    program.settle()
+    assert data.log_octets() == before
+    assert list(data.mibs.iterdir()) == []
+
+
+def test_one_file_that_cannot_be_read_is_logged_as_failed(program, data, status, samples, driver):
+    path = samples.add("held.mib", mib("held", 9991))
+    driver("hold_file", path)
+    before = len(data.log_messages())
+    try:
+        import_files(program, status, path)
+    finally:
+        driver("release_files")
+    assert new_messages(data, before) == ["MIB import failed.", MAPPINGS + "0"]
+    assert list(data.mibs.iterdir()) == []
+
+
+def test_the_unreadable_one_of_three_is_passed_over_in_silence(program, data, status, samples, driver):
+    samples.add("a.mib", mib("a", 9991))
+    held = samples.add("b.mib", mib("b", 9992))
+    samples.add("c.mib", mib("c", 9993))
+    driver("hold_file", held)
+    before = len(data.log_messages())
+    try:
+        import_files(program, status, samples.windows_folder, "a.mib", "b.mib", "c.mib")
+    finally:
+        driver("release_files")
+    messages = new_messages(data, before)
+    assert sorted(messages[:2]) == ["MIB imported: a.mib", "MIB imported: c.mib"]
+    assert messages[2:] == [MAPPINGS + "2"]
+    assert listed(status) == ["a.mib", "c.mib"]
+
+
+def test_a_name_outside_ascii_is_imported_and_cuts_its_log_line(program, data, status, samples):
+    before = len(data.log_octets())
+    import_files(program, status, samples.add("gr\u00fcn-\u4e2d.mib", mib("one", 9991)))
+    assert (data.mibs / "gr\u00fcn-\u4e2d.mib").read_bytes() == mib("one", 9991)
+    # A character above 0xFF ends what is written of that line, its line end included.
+    assert b"  MIB imported: gr\xfcn-2" in data.log_octets()[before:]
+    assert listed(status) == ["gr\u00fcn-\u4e2d.mib"]
+
+
+def test_names_appear_with_an_import_and_disappear_with_the_deletion(program, data, status, samples):
+    binding = ("1.3.6.1.4.1.9991", "i", "1")
+    send_v2c(*binding)
+    data.wait_for_traps(1)
+    import_files(program, status, samples.add("one.mib", mib("one", 9991)))
+    send_v2c(*binding)
+    data.wait_for_traps(2)
+    delete_all(program, status)
+    send_v2c(*binding)
+    data.wait_for_traps(3)
+    plain = record(*V2C_HEAD, "---> [3] 1.3.6.1.4.1.9991  INTEGER = 1")
+    named = record(*V2C_HEAD, "---> [3] 1.3.6.1.4.1.9991 (one)  INTEGER = 1")
+    assert data.masked_traps() == plain + named + plain
+
+
+def test_the_question_has_its_exact_text_two_buttons_and_the_status_window_as_owner(program, status):
+    question = ask_to_delete(program, status)
+    assert question.facts.text == QUESTION_TITLE
+    assert question.facts.owner == status.handle
+    children = [facts for facts in question.children() if facts.visible]
+    assert [facts.id for facts in children if facts.__dict__["class"] == "Button"] == [ID_YES, ID_NO]
+    texts = [facts.text for facts in children if facts.__dict__["class"] == "Static"]
+    assert QUESTION in texts
+    # The icon is a static control of its own.
+    assert len(texts) == 2
+    question.control(ID_NO).click()
+    question.wait_closed()
+
+
+def test_answering_no_changes_nothing(program, data, status):
+    data.add_mib("one.mib", mib("one", 9991))
+    before = data.log_octets()
+    question = ask_to_delete(program, status)
+    question.control(ID_NO).click()
+    question.wait_closed()
+    program.settle()
+    assert data.log_octets() == before
+    assert (data.mibs / "one.mib").exists()
+
+
+def test_deletion_takes_mib_files_and_leaves_other_files_and_folders(program, data, status):
+    for name in ("a.MIB", "b.txt", "c.my", "d.xml"):
+        data.add_mib(name, mib("x", 9991))
+    (data.mibs / "folder").mkdir()
+    (data.mibs / "folder" / "inside.mib").write_bytes(b"")
+    (data.mibs / "folder.mib").mkdir()
+    before = len(data.log_messages())
+    delete_all(program, status)
+    assert new_messages(data, before) == ["All MIB files deleted.", MAPPINGS + "0"]
+    assert sorted(path.name for path in data.mibs.iterdir()) == ["d.xml", "folder", "folder.mib"]
+    assert (data.mibs / "folder" / "inside.mib").exists()
+    assert listed(status) == []
+    assert counts(status) == "Loaded MIB files: 0  |  OID mappings: 0"
+
+
+def test_deleting_from_an_empty_folder_still_logs(program, data, status):
+    before = len(data.log_messages())
+    delete_all(program, status)
+    assert new_messages(data, before) == ["All MIB files deleted.", MAPPINGS + "0"]
+
+
+def test_a_missing_folder_is_a_failed_deletion(program, data, status):
+    data.mibs.rmdir()
+    before = len(data.log_messages())
+    delete_all(program, status)
+    assert new_messages(data, before) == ["Delete MIBs failed.", MAPPINGS + "0"]
+
+
+def test_a_file_that_cannot_be_removed_stops_the_deletion_there(program, data, status, driver):
+    for number, name in enumerate(("a.mib", "b.mib", "c.mib")):
+        data.add_mib(name, mib(name[0], 9990 + number))
+    driver("hold_file", data.windows_path(data.mibs / "b.mib"))
+    before = len(data.log_messages())
+    try:
+        delete_all(program, status)
+        left = sorted(path.name for path in data.mibs.iterdir())
+    finally:
+        driver("release_files")
+    messages = new_messages(data, before)
+    assert messages[0] == "Delete MIBs failed."
+    assert messages[1].startswith(MAPPINGS)
+    # Wine lists a folder by name: what came before the held file is gone, the rest stays.
+    assert left == ["b.mib", "c.mib"]
+
+
+def test_the_status_window_goes_on_refreshing_behind_the_question(program, data, status):
+    question = ask_to_delete(program, status)
+    assert status.child(3).text == "Last trap:             (none)"
+    send_raw(message(integer_binding(1)))
+    data.wait_for_traps(1)
+    wait_until(lambda: status.child(3).text.endswith("s ago)"), "a refresh behind the question")
+    question.control(ID_NO).click()
+    question.wait_closed()
+
+
+def test_closing_the_main_window_over_an_open_question_ends_the_program_with_0(program, status):
+    ask_to_delete(program, status)
+    assert program.close() == 0
+
+
+def test_the_status_window_closed_behind_the_question_leaves_a_working_program(program, data, status):
+    data.add_mib("one.mib", mib("one", 9991))
+    ask_to_delete(program, status)
+    status.close()
+    status.wait_closed()
+    program.main.control(STATUS_BUTTON).click()
+    again = program.wait_for_window(STATUS.class_name)
+    assert listed(again) == ["one.mib"]
+    assert program.close() == 0

@@ -1,0 +1,228 @@
+"""The status window: each of its lines in each of its states, and its list of MIB files."""
+
+import re
+
+import pytest
+
+from harness.data_folder import config
+from harness.tool_windows import STATUS
+from harness.traps import LISTENER_PORT, LOOPBACK, TRAP_PORT, hold_port, send_raw, udp_socket
+from harness.waiting import wait_until
+
+SERVER, LISTENING, FORWARDING, LAST_TRAP, PATHS, COUNTS, _CAPTION, MIB_LIST = range(8)
+LABELS = (SERVER, LISTENING, FORWARDING, LAST_TRAP, PATHS, COUNTS)
+
+RUNNING_LINE = "Server:                  RUNNING"
+STOPPED_LINE = "Server:                  STOPPED"
+LISTENING_LINE = "Listening:              UDP 162 (traps)"
+WITH_161 = "  |  UDP 161 (snmp)"
+NO_TRAP_LINE = "Last trap:             (none)"
+
+LB_ERR = -1
+LB_SETCURSEL = 0x0186
+LB_GETCURSEL = 0x0188
+LB_SETTOPINDEX = 0x0197
+LB_GETTOPINDEX = 0x018E
+
+# What the refresh must stay below by far.
+PERIOD_MILLISECONDS = 700
+
+
+def label(window, index):
+    return window.child(index).text
+
+
+def wait_for_label(window, index, text):
+    window.child(index).wait_text(text)
+
+
+def counts_line(files, mappings):
+    return f"Loaded MIB files: {files}  |  OID mappings: {mappings}"
+
+
+def test_the_window_opens_with_every_line_filled(program, data):
+    window = STATUS.open(program)
+    assert [label(window, index) for index in LABELS] == [
+        RUNNING_LINE,
+        LISTENING_LINE + WITH_161,
+        "Forwarding:          OFF  ->  127.0.0.1:162",
+        NO_TRAP_LINE,
+        f"Data dir:              {data.windows_path()}\r\nMIB dir:               {data.windows_path()}\\mibs",
+        counts_line(0, 0),
+    ]
+    assert window.child(MIB_LIST).list_items() == []
+
+
+def test_the_lines_keep_their_runs_of_blanks(program):
+    window = STATUS.open(program)
+    blanks = {"Server:": 18, "Listening:": 14, "Forwarding:": 10, "Data dir:": 14, "Last trap:": 13}
+    for index, (word, count) in zip((SERVER, LISTENING, FORWARDING, PATHS, LAST_TRAP), blanks.items()):
+        assert re.match(f"{word} {{{count}}}[^ ]", label(window, index))
+    assert re.search(r"\r\nMIB dir: {15}[^ ]", label(window, PATHS))
+
+
+def test_stopping_shows_stopped_and_takes_161_away(program):
+    window = STATUS.open(program)
+    program.stop()
+    wait_for_label(window, SERVER, STOPPED_LINE)
+    wait_for_label(window, LISTENING, LISTENING_LINE)
+    program.start()
+    wait_for_label(window, SERVER, RUNNING_LINE)
+    wait_for_label(window, LISTENING, LISTENING_LINE + WITH_161)
+
+
+def test_161_is_shown_while_running_even_when_its_bind_failed(data, start):
+    with hold_port(LISTENER_PORT):
+        program = start().wait_running()
+        data.wait_for_log("Warning: bind failed on UDP 161 (SNMP). Continuing with 162 only.")
+        window = STATUS.open(program)
+        assert label(window, LISTENING) == LISTENING_LINE + WITH_161
+        program.stop()
+        wait_for_label(window, LISTENING, LISTENING_LINE)
+
+
+def test_a_failed_start_is_shown_as_stopped(data, start):
+    with hold_port(TRAP_PORT):
+        program = start()
+        data.wait_for_log("Bind failed on UDP 162 (Traps). Run as admin or free the port.")
+        window = STATUS.open(program)
+        assert label(window, SERVER) == STOPPED_LINE
+        assert label(window, LISTENING) == LISTENING_LINE
+
+
+@pytest.mark.parametrize(
+    "enabled, ip, port, line",
+    [
+        (0, "10.1.2.3", 8162, "Forwarding:          OFF  ->  10.1.2.3:8162"),
+        (1, "10.1.2.3", 65535, "Forwarding:          ON  ->  10.1.2.3:65535"),
+        (1, "", 1, "Forwarding:          ON  ->  :1"),
+    ],
+    ids=["off", "on", "empty_address"],
+)
+def test_the_forwarding_line_shows_the_target_in_both_states(data, start, enabled, ip, port, line):
+    data.write_config(config(enabled, ip, port))
+    window = STATUS.open(start().wait_running())
+    assert label(window, FORWARDING) == line
+
+
+def last_trap(window, port):
+    """The seconds that the last-trap line shows for a trap from this port, or None when it shows none."""
+    seen = re.fullmatch(rf"Last trap: {{13}}127\.0\.0\.1:{port}  \((\d+)s ago\)", label(window, LAST_TRAP))
+    return int(seen[1]) if seen else None
+
+
+def test_the_last_trap_line_shows_the_sender_with_its_port_and_counts_the_seconds(program):
+    window = STATUS.open(program)
+    assert label(window, LAST_TRAP) == NO_TRAP_LINE
+    with udp_socket() as udp:
+        port = udp.getsockname()[1]
+        udp.sendto(b"", (LOOPBACK, TRAP_PORT))
+        first = wait_until(lambda: label(window, LAST_TRAP) != NO_TRAP_LINE and [last_trap(window, port)], "a trap")
+        assert first == [0]
+        for seconds in (1, 2, 3):
+            wait_until(lambda: last_trap(window, port) == seconds, f"{seconds}s ago")
+
+
+def test_a_later_trap_shows_its_own_port_and_starts_at_0_again(program):
+    window = STATUS.open(program)
+    with udp_socket() as first, udp_socket() as second:
+        first.sendto(b"", (LOOPBACK, TRAP_PORT))
+        wait_until(lambda: last_trap(window, first.getsockname()[1]) == 1, "1s ago")
+        second.sendto(b"", (LOOPBACK, TRAP_PORT))
+        wait_until(lambda: last_trap(window, second.getsockname()[1]) == 0, "0s ago from the second sender")
+
+
+def test_the_last_trap_of_an_earlier_run_stays_after_a_restart(program, data):
+    with udp_socket() as udp:
+        port = udp.getsockname()[1]
+        udp.sendto(b"", (LOOPBACK, TRAP_PORT))
+        data.wait_for_traps(1)
+    program.stop()
+    window = STATUS.open(program)
+    assert last_trap(window, port) is not None
+    program.start()
+    wait_for_label(window, SERVER, RUNNING_LINE)
+    assert last_trap(window, port) is not None
+
+
+def test_a_datagram_on_161_is_no_last_trap(program, data):
+    window = STATUS.open(program)
+    data.wait_for_start()
+    send_raw(b"", LISTENER_PORT)
+    data.wait_for_log("Datagram on UDP 161 from 127.0.0.1.")
+    program.attach_spy()
+    wait_until(lambda: len(program.driver("spy_timers")) >= 2, "two refreshes")
+    assert label(window, LAST_TRAP) == NO_TRAP_LINE
+
+
+def test_the_list_holds_the_mib_files_sorted_by_code_unit_and_nothing_else(data, start):
+    for name in ("b.txt", "Z.mib", "a.MIB", "c.my", ".mib", "d.xml", "e", "f.mib.bak"):
+        data.add_mib(name, "")
+    (data.mibs / "folder.mib").mkdir()
+    window = STATUS.open(start().wait_running())
+    assert window.child(MIB_LIST).list_items() == [".mib", "Z.mib", "a.MIB", "b.txt", "c.my"]
+    assert label(window, COUNTS) == counts_line(5, 0)
+
+
+def test_files_are_listed_as_they_are_now_and_mappings_as_they_were_loaded(data, start):
+    data.add_mib("one.mib", "one OBJECT IDENTIFIER ::= { enterprises 1 }\ntwo OBJECT IDENTIFIER ::= { one 2 }\n")
+    window = STATUS.open(start().wait_running())
+    assert label(window, COUNTS) == counts_line(1, 2)
+    data.add_mib("other.mib", "three OBJECT IDENTIFIER ::= { enterprises 3 }\n")
+    wait_for_label(window, COUNTS, counts_line(2, 2))
+    assert window.child(MIB_LIST).list_items() == ["one.mib", "other.mib"]
+    (data.mibs / "one.mib").unlink()
+    wait_for_label(window, COUNTS, counts_line(1, 2))
+    assert window.child(MIB_LIST).list_items() == ["other.mib"]
+
+
+def test_a_missing_mibs_folder_gives_an_empty_list(program, data):
+    data.mibs.rmdir()
+    window = STATUS.open(program)
+    assert label(window, COUNTS) == counts_line(0, 0)
+    assert window.child(MIB_LIST).list_items() == []
+
+
+def test_a_refresh_takes_the_selection_and_goes_back_to_the_top(data, start):
+    for number in range(100):
+        data.add_mib(f"{number:03}.mib", "")
+    window = STATUS.open(start().wait_running())
+    files = window.child(MIB_LIST)
+    files.send(LB_SETCURSEL, 60)
+    files.send(LB_SETTOPINDEX, 60)
+    wait_until(lambda: files.send(LB_GETCURSEL) == LB_ERR, "the selection to be gone")
+    assert files.send(LB_GETTOPINDEX) == 0
+
+
+def test_a_second_click_touches_nothing_in_the_window(data, start):
+    for number in range(50):
+        data.add_mib(f"{number:03}.mib", "")
+    program = start().wait_running()
+    window = STATUS.open(program)
+    program.attach_spy()
+    # Right after a refresh there is most of a period until the next.
+    wait_until(lambda: program.driver("spy_timers"), "a refresh")
+    files = window.child(MIB_LIST)
+    files.send(LB_SETCURSEL, 20)
+    refreshes = len(program.driver("spy_timers"))
+    program.main.control(STATUS.button).click()
+    program.settle()
+    selected = files.send(LB_GETCURSEL)
+    if len(program.driver("spy_timers")) == refreshes:
+        assert selected == 20
+    else:
+        pytest.fail("the machine is too slow for this test: a refresh came in between")
+    assert program.find_windows(STATUS.class_name) == [window]
+
+
+def test_with_3000_files_the_program_answers_far_within_the_period(data, start):
+    data.mibs.mkdir(parents=True)
+    for number in range(3000):
+        (data.mibs / f"VENDOR-PRODUCT-{number:04}-MIB.txt").touch()
+    program = start().wait_running()
+    window = STATUS.open(program)
+    assert label(window, COUNTS) == counts_line(3000, 0)
+    longest = program.driver("longest_answer", window.handle, 3 * PERIOD_MILLISECONDS)
+    print(f"One refresh with 3,000 files held the program up for at most {longest / 1000:.1f} ms.")
+    assert longest < PERIOD_MILLISECONDS * 1000 / 2
+    assert len(window.child(MIB_LIST).list_items()) == 3000
