@@ -21,9 +21,9 @@ void LogDatagrams(UdpSocket& socket) {
 
 }  // namespace
 
-void ListenerThread(UdpSocketRef listenerSocket) try {
+void ListenerThread(UdpSocket& listenerSocket) try {
     LogMessage(L"Listener thread started (UDP 161).");
-    LogDatagrams(*listenerSocket);
+    LogDatagrams(listenerSocket);
     LogMessage(L"Listener thread stopped (UDP 161).");
 } catch (...) {
     // As in TrapThread: the thread ends, everything else goes on.

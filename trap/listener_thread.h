@@ -5,4 +5,4 @@
 
 // Body of the worker for UDP 161: logs datagrams until its socket is closed or the receiver stops. Throws
 // nothing.
-void ListenerThread(UdpSocketRef listenerSocket);
+void ListenerThread(UdpSocket& listenerSocket);

@@ -60,15 +60,18 @@ bool OpenSockets() {
     return true;
 }
 
+// Each worker holds its own references: whatever becomes of the fields, its sockets live as long as it does.
 bool StartTrapWorker() {
-    ServerState.trapThreadHandle = StartWorkerThread(
-        [trap = ServerState.trapSocket, forward = ServerState.forwardSocket] { TrapThread(trap, forward); });
+    ServerState.trapThreadHandle =
+        StartWorkerThread([trap = ServerState.trapSocket, forward = ServerState.forwardSocket] {
+            TrapThread(*trap, forward.get());
+        });
     return ServerState.trapThreadHandle != nullptr;
 }
 
 void StartListenerWorker() {
     ServerState.listenerThreadHandle =
-        StartWorkerThread([listener = ServerState.listenerSocket] { ListenerThread(listener); });
+        StartWorkerThread([listener = ServerState.listenerSocket] { ListenerThread(*listener); });
     if (!ServerState.listenerThreadHandle) {
         LogMessage(L"Failed to create UDP161 thread. Continuing.");
     }

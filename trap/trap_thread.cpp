@@ -64,9 +64,9 @@ void RecordTrap(const uint8_t* octets, size_t count, const Ipv4Endpoint& sender,
     ReleaseWhatGiantsLeft(count, workspace);
 }
 
-void TrapThread(UdpSocketRef trapSocket, UdpSocketRef forwardSocket) try {
+void TrapThread(UdpSocket& trapSocket, UdpSocket* forwardSocket) try {
     LogMessage(L"Trap thread started (UDP 162).");
-    ReceiveTraps(*trapSocket, forwardSocket.get());
+    ReceiveTraps(trapSocket, forwardSocket);
     LogMessage(L"Trap thread stopped.");
 } catch (...) {
     // Only memory or a lock that fails outside of a datagram's handling comes here; the thread ends, the

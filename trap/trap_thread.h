@@ -22,7 +22,7 @@ struct TrapWorkspace {
 void RecordTrap(const uint8_t* octets, size_t count, const Ipv4Endpoint& sender, UdpSocket* forwardSocket,
                 TrapWorkspace& workspace);
 
-// Body of the worker for UDP 162: records datagrams until its socket is closed or the receiver stops. The
-// sockets are its own references, so it can never serve a later run. Throws nothing: what goes wrong with one
-// datagram (memory ran out) costs that datagram and no other.
-void TrapThread(UdpSocketRef trapSocket, UdpSocketRef forwardSocket);
+// Body of the worker for UDP 162: records datagrams until its socket is closed or the receiver stops. It
+// knows no sockets but these, so it can never serve a later run; whoever starts it keeps them alive. Throws
+// nothing: what goes wrong with one datagram (memory ran out) costs that datagram and no other.
+void TrapThread(UdpSocket& trapSocket, UdpSocket* forwardSocket);

@@ -49,7 +49,7 @@ const Octets kUnreadable = {0x30, 0x80};
 Octets ListOf(const std::vector<Octets>& elements) {
     Octets content;
     for (const Octets& element : elements) {
-        content = Concatenate({content, element});
+        content.insert(content.end(), element.begin(), element.end());
     }
     return EncodeV2TrapWithListContent(content);
 }
