@@ -7,11 +7,12 @@ namespace {
 
 void AppendPadded(std::wstring& text, unsigned value, int width) {
     wchar_t digits[10];
-    wchar_t* position = digits + 10;
+    wchar_t* const end = digits + 10;
+    wchar_t* position = end;
     for (; width > 0 || value > 0; --width, value /= 10) {
         *--position = static_cast<wchar_t>(L'0' + value % 10);
     }
-    text.append(position, digits + 10);
+    text.append(position, static_cast<size_t>(end - position));
 }
 
 }  // namespace
@@ -39,10 +40,12 @@ std::wstring FormatTimestamp() {
     return stamp;
 }
 
-void LogMessage(std::wstring_view message) {
+void LogMessage(std::wstring_view message) noexcept try {
     std::wstring line;
     line.reserve(23 + 2 + message.size() + 2);
     AppendTimestamp(line, ReadLocalTime());
     line.append(L"  ").append(message).append(L"\r\n");
     AppendToFile(AppPaths.logFilePath, line);
+} catch (...) {
+    // There is no other log to report to.
 }

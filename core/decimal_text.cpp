@@ -31,13 +31,13 @@ bool SkippedBeforeNumber(wchar_t character) {
     return character != L'\u0085' && IsWideSpace(character);
 }
 
-ptrdiff_t CountDigits(uint64_t value) {
-    ptrdiff_t digits = 1;
-    while (value >= 10) {
+// The last digit stands before `end`; the place of the first one is returned.
+wchar_t* WriteDigitsBackwards(wchar_t* end, uint64_t value) {
+    do {
+        *--end = static_cast<wchar_t>(L'0' + value % 10);
         value /= 10;
-        ++digits;
-    }
-    return digits;
+    } while (value != 0);
+    return end;
 }
 
 }  // namespace
@@ -73,22 +73,17 @@ int32_t ParseDecimalInt(std::wstring_view text) {
     return static_cast<int32_t>(std::clamp(negative ? -value : value, kMin, kMax));
 }
 
-wchar_t* WriteDecimal(wchar_t* out, uint64_t value) {
-    // Most arcs of an identifier have one digit; this line alone takes a quarter off the decoding of a trap.
-    if (value < 10) {
-        *out = static_cast<wchar_t>(L'0' + value);
-        return out + 1;
-    }
-    wchar_t* const end = out + CountDigits(value);
-    for (wchar_t* position = end; position != out; value /= 10) {
-        *--position = static_cast<wchar_t>(L'0' + value % 10);
-    }
-    return end;
+wchar_t* WriteLongDecimal(wchar_t* out, uint64_t value) {
+    wchar_t digits[kMaxDecimalDigits];
+    wchar_t* const end = digits + kMaxDecimalDigits;
+    return std::copy(WriteDigitsBackwards(end, value), end, out);
 }
 
 void AppendDecimal(std::wstring& text, uint64_t value) {
     wchar_t digits[kMaxDecimalDigits];
-    text.append(digits, WriteDecimal(digits, value));
+    wchar_t* const end = digits + kMaxDecimalDigits;
+    const wchar_t* const first = WriteDigitsBackwards(end, value);
+    text.append(first, static_cast<size_t>(end - first));
 }
 
 void AppendSignedDecimal(std::wstring& text, int64_t value) {

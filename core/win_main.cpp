@@ -68,5 +68,7 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int showCommand) {
     RunMainWindow(instance, showCommand);
     StopSocketLibrary();
     DeleteUiResources();
-    return 0;
+    // Not by returning: that would destroy paths and locks under a worker that outlived its stop (a hung
+    // disk).
+    ExitProcess(0);
 }

@@ -13,8 +13,8 @@
 
 namespace {
 
-// From the last dot of the last component on. As the shell has it, a blank behind the dot makes it no extension,
-// and a name may be all extension.
+// From the last dot of the last component on. As the shell has it, a blank behind the dot makes it no
+// extension, and a name may be all extension.
 std::wstring_view FindExtension(std::wstring_view path) {
     const size_t last = path.find_last_of(L".\\ ");
     return last == std::wstring_view::npos || path[last] != L'.' ? std::wstring_view() : path.substr(last);

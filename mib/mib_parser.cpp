@@ -88,10 +88,11 @@ bool LineHolds(const MibScan<Char>& scan, MarkIndex mark) {
 
 template <typename Char>
 bool LineHolds(const MibScan<Char>& scan, char character) {
-    return scan.line.find(Char{character}) != scan.line.npos;
+    return scan.line.find(static_cast<Char>(character)) != scan.line.npos;
 }
 
-// The value that the line starts, with the lines that it goes on in joined by blanks; empty when it does not end.
+// The value that the line starts, with the lines that it goes on in joined by blanks; empty when it does not
+// end.
 template <typename Char>
 std::basic_string_view<Char> TakeStatement(MibScan<Char>& scan) {
     if (LineHolds(scan, '}')) {

@@ -14,7 +14,8 @@
 using MibText = std::variant<std::string, std::wstring>;
 
 // The whole file, as UTF-8 or else the ANSI code page; empty when it cannot be read or holds 2 GiB or more.
-// Kept: a byte-order mark stays in front as U+FEFF, and a UTF-16 file is read octet by octet and means nothing.
+// Kept: a byte-order mark stays in front as U+FEFF, and a UTF-16 file is read octet by octet and means
+// nothing.
 MibText ReadMibText(const std::wstring& path);
 
 // The same for octets that were read already.
@@ -36,8 +37,8 @@ std::string_view LeadingIdentifier(std::string_view line);
 // untouched: one is missing or the "}" comes first.
 bool FindBracedText(std::wstring_view statement, std::wstring_view* inner);
 
-// The short form "{ parent subId }". True: *parent is the last but one word in the braces, *subId the last one
-// as ParseDecimalInt reads it. False: no braces or fewer than two words (*parent empty, *subId -1), or a
+// The short form "{ parent subId }". True: *parent is the last but one word in the braces, *subId the last
+// one as ParseDecimalInt reads it. False: no braces or fewer than two words (*parent empty, *subId -1), or a
 // negative number.
 // Kept: words before those two are not looked at and a last word that is no number is 0, so that
 // { iso org(3) dod(6) internet(1) } is 0 below "dod(6)", a parent that never resolves.

@@ -59,8 +59,8 @@ size_t PlaceOf(const PendingRow* row) {
     return static_cast<size_t>(row - PendingDefinitions.Rows().data());
 }
 
-// The row of PendingDefinitions that was stored last. What is stored next mostly has the same parent (the columns
-// of a table), or that row's name as its parent or its name, which then need not be looked up.
+// The row of PendingDefinitions that was stored last. What is stored next mostly has the same parent (the
+// columns of a table), or that row's name as its parent or its name, which then need not be looked up.
 size_t LastStoredPlace = 0;
 
 const PendingRow* LastStoredRow() {
@@ -246,9 +246,10 @@ void StoreNamedOid(std::wstring_view name, std::wstring_view oid) {
     NameOidUnlessNamed(keptOid, keptName);
 }
 
-// What a name stands for is worked out once and its children build on it, so the time is linear however long the
-// chains are. Whether a name resolves depends on its distance to a name that was known before, not on what was
-// resolved first: otherwise a chain of n definitions could make identifiers of n arcs, n times n in all.
+// What a name stands for is worked out once and its children build on it, so the time is linear however long
+// the chains are. Whether a name resolves depends on its distance to a name that was known before, not on
+// what was resolved first: otherwise a chain of n definitions could make identifiers of n arcs, n times n in
+// all.
 void StoreResolvedDefinitions() {
     const auto& rows = PendingDefinitions.Rows();
     RowStates states(rows.size());

@@ -26,8 +26,8 @@ struct PendingDefinition {
 };
 
 // The tables are filled by a load on the GUI thread and only read in between. Keys are never empty.
-extern TextTable<PooledText> OidNameMap;                    // dotted text to name; the first name stays
-extern TextTable<PooledText> NameOidMap;                    // name to dotted text; the last one stays
+extern TextTable<PooledText> OidNameMap;                 // dotted text to name; the first name stays
+extern TextTable<PooledText> NameOidMap;                 // name to dotted text; the last one stays
 extern TextTable<PendingDefinition> PendingDefinitions;  // by name; the last one stays
 
 // Replaces `name` by the name stored for exactly this dotted identifier, or empties it. No prefix search: an
@@ -43,9 +43,9 @@ std::vector<int32_t> ParseOidText(std::wstring_view text);
 // The dotted text of the arcs, empty for none. A negative arc keeps its sign.
 std::wstring FormatOidText(const std::vector<int32_t>& arcs);
 
-// True: `arcs` is what `name` stands for. False, `arcs` untouched: the name, or a parent on its way to a known
-// one, is unknown, or the way takes more than 64 - `depth` steps, which is also what ends a circle.
-// A built-in name wins over a learnt identifier, and that over a pending definition. Callers start with depth
+// True: `arcs` is what `name` stands for. False, `arcs` untouched: the name, or a parent on its way to a
+// known one, is unknown, or the way takes more than 64 - `depth` steps, which is also what ends a circle. A
+// built-in name wins over a learnt identifier, and that over a pending definition. Callers start with depth
 // 0. Caller holds MibStoreLock.
 bool ResolveName(std::wstring_view name, std::vector<int32_t>& arcs, size_t depth = 0);
 
@@ -61,8 +61,8 @@ void StoreDefinition(std::wstring_view name, std::wstring_view parent, int32_t s
 // NameOidMap[name] := oid, and OidNameMap[oid] := name unless that identifier has a name.
 void StoreNamedOid(std::wstring_view name, std::wstring_view oid);
 
-// Resolves every pending definition into the other two tables; what does not resolve is left as it is. When two
-// names reach one identifier, the one defined first gives its name.
+// Resolves every pending definition into the other two tables; what does not resolve is left as it is. When
+// two names reach one identifier, the one defined first gives its name.
 void StoreResolvedDefinitions();
 
 // Empties the tables and gives their memory back.

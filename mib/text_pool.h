@@ -1,5 +1,6 @@
-// The texts of the MIB tables, each stored once. A name is wanted by up to three tables and a load stores some
-// hundred thousand of them, so the tables hold references of four octets instead of strings of their own.
+// The texts of the MIB tables, each stored once. A name is wanted by up to three tables and a load stores
+// some hundred thousand of them, so the tables hold references of four octets instead of strings of their
+// own.
 #pragma once
 
 #include <cstdint>

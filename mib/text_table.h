@@ -1,12 +1,13 @@
-// A hash table from text to a small value, made for tables that one load fills and that are only read from then
-// on: keys are references into the text pool, rows lie densely in the order in which their keys were first
-// stored, and what is probed is an array of row numbers beside the hashes. std::unordered_map would take three
+// A hash table from text to a small value, made for tables that one load fills and that are only read from
+// then on: keys are references into the text pool, rows lie densely in the order in which their keys were
+// first stored, and what is probed is an array of four octets a slot. std::unordered_map would take three
 // times the memory for its nodes and strings.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <new>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -41,9 +42,10 @@ class TextTable {
         if (slots_.empty()) {
             return nullptr;
         }
-        for (size_t place = FirstPlace(key.hash); slots_[place].row != kFree; place = NextPlace(place)) {
-            if (slots_[place].hash == key.hash && rows_[slots_[place].row].key.View() == key.text) {
-                return &rows_[slots_[place].row];
+        for (uint32_t place = key.hash & Mask(); slots_[place] != kFree; place = (place + 1) & Mask()) {
+            const uint32_t slot = slots_[place];
+            if (((slot ^ key.hash) & ~Mask()) == 0 && rows_[slot & Mask()].key.View() == key.text) {
+                return &rows_[slot & Mask()];
             }
         }
         return nullptr;
@@ -57,24 +59,13 @@ class TextTable {
             SetSlotCount(slots_.empty() ? kFirstSlotCount : slots_.size() * 2);
         }
         rows_.push_back({kept, value});
-        TakeSlot({static_cast<uint32_t>(rows_.size() - 1), key.hash});
+        TakeSlot(key.hash, rows_.size() - 1);
     }
 
     size_t Count() const { return rows_.size(); }
 
     // In the order in which the keys were first stored.
     const std::vector<Row>& Rows() const { return rows_; }
-
-    // Calls `visit` with the place in Rows() of each row, in the order of the hashes, which is no order that
-    // whoever chose the keys had in mind.
-    template <typename Visit>
-    void VisitByHash(Visit visit) const {
-        for (const Slot& slot : slots_) {
-            if (slot.row != kFree) {
-                visit(size_t{slot.row});
-            }
-        }
-    }
 
     // Gives back what was set aside for rows that did not come.
     void Trim() { rows_.shrink_to_fit(); }
@@ -83,35 +74,34 @@ class TextTable {
     void Clear() { *this = TextTable(); }
 
   private:
-    static constexpr uint32_t kFree = 0xFFFFFFFF;
     static constexpr size_t kFirstSlotCount = 16;  // counts are powers of two
+    static constexpr size_t kMaxSlotCount = size_t{1} << 31;
 
-    struct Slot {
-        uint32_t row = kFree;
-        uint32_t hash = 0;
-    };
+    // A slot holds the number of its row in the low bits, as many as number the slots, and above them the
+    // bits of the hash that do not choose the place. At most three quarters of the slots are taken, so no row
+    // has a number of all ones.
+    static constexpr uint32_t kFree = 0xFFFFFFFF;
 
-    size_t FirstPlace(uint32_t hash) const { return hash & (slots_.size() - 1); }
-    size_t NextPlace(size_t place) const { return (place + 1) & (slots_.size() - 1); }
+    uint32_t Mask() const { return static_cast<uint32_t>(slots_.size() - 1); }
 
-    void TakeSlot(const Slot& slot) {
-        size_t place = FirstPlace(slot.hash);
-        while (slots_[place].row != kFree) {
-            place = NextPlace(place);
+    void TakeSlot(uint32_t hash, size_t row) {
+        uint32_t place = hash & Mask();
+        while (slots_[place] != kFree) {
+            place = (place + 1) & Mask();
         }
-        slots_[place] = slot;
+        slots_[place] = (hash & ~Mask()) | static_cast<uint32_t>(row);
     }
 
     void SetSlotCount(size_t count) {
-        std::vector<Slot> old(count);
-        slots_.swap(old);
-        for (const Slot& slot : old) {
-            if (slot.row != kFree) {
-                TakeSlot(slot);
-            }
+        if (count > kMaxSlotCount) {
+            throw std::bad_alloc();
+        }
+        std::vector<uint32_t>(count, kFree).swap(slots_);
+        for (size_t row = 0; row < rows_.size(); ++row) {
+            TakeSlot(TextKey::HashText(rows_[row].key.View()), row);
         }
     }
 
     std::vector<Row> rows_;
-    std::vector<Slot> slots_;
+    std::vector<uint32_t> slots_;
 };

@@ -23,9 +23,10 @@ bool ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octe
 // The size in octets as the folder tells it, without opening the file; nothing when there is no such file.
 std::optional<uint64_t> QueryFileSize(const std::wstring& path);
 
-// Copies a file's content over `target`, whether that exists or not. False: something in the way; a target
-// that could not be replaced is unchanged.
+// Copies a file's content over `target`, whether that exists or not. The copy is never read-only: a file
+// taken from a read-only medium must not become one that can be neither replaced nor removed. False:
+// something is in the way; a target that could not be replaced is unchanged.
 bool CopyFileOver(const std::wstring& source, const std::wstring& target);
 
-// False: the file is missing or may not be removed.
+// True: no file stands there any more, whoever removed it. False: it may not be removed.
 bool RemoveFile(const std::wstring& path);

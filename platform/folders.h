@@ -17,7 +17,7 @@ void CreateFolderWithParents(const std::wstring& path);
 
 struct FolderEntry {
     std::wstring name;           // last component only
-    bool isRegularFile = false;  // a link counts as what it leads to
+    bool isRegularFile = false;  // a link to a file counts as one
 };
 
 // Calls `visit` for each entry but "." and "..", in the system's order, not descending. False: the folder

@@ -6,6 +6,7 @@
 #include <string_view>
 
 // Every octet string decodes; octets without a character of their own become some substitute, never an error.
+// 2 GiB and more decode to nothing: the system counts in 32 bits.
 // POSIX: Windows-1252, with its five holes as U+0081, U+008D, U+008F, U+0090 and U+009D.
 void DecodeAnsi(std::string_view octets, std::wstring& text);
 

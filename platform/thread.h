@@ -11,7 +11,8 @@ struct WorkerThreadCloser {
 };
 using WorkerThreadHandle = std::unique_ptr<WorkerThread, WorkerThreadCloser>;
 
-// Runs `body` on a new thread. Null: the system made no thread. `body` must not throw.
+// Runs `body` on a new thread. Null: the system made no thread. May throw std::bad_alloc before there is one.
+// `body` must not throw.
 WorkerThreadHandle StartWorkerThread(std::function<void()> body);
 
 // True: the thread has ended, and what it wrote is visible here. False: it still ran after `milliseconds`.

@@ -30,7 +30,7 @@ enum class ReceiveResult {
 bool StartSocketLibrary();
 void StopSocketLibrary();
 
-// A new, unbound socket; null when the system has none to give.
+// A new, unbound socket; null when the system has none to give or memory is short.
 UdpSocketRef OpenUdpSocket();
 
 // Binds to all addresses with address reuse set, so that a port just left can be taken again at once.

@@ -1,13 +1,18 @@
 #!/usr/bin/env bash
 # Names every Debian package that building, running and testing need, and installs what is missing.
-# Usage: scripts/packages.sh [build] [run] [test]. Asks nothing; as an ordinary user it goes through sudo.
+# Usage: scripts/packages.sh [build] [run] [test] [package] [picture]. Asks nothing; as an ordinary user it goes
+# through sudo.
 set -euo pipefail
 
-build_packages=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix)
+build_packages=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix libgtest-dev)
 # snmp sends the traps that run.sh shows, libsnmp-base brings the MIB files that name them; xwd (x11-apps) and
 # convert (imagemagick) take the pictures; ip and unshare make the private network; python3 runs the recipes.
 run_packages=(wine wine64 xvfb x11-apps imagemagick snmp libsnmp-base iproute2 util-linux python3)
-test_packages=(libgtest-dev libclang-rt-14-dev clang-14 clang-format git python3-pytest)
+test_packages=(libclang-rt-14-dev clang-14 clang-format git python3-pytest)
+
+# makensis (nsis) makes the installer, pandoc the guide's HTML; fonts-wine has the signs of the caption buttons.
+package_packages=(nsis pandoc zip unzip)
+picture_packages=(pngquant fonts-open-sans fonts-wine)
 
 wanted=()
 for purpose in "$@"; do

@@ -24,6 +24,8 @@ MakeTemplatePrefix() {
         export WINEPREFIX="$wine_folder/template.part"
         unset DISPLAY
         wine wineboot --init >/dev/null 2>&1
+        # A crashed program shall end, not wait for an answer in a dialog.
+        wine reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f >/dev/null 2>&1
         wineserver -w
         mv "$WINEPREFIX" "$wine_folder/template"
     ) 9>"$wine_folder/lock"

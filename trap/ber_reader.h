@@ -18,17 +18,17 @@ struct TlvHeader {
 
 // Reads the header at `position` inside [position, end).
 // True: *header is filled and its whole content lies inside the range; content that ends exactly at `end` is
-// fine. False, *header untouched: fewer than two octets left, an indefinite length (0x80), a long form of
-// more than four
-//   length octets, length octets cut off, or content running past `end`. Never looks at `end` or beyond.
+//   fine.
+// False, *header untouched: fewer than two octets left, an indefinite length (0x80), a long form of more than
+//   four length octets, length octets cut off, or content running past `end`.
+// Never looks at `end` or beyond.
 // Kept: lengths longer than necessary are accepted, since agents in the field send them.
 bool ReadTlvHeader(const uint8_t* position, const uint8_t* end, TlvHeader* header);
 
 // The octets as a big-endian two's complement number; no octets give 0. Callers print it signed or unsigned.
-// Kept: every multiple of eight octets is sign-extended by a shift of 0, so a negative number of eight octets
-// is
-//   always -1; only the last eight of more octets count; and an unsigned value that an agent sent without its
-//   leading zero octet is sign-extended too and prints near 18446744073709551615.
+// Kept: every multiple of eight octets is sign-extended by a shift of 0, so that a negative number of eight
+//   octets is always -1; of more than eight octets only the last eight count; and an unsigned value that an
+//   agent sent without its leading zero octet is sign-extended too and prints near 18446744073709551615.
 uint64_t DecodeBerInteger(const uint8_t* octets, size_t count);
 
 // Replaces `text` by the identifier in dotted decimal; no octets give empty text. Cannot fail.

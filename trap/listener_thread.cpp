@@ -21,10 +21,12 @@ void LogDatagrams(UdpSocket& socket) {
 
 }  // namespace
 
-void ListenerThread(UdpSocket& listenerSocket) try {
+void ListenerThread(UdpSocket& listenerSocket) {
     LogMessage(L"Listener thread started (UDP 161).");
-    LogDatagrams(listenerSocket);
+    try {
+        LogDatagrams(listenerSocket);
+    } catch (...) {
+        // As in TrapThread: this thread ends, everything else goes on.
+    }
     LogMessage(L"Listener thread stopped (UDP 161).");
-} catch (...) {
-    // As in TrapThread: the thread ends, everything else goes on.
 }

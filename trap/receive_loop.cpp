@@ -28,7 +28,9 @@ void ReceiveWhileRunning(UdpSocket& socket, uint8_t* buffer, size_t capacity, co
             case ReceiveResult::Closed:
                 return;
             case ReceiveResult::Failed:
-                SleepMilliseconds(kRetryDelay);
+                if (ServerState.running) {
+                    SleepMilliseconds(kRetryDelay);
+                }
                 break;
             case ReceiveResult::Datagram:
                 HandleGuarded(handle, size, sender);

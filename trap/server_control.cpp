@@ -1,5 +1,7 @@
 #include "trap/server_control.h"
 
+#include <new>
+
 #include "core/activity_log.h"
 #include "trap/listener_thread.h"
 #include "trap/server_state.h"
@@ -60,10 +62,20 @@ bool OpenSockets() {
     return true;
 }
 
+// No memory for a thread is no thread.
+template <typename Body>
+WorkerThreadHandle StartWorker(Body body) {
+    try {
+        return StartWorkerThread(body);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
 // Each worker holds its own references: whatever becomes of the fields, its sockets live as long as it does.
 bool StartTrapWorker() {
     ServerState.trapThreadHandle =
-        StartWorkerThread([trap = ServerState.trapSocket, forward = ServerState.forwardSocket] {
+        StartWorker([trap = ServerState.trapSocket, forward = ServerState.forwardSocket] {
             TrapThread(*trap, forward.get());
         });
     return ServerState.trapThreadHandle != nullptr;
@@ -71,7 +83,7 @@ bool StartTrapWorker() {
 
 void StartListenerWorker() {
     ServerState.listenerThreadHandle =
-        StartWorkerThread([listener = ServerState.listenerSocket] { ListenerThread(*listener); });
+        StartWorker([listener = ServerState.listenerSocket] { ListenerThread(*listener); });
     if (!ServerState.listenerThreadHandle) {
         LogMessage(L"Failed to create UDP161 thread. Continuing.");
     }

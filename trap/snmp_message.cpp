@@ -7,6 +7,9 @@
 #include "trap/ber_reader.h"
 #include "trap/ipv4_text.h"
 
+// Literals with a length: the compiler does not count wide characters ahead of time.
+using namespace std::string_view_literals;
+
 namespace {
 
 constexpr uint8_t kIntegerTag = 0x02;
@@ -75,40 +78,40 @@ void RenderValue(const TlvHeader& value, VarbindRecord& record) {
     record.value.clear();
     switch (value.tag) {
         case kIntegerTag:
-            record.type = L"INTEGER";
+            record.type = L"INTEGER"sv;
             AppendSignedDecimal(record.value,
                                 static_cast<int64_t>(DecodeBerInteger(value.content, value.size())));
             break;
         case kOctetStringTag:
-            record.type = L"OCTET STRING";
+            record.type = L"OCTET STRING"sv;
             RenderOctetString(value.content, value.size(), record.value);
             break;
         case kNullTag:
-            record.type = L"NULL";
-            record.value = L"NULL";
+            record.type = L"NULL"sv;
+            record.value = L"NULL"sv;
             break;
         case kOidTag:
-            record.type = L"OID";
+            record.type = L"OID"sv;
             DecodeOidText(value.content, value.size(), record.value);
             break;
         case kIpAddressTag:
-            record.type = L"IpAddress";
+            record.type = L"IpAddress"sv;
             RenderIpAddress(value.content, value.size(), record.value);
             break;
         case kCounter32Tag:
-            RenderUnsigned(value, L"Counter32", record);
+            RenderUnsigned(value, L"Counter32"sv, record);
             break;
         case kGauge32Tag:
-            RenderUnsigned(value, L"Gauge32", record);
+            RenderUnsigned(value, L"Gauge32"sv, record);
             break;
         case kTimeTicksTag:
-            RenderUnsigned(value, L"TimeTicks", record);
+            RenderUnsigned(value, L"TimeTicks"sv, record);
             break;
         case kCounter64Tag:
-            RenderUnsigned(value, L"Counter64", record);
+            RenderUnsigned(value, L"Counter64"sv, record);
             break;
         default:
-            record.type = L"TAG 0x";
+            record.type = L"TAG 0x"sv;
             AppendHexOctet(record.type, value.tag);
             RenderOctetString(value.content, value.size(), record.value);
             break;
@@ -128,7 +131,7 @@ void DecodeBinding(const TlvHeader& binding, VarbindList& records) {
     if (ReadTlvHeader(identifier.contentEnd, binding.contentEnd, &value)) {
         RenderValue(value, record);
     } else {
-        record.type = L"(no value)";
+        record.type = L"(no value)"sv;
         record.value.clear();
     }
 }
@@ -140,17 +143,15 @@ void RenderOctetString(const uint8_t* octets, size_t count, std::wstring& text) 
     const auto* end = octets + count;
     const auto printable = [](uint8_t octet) { return octet >= 32 && octet <= 126; };
     if (count > 0 && std::all_of(octets, end, printable)) {
-        text.reserve(text.size() + count + 2);
-        text.push_back(L'"');
-        std::for_each(octets, end, [&](uint8_t octet) { text.push_back(octet); });
-        text.push_back(L'"');
+        text.append(count + 2, L'"');
+        std::copy(octets, end, text.end() - static_cast<ptrdiff_t>(count + 1));
         return;
     }
-    text.append(L"0x");
+    text.append(L"0x"sv);
     std::for_each(octets, octets + std::min(count, kMaxHexOctets),
                   [&](uint8_t octet) { AppendHexOctet(text, octet); });
     if (count > kMaxHexOctets) {
-        text.append(L"...");
+        text.append(L"..."sv);
     }
 }
 

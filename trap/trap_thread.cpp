@@ -64,11 +64,13 @@ void RecordTrap(const uint8_t* octets, size_t count, const Ipv4Endpoint& sender,
     ReleaseWhatGiantsLeft(count, workspace);
 }
 
-void TrapThread(UdpSocket& trapSocket, UdpSocket* forwardSocket) try {
+void TrapThread(UdpSocket& trapSocket, UdpSocket* forwardSocket) {
     LogMessage(L"Trap thread started (UDP 162).");
-    ReceiveTraps(trapSocket, forwardSocket);
+    try {
+        ReceiveTraps(trapSocket, forwardSocket);
+    } catch (...) {
+        // There was no memory for the receive buffer: this thread ends, the process and the other thread go
+        // on.
+    }
     LogMessage(L"Trap thread stopped.");
-} catch (...) {
-    // Only memory or a lock that fails outside of a datagram's handling comes here; the thread ends, the
-    // process and the other thread go on.
 }

@@ -55,6 +55,8 @@ size_t SumLengths(const std::vector<std::wstring>& names) {
 // Kept: the list is refilled whole each time and so loses its selection and its place; what is shown is
 // always what the folder holds. Filled with redrawing off and into reserved storage, it does not flicker.
 void RefillMibList(const std::vector<std::wstring>& names) {
+    // As many names as before are drawn over each other; erasing first would be a white flash every time.
+    const bool erase = SendMessageW(MibListBox, LB_GETCOUNT, 0, 0) != static_cast<LRESULT>(names.size());
     SendMessageW(MibListBox, WM_SETREDRAW, FALSE, 0);
     SendMessageW(MibListBox, LB_RESETCONTENT, 0, 0);
     SendMessageW(MibListBox, LB_INITSTORAGE, names.size(),
@@ -63,7 +65,7 @@ void RefillMibList(const std::vector<std::wstring>& names) {
         SendMessageW(MibListBox, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name.c_str()));
     }
     SendMessageW(MibListBox, WM_SETREDRAW, TRUE, 0);
-    InvalidateRect(MibListBox, nullptr, TRUE);
+    InvalidateRect(MibListBox, nullptr, erase);
 }
 
 void ShowServerState() {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <utility>
 
 #include "core/activity_log.h"
 #include "core/app_paths.h"
@@ -120,9 +121,10 @@ void PollViewer(const ViewerKind& kind) {
         EmptyView(kind, size);
         return;
     }
-    const std::wstring added = ReadFileFrom(*kind.file, *kind.shownSize);
-    *kind.shownSize = size;
-    AppendToView(*kind.edit, added);
+    // Taken as shown even when memory does not suffice for it: trying again at every poll would hold the file
+    // lock, and with it the receiver, for nothing.
+    const uint64_t from = std::exchange(*kind.shownSize, size);
+    RunGuarded([&] { AppendToView(*kind.edit, ReadFileFrom(*kind.file, from)); });
 }
 
 // The log's own line about it lands in the emptied log.txt and is shown by the next poll.

@@ -103,5 +103,5 @@ bool CopyFileOver(const std::wstring& source, const std::wstring& target) {
 }
 
 bool RemoveFile(const std::wstring& path) {
-    return unlink(ToPosixPath(path).c_str()) == 0;
+    return unlink(ToPosixPath(path).c_str()) == 0 || errno == ENOENT;
 }

@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <mutex>
+#include <new>
 
 #include "platform/posix/scoped_descriptor.h"
 
@@ -46,14 +47,15 @@ ssize_t TryReceive(UdpSocket& socket, uint8_t* buffer, size_t capacity, sockaddr
     return got < 0 && errno == EAGAIN ? kNothingThere : got;
 }
 
-void WaitForDatagramOrClose(UdpSocket& socket) {
+// False: the system refused to wait.
+bool WaitForDatagramOrClose(UdpSocket& socket) {
     pollfd waits[2] = {{-1, POLLIN, 0}, {socket.closedEvent.get(), POLLIN, 0}};
     {
         const std::lock_guard lock(socket.lock);
         // A number that is closed after this and taken over by another file only wakes us for one look.
         waits[0].fd = socket.descriptor.get();
     }
-    poll(waits, 2, -1);
+    return poll(waits, 2, -1) >= 0 || errno == EINTR;
 }
 
 }  // namespace
@@ -64,13 +66,15 @@ bool StartSocketLibrary() {
 
 void StopSocketLibrary() {}
 
-UdpSocketRef OpenUdpSocket() {
+UdpSocketRef OpenUdpSocket() try {
     ScopedDescriptor descriptor(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, IPPROTO_UDP));
     ScopedDescriptor event(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
     if (!descriptor || !event) {
         return nullptr;
     }
     return std::make_shared<UdpSocket>(std::move(descriptor), std::move(event));
+} catch (const std::bad_alloc&) {
+    return nullptr;
 }
 
 bool BindToAllAddresses(UdpSocket& socket, uint16_t port) {
@@ -110,7 +114,9 @@ ReceiveResult ReceiveDatagram(UdpSocket& socket, uint8_t* buffer, size_t capacit
         if (got != kNothingThere) {
             return ReceiveResult::Failed;
         }
-        WaitForDatagramOrClose(socket);
+        if (!WaitForDatagramOrClose(socket)) {
+            return ReceiveResult::Failed;
+        }
     }
 }
 

@@ -96,7 +96,6 @@ bool CopyFileOver(const std::wstring& source, const std::wstring& target) {
     if (!CopyFileW(source.c_str(), target.c_str(), FALSE)) {
         return false;
     }
-    // A file taken from a read-only medium must not become one that can be neither replaced nor removed.
     const DWORD attributes = GetFileAttributesW(target.c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
         SetFileAttributesW(target.c_str(), attributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY));
@@ -105,5 +104,5 @@ bool CopyFileOver(const std::wstring& source, const std::wstring& target) {
 }
 
 bool RemoveFile(const std::wstring& path) {
-    return DeleteFileW(path.c_str()) != FALSE;
+    return DeleteFileW(path.c_str()) || GetLastError() == ERROR_FILE_NOT_FOUND;
 }

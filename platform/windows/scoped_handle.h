@@ -14,14 +14,18 @@ class ScopedHandle {
     ScopedHandle& operator=(ScopedHandle&&) = delete;
     ScopedHandle(const ScopedHandle&) = delete;
     ScopedHandle& operator=(const ScopedHandle&) = delete;
-    ~ScopedHandle() {
-        if (handle_ != nullptr) {
-            CloseHandle(handle_);
-        }
-    }
+    ~ScopedHandle() { Reset(nullptr); }
 
     HANDLE get() const { return handle_; }
     explicit operator bool() const { return handle_ != nullptr; }
+
+    // Closes what it owned and owns `handle` from here on.
+    void Reset(HANDLE handle) {
+        if (handle_ != nullptr) {
+            CloseHandle(handle_);
+        }
+        handle_ = handle;
+    }
 
   private:
     HANDLE handle_ = nullptr;

@@ -1,8 +1,14 @@
 #include "platform/text.h"
 
+#include <limits>
+
 #include "platform/windows/windows_headers.h"
 
 void DecodeAnsi(std::string_view octets, std::wstring& text) {
+    if (octets.size() > static_cast<size_t>(std::numeric_limits<int>::max())) {
+        text.clear();
+        return;
+    }
     const int size = static_cast<int>(octets.size());
     // An ANSI code page never gives more wide characters than it has octets.
     text.resize(octets.size());

@@ -5,7 +5,6 @@
 #include "platform/windows/scoped_handle.h"
 
 struct WorkerThread {
-    explicit WorkerThread(HANDLE thread) : handle(thread) {}
     ScopedHandle handle;
 };
 
@@ -27,12 +26,13 @@ void WorkerThreadCloser::operator()(WorkerThread* thread) const {
 
 WorkerThreadHandle StartWorkerThread(std::function<void()> body) {
     auto ownedBody = std::make_unique<ThreadBody>(std::move(body));
-    HANDLE handle = CreateThread(nullptr, 0, RunBody, ownedBody.get(), 0, nullptr);
-    if (handle == nullptr) {
+    WorkerThreadHandle worker(new WorkerThread);
+    worker->handle.Reset(CreateThread(nullptr, 0, RunBody, ownedBody.get(), 0, nullptr));
+    if (!worker->handle) {
         return nullptr;
     }
     static_cast<void>(ownedBody.release());  // the new thread owns it from here on
-    return WorkerThreadHandle(new WorkerThread(handle));
+    return worker;
 }
 
 bool WaitForWorkerThread(WorkerThread& thread, uint32_t milliseconds) {

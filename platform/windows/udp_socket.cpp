@@ -1,6 +1,7 @@
 #include "platform/udp_socket.h"
 
 #include <mutex>
+#include <new>
 #include <utility>
 
 #include "platform/windows/scoped_handle.h"
@@ -91,9 +92,10 @@ Attempt TryReceive(UdpSocket& socket, uint8_t* buffer, size_t capacity, size_t* 
     return SortReceiveError(error);
 }
 
-void WaitForDatagramOrClose(const UdpSocket& socket) {
+// False: the system refused to wait.
+bool WaitForDatagramOrClose(const UdpSocket& socket) {
     const HANDLE waits[] = {socket.closedEvent.get(), socket.arrivedEvent.get()};
-    WaitForMultipleObjects(2, waits, FALSE, INFINITE);
+    return WaitForMultipleObjects(2, waits, FALSE, INFINITE) != WAIT_FAILED;
 }
 
 }  // namespace
@@ -107,7 +109,7 @@ void StopSocketLibrary() {
     WSACleanup();
 }
 
-UdpSocketRef OpenUdpSocket() {
+UdpSocketRef OpenUdpSocket() try {
     ScopedSocket handle(socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP));
     if (!handle) {
         return nullptr;
@@ -115,6 +117,8 @@ UdpSocketRef OpenUdpSocket() {
     auto opened = std::make_shared<UdpSocket>(std::move(handle));
     const bool complete = opened->arrivedEvent && opened->closedEvent;
     return complete ? opened : nullptr;
+} catch (const std::bad_alloc&) {
+    return nullptr;
 }
 
 bool BindToAllAddresses(UdpSocket& socket, uint16_t port) {
@@ -158,7 +162,9 @@ ReceiveResult ReceiveDatagram(UdpSocket& socket, uint8_t* buffer, size_t capacit
             case Attempt::NothingThere:
                 break;
         }
-        WaitForDatagramOrClose(socket);
+        if (!WaitForDatagramOrClose(socket)) {
+            return ReceiveResult::Failed;
+        }
     }
 }
 

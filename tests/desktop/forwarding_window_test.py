@@ -151,7 +151,11 @@ def test_leaving_without_save_changes_nothing(data, start, leave):
     assert data.config.read_bytes() == config(0, "10.1.2.3", 8162)
     assert data.log_octets() == before
     again = FORWARDING.open(program)
-    assert (again.child(CHECK).checked, again.child(IP).text, again.child(PORT).text) == (False, "10.1.2.3", "8162")
+    assert (again.child(CHECK).checked, again.child(IP).text, again.child(PORT).text) == (
+        False,
+        "10.1.2.3",
+        "8162",
+    )
 
 
 def test_closing_the_main_window_over_unsaved_input_saves_the_former_settings(program, data):

@@ -71,9 +71,9 @@ def test_version_1_and_2c_with_the_same_bindings_give_the_same_lines(program, da
     data.wait_for_traps(1)
     send_v2c(*bindings)
     data.wait_for_traps(2)
-    assert data.masked_traps() == record(
-        *(f"---> [{i}] {line}" for i, line in enumerate(lines, 1))
-    ) + record(*V2C_HEAD, *(f"---> [{i}] {line}" for i, line in enumerate(lines, 3)))
+    assert data.masked_traps() == record(*(f"---> [{i}] {line}" for i, line in enumerate(lines, 1))) + record(
+        *V2C_HEAD, *(f"---> [{i}] {line}" for i, line in enumerate(lines, 3))
+    )
 
 
 def test_an_inform_is_recorded_like_a_trap_and_never_acknowledged(program, data):
@@ -223,7 +223,9 @@ def test_forwarding_that_is_off_sends_nothing(data, start, target):
         target.recv(65535)
 
 
-@pytest.mark.parametrize("address", [" 127.0.0.1", "127.0.0.1 ", "localhost", "::1", "", "127.1", "0127.0.0.1"])
+@pytest.mark.parametrize(
+    "address", [" 127.0.0.1", "127.0.0.1 ", "localhost", "::1", "", "127.1", "0127.0.0.1"]
+)
 def test_a_target_that_is_no_ipv4_address_is_passed_over_in_silence(data, start, target, address):
     data.write_config(config(1, address, target.getsockname()[1]))
     start().wait_running()

@@ -121,6 +121,7 @@ std::string AskSpy(HWND window, SpyQuestion question, UINT message) {
         .Add("class", ClassText(answer))
         .Add("colouring", ColouringText(answer))
         .Add("gdiObjects", JsonNumber(answer.gdiObjects))
+        .Add("kernelHandles", JsonNumber(answer.kernelHandles))
         .Text();
 }
 

@@ -13,7 +13,7 @@ inline constexpr wchar_t spyMessageName[] = L"QuillmontDesktopSpyQuestion";
 enum class SpyQuestion : uint32_t {
     window = 1,     // font and class of the window
     colouring = 2,  // what its parent answers to the WM_CTLCOLOR message in lParam
-    resources = 3,  // GDI objects of the program
+    resources = 3,  // GDI objects and kernel handles of the program
 };
 
 struct SpyBrush {
@@ -36,6 +36,7 @@ struct SpyAnswer {
     uint32_t backgroundColour;
     uint32_t textColour;
     uint32_t gdiObjects;
+    uint32_t kernelHandles;
 };
 
 struct SpyTimerEvent {

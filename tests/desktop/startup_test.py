@@ -148,7 +148,9 @@ def test_settings_are_loaded_at_start_and_saved_at_exit(data, start_idle, before
     assert NO_CONFIG not in data.log_messages()
 
 
-@pytest.mark.parametrize("content", [b"", b"\x1a" + config(1, "10.1.2.3", 99)], ids=["empty", "begins_with_1a"])
+@pytest.mark.parametrize(
+    "content", [b"", b"\x1a" + config(1, "10.1.2.3", 99)], ids=["empty", "begins_with_1a"]
+)
 def test_an_empty_settings_file_gives_the_defaults(data, start_idle, content):
     data.write_config(content)
     program = start_idle()

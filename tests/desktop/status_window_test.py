@@ -117,7 +117,9 @@ def test_the_last_trap_line_shows_the_sender_with_its_port_and_counts_the_second
     with udp_socket() as udp:
         port = udp.getsockname()[1]
         udp.sendto(b"", (LOOPBACK, TRAP_PORT))
-        first = wait_until(lambda: label(window, LAST_TRAP) != NO_TRAP_LINE and [last_trap(window, port)], "a trap")
+        first = wait_until(
+            lambda: label(window, LAST_TRAP) != NO_TRAP_LINE and [last_trap(window, port)], "a trap"
+        )
         assert first == [0]
         for seconds in (1, 2, 3):
             wait_until(lambda: last_trap(window, port) == seconds, f"{seconds}s ago")
@@ -165,7 +167,9 @@ def test_the_list_holds_the_mib_files_sorted_by_code_unit_and_nothing_else(data,
 
 
 def test_files_are_listed_as_they_are_now_and_mappings_as_they_were_loaded(data, start):
-    data.add_mib("one.mib", "one OBJECT IDENTIFIER ::= { enterprises 1 }\ntwo OBJECT IDENTIFIER ::= { one 2 }\n")
+    data.add_mib(
+        "one.mib", "one OBJECT IDENTIFIER ::= { enterprises 1 }\ntwo OBJECT IDENTIFIER ::= { one 2 }\n"
+    )
     window = STATUS.open(start().wait_running())
     assert label(window, COUNTS) == counts_line(1, 2)
     data.add_mib("other.mib", "three OBJECT IDENTIFIER ::= { enterprises 3 }\n")

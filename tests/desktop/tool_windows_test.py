@@ -141,7 +141,11 @@ def test_controls_keep_their_places_when_the_frame_is_resized(program, tool):
 
 
 def _intervals(program, window, timer):
-    ticks = [tick for handle, number, tick in program.driver("spy_timers") if (handle, number) == (window.handle, timer)]
+    ticks = [
+        tick
+        for handle, number, tick in program.driver("spy_timers")
+        if (handle, number) == (window.handle, timer)
+    ]
     return [after - before for before, after in zip(ticks, ticks[1:])]
 
 
@@ -173,22 +177,3 @@ def test_closing_the_main_window_takes_all_four_with_it_and_exits_with_0(program
         assert not window.exists
     assert data.config.read_bytes() == config()
     assert data.log_messages()[-2:] == ["Server stopped.", "Config saved."]
-
-
-def test_opening_and_closing_all_four_many_times_leaks_no_gdi_object(program):
-    program.attach_spy()
-
-    def open_and_close_all():
-        for tool in TOOL_WINDOWS:
-            window = tool.open(program)
-            window.close()
-            window.wait_closed()
-
-    open_and_close_all()
-    program.settle()
-    before = program.main.gdi_objects()
-    assert before > 0
-    for _ in range(10):
-        open_and_close_all()
-    program.settle()
-    assert program.main.gdi_objects() <= before + 4

@@ -68,7 +68,9 @@ def check_view_follows(view, text):
     assert all(after <= before + 1 for before, after in zip(places, places[1:]))
     assert sorted(set(places)) == list(range(len(order)))
     if len(shown) > len(order):
-        print(f"{len(shown) - len(order)} records arrived between size and reading and show twice, which is kept.")
+        print(
+            f"{len(shown) - len(order)} records arrived between size and reading and show twice, which is kept."
+        )
 
 
 def send_numbered(first, count, data, announced=None):

@@ -37,7 +37,9 @@ def config(enabled=0, ip="127.0.0.1", port=162, line_end=LINE_END):
 
 
 def local_application_data():
-    return Path(os.environ["WINEPREFIX"], "drive_c", "users", pwd.getpwuid(os.getuid()).pw_name, "AppData", "Local")
+    return Path(
+        os.environ["WINEPREFIX"], "drive_c", "users", pwd.getpwuid(os.getuid()).pw_name, "AppData", "Local"
+    )
 
 
 class DataFolder:
@@ -93,7 +95,11 @@ class DataFolder:
 
     def wait_for_start(self, count=1):
         """Waits until everything is in the log that `count` starts with both ports free write, whatever else is."""
-        last_lines = [b"Trap thread started (UDP 162).", b"Listener thread started (UDP 161).", b"Server started."]
+        last_lines = [
+            b"Trap thread started (UDP 162).",
+            b"Listener thread started (UDP 161).",
+            b"Server started.",
+        ]
         wait_until(
             lambda: all(self.log_octets().count(line + LINE_END) >= count for line in last_lines),
             lambda: f"start {count}, the log ends in {self.log_octets()[-500:]!r}",

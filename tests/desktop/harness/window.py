@@ -159,6 +159,9 @@ class Window:
     def gdi_objects(self):
         return self.driver("spy_resources", self.handle)["gdiObjects"]
 
+    def kernel_handles(self):
+        return self.driver("spy_resources", self.handle)["kernelHandles"]
+
 
 def describe_control(facts):
     """What a control table says of a control, from what is seen of it."""

@@ -1,0 +1,78 @@
+#include "bench/bench_messages.h"
+
+#include <string>
+
+namespace {
+
+constexpr size_t kLargestDatagram = 65507;
+
+Octets EncodeTimeTicks(uint64_t ticks) {
+    return EncodeUnsigned(ber::kTimeTicks, ticks);
+}
+
+// The binding number `place` of the interfaces that a trap tells of.
+Binding MakeInterfaceBinding(size_t place) {
+    const std::string instance = std::to_string(1000 + place / 7);
+    switch (place % 7) {
+        case 0:
+            return {"1.3.6.1.2.1.2.2.1.1." + instance, EncodeInteger(static_cast<int64_t>(1000 + place / 7))};
+        case 1:
+            return {"1.3.6.1.2.1.2.2.1.7." + instance, EncodeInteger(1)};
+        case 2:
+            return {"1.3.6.1.2.1.2.2.1.8." + instance, EncodeInteger(2)};
+        case 3:
+            return {"1.3.6.1.2.1.2.2.1.2." + instance, EncodeOctetString("GigabitEthernet1/0/24")};
+        case 4:
+            return {"1.3.6.1.2.1.2.2.1.10." + instance, EncodeUnsigned(ber::kCounter32, 3123456789U)};
+        case 5:
+            return {"1.3.6.1.2.1.31.1.1.1.6." + instance, EncodeUnsigned(ber::kCounter64, 1234567890123456U)};
+        default:
+            return {"1.3.6.1.2.1.4.20.1.1.10.20.30.40", EncodeIpAddress(10, 20, 30, 40)};
+    }
+}
+
+// A trap whose list is `unit` over and over, as often as a datagram has room for.
+Octets FillTrap(const Octets& unit) {
+    constexpr size_t kRoomForHeaders = 64;
+    Octets content;
+    while (content.size() + unit.size() + kRoomForHeaders <= kLargestDatagram) {
+        content.insert(content.end(), unit.begin(), unit.end());
+    }
+    return EncodeV2TrapWithListContent(content);
+}
+
+}  // namespace
+
+Octets MakeTrap(size_t bindings) {
+    std::vector<Binding> list{
+        {"1.3.6.1.2.1.1.3.0", EncodeTimeTicks(123456789)},
+        {"1.3.6.1.6.3.1.1.4.1.0", EncodeElement(ber::kOid, {0x2B, 6, 1, 6, 3, 1, 1, 5, 3})},
+    };
+    for (size_t place = 0; list.size() < bindings; ++place) {
+        list.push_back(MakeInterfaceBinding(place));
+    }
+    return EncodeV2Trap(list);
+}
+
+Octets MakeTrapOfTinyBindings() {
+    return FillTrap(EncodeSequence({EncodeElement(ber::kOid, {})}));
+}
+
+Octets MakeTrapWithGiantIdentifier() {
+    return EncodeV2TrapWithListContent(
+        EncodeSequence({EncodeElement(ber::kOid, Octets(65000, 0x7F)), EncodeNull()}));
+}
+
+Octets MakeTrapWithGiantText() {
+    return EncodeV2TrapWithListContent(
+        EncodeSequence({EncodeElement(ber::kOid, {0x2B, 6}), EncodeOctetString(std::string(65000, 'x'))}));
+}
+
+Octets MakeTrapOfTenOctetArcs() {
+    Octets arcs{0x2B};
+    for (int arc = 0; arc < 12; ++arc) {
+        arcs.insert(arcs.end(), 9, 0xFF);
+        arcs.push_back(0x7F);
+    }
+    return FillTrap(EncodeSequence({EncodeElement(ber::kOid, arcs), EncodeElement(ber::kOid, arcs)}));
+}

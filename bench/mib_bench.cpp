@@ -1,0 +1,78 @@
+// Learning names: the scanner alone on one text, the load of a folder of files, and the resolving of deferred
+// definitions as their number grows. "bytes" are those of the MIB text; of the resolving, "items" are
+// definitions.
+#include <benchmark/benchmark.h>
+
+#include <filesystem>
+#include <fstream>
+#include <mutex>
+#include <string>
+
+#include "bench/mib_samples.h"
+#include "bench/scratch_data.h"
+#include "mib/mib_folder.h"
+#include "mib/mib_parser.h"
+#include "mib/name_store.h"
+
+namespace {
+
+constexpr size_t kDefinitionsOfFile = 100;
+
+void BM_ParseMibText(benchmark::State& state) {
+    const std::string text = MakeMibText(1, 20 * kDefinitionsOfFile);
+    for (auto unused : state) {
+        const std::lock_guard lock(MibStoreLock);
+        ClearNameStore();
+        ParseMibText(text);
+    }
+    EmptyNameStore();
+    state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(text.size()));
+}
+BENCHMARK(BM_ParseMibText)->Unit(benchmark::kMicrosecond);
+
+void BM_LoadMibFolder(benchmark::State& state) {
+    const ScratchData data;
+    size_t octets = 0;
+    for (size_t number = 0; number < static_cast<size_t>(state.range(0)); ++number) {
+        const std::string text = MakeMibText(number, kDefinitionsOfFile);
+        std::ofstream(data.mibsFolder() + "/sample" + std::to_string(number) + ".mib") << text;
+        octets += text.size();
+    }
+    for (auto unused : state) {
+        LoadMibFolder();
+    }
+    EmptyNameStore();
+    state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(octets));
+}
+BENCHMARK(BM_LoadMibFolder)->Arg(10)->Arg(100)->Arg(1000)->Unit(benchmark::kMillisecond);
+
+// A tree as MIB files make it: twenty definitions below each parent, stored before their parent is known.
+void StoreDeferredDefinitions(size_t count) {
+    constexpr size_t kChildren = 20;
+    for (size_t place = count; place-- > 0;) {
+        const std::wstring parent = place == 0 ? std::wstring(L"enterprises")
+                                               : L"sampleObject" + std::to_wstring((place - 1) / kChildren);
+        StoreDefinition(L"sampleObject" + std::to_wstring(place), parent,
+                        static_cast<int32_t>(place % kChildren));
+    }
+}
+
+void BM_ResolveNames(benchmark::State& state) {
+    const auto count = static_cast<size_t>(state.range(0));
+    for (auto unused : state) {
+        state.PauseTiming();
+        const std::lock_guard lock(MibStoreLock);
+        ClearNameStore();
+        StoreDeferredDefinitions(count);
+        state.ResumeTiming();
+        StoreResolvedDefinitions();
+    }
+    EmptyNameStore();
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+    state.SetComplexityN(state.range(0));
+}
+BENCHMARK(BM_ResolveNames)->Arg(10000)->Arg(100000)->Arg(500000)->Unit(benchmark::kMillisecond)->Complexity();
+
+}  // namespace
+
+BENCHMARK_MAIN();

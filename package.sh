@@ -1,0 +1,11 @@
+#!/usr/bin/env bash
+# Builds the program and makes the packages that people download, in dist/: the zip, the installer and SHA256SUMS.
+# A fresh Debian 12 machine needs nothing beforehand. Two runs give the same octets.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")"
+
+scripts/packages.sh build package
+scripts/build.sh windows Quillmont
+packaging/make_packages.sh build/windows/Quillmont.exe "$(packaging/read_version.sh)" dist
+echo "In dist/:"
+cat dist/SHA256SUMS

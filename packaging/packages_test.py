@@ -1,0 +1,301 @@
+"""What people download, tried as they would: unpacked, installed, upgraded while it runs, uninstalled.
+
+Runs where run_on_private_desktop.sh put it. QUILLMONT_PACKAGES names the folder with the packages, QUILLMONT_DRIVER
+the driver of the desktop tests.
+"""
+
+import hashlib
+import os
+import re
+import shutil
+import subprocess
+import sys
+import zipfile
+from pathlib import Path
+
+import pytest
+
+ROOT = Path(__file__).resolve().parent.parent
+sys.path.insert(0, str(ROOT / "tests" / "desktop"))
+
+from harness import traps  # noqa: E402
+from harness.data_folder import DataFolder  # noqa: E402
+from harness.driver import Driver  # noqa: E402
+from harness.program import Program  # noqa: E402
+from harness.waiting import wait_until  # noqa: E402
+
+VERSION = re.search(r"^project\(Quillmont VERSION ([0-9.]+)", (ROOT / "CMakeLists.txt").read_text(), re.M)[1]
+CONTENT = ["CHANGELOG.txt", "Quillmont.exe", "user-guide.html"]
+
+UNINSTALL_KEY = r"HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Quillmont"
+RUN_KEY = r"HKLM\Software\Microsoft\Windows\CurrentVersion\Run"
+RUN_COMMAND = r'"C:\Program Files\Quillmont\Quillmont.exe"'
+INSTALLED_WORD = "0x1"
+
+MEM_TOTAL_REAL = "1.3.6.1.4.1.2021.4.5"
+
+
+def package(suffix):
+    return Path(os.environ["QUILLMONT_PACKAGES"], f"Quillmont-{VERSION}-{suffix}")
+
+
+def drive():
+    return Path(os.environ["WINEPREFIX"], "drive_c")
+
+
+def run_wine(*command):
+    """The exit code. No pipes: what a command leaves running would hold them open."""
+    return subprocess.run(
+        ["wine", *command], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=120, check=False
+    ).returncode
+
+
+def ask_wine(*command):
+    return subprocess.run(["wine", *command], capture_output=True, text=True, timeout=120, check=False).stdout
+
+
+def running_programs():
+    """The command lines of all Quillmonts that run on this private desktop."""
+    lines = []
+    for process in Path("/proc").glob("[0-9]*"):
+        try:
+            lines.append((process / "cmdline").read_bytes().rstrip(b"\0").decode())
+        except OSError:
+            pass  # it has just ended
+    return [line for line in lines if line.endswith("\\Quillmont.exe")]
+
+
+def registry_value(key, name):
+    """The value as `reg` prints it; None when there is none."""
+    found = re.search(rf"^\s+{re.escape(name)}\s+REG_\w+\s+(.*?)\s*$", ask_wine("reg", "query", key), re.M)
+    return found and found[1]
+
+
+class Installation:
+    folder = property(lambda self: drive() / "Program Files" / "Quillmont")
+    program = property(lambda self: self.folder / "Quillmont.exe")
+    notes = property(lambda self: self.folder / "setup-notes.txt")
+    menu = property(
+        lambda self: drive() / "ProgramData/Microsoft/Windows/Start Menu/Programs" / "Quillmont PRO"
+    )
+
+    def install(self, *switches):
+        """The exit code of the installer in silent mode."""
+        return run_wine("Z:" + str(package("setup.exe")), "/S", *switches)
+
+    def uninstall(self, *switches):
+        """The uninstaller goes on as a copy of itself, which removes what was started: wait for that."""
+        run_wine(r"C:\Program Files\Quillmont\uninstall.exe", "/S", *switches)
+        wait_until(lambda: not self.folder.exists(), "the program's folder to be gone")
+
+    def is_gone(self):
+        """Whether nothing in the folders of all users and in the registry speaks of it."""
+        assert run_wine("reg", "export", r"HKLM\Software", r"C:\machine.reg", "/y") == 0
+        exported = (drive() / "machine.reg").read_bytes().decode("utf-16", "replace")
+        return not self.folder.exists() and not self.menu.exists() and "quillmont" not in exported.lower()
+
+
+@pytest.fixture(scope="module")
+def driver():
+    driver = Driver(os.environ["QUILLMONT_DRIVER"])
+    yield driver
+    driver.close()
+
+
+@pytest.fixture
+def data():
+    data = DataFolder()
+    data.remove()
+    return data
+
+
+@pytest.fixture
+def installation():
+    installation = Installation()
+    yield installation
+    if installation.folder.exists():
+        installation.uninstall()
+
+
+@pytest.fixture
+def start(driver, monkeypatch):
+    """A function that starts the program at a path; whatever it started is gone after the test."""
+    started = []
+
+    def start_program(path):
+        monkeypatch.setenv("QUILLMONT_EXE", str(path))
+        started.append(Program(driver))
+        return started[-1].wait_running()
+
+    yield start_program
+    for program in started:
+        program.end()
+
+
+def check_that_it_records(data):
+    data.wait_for_start()
+    traps.send_v2c(MEM_TOTAL_REAL, "i", "8029184")
+    data.wait_for_traps(1)
+    assert b"] 1.3.6.1.4.1.2021.4.5  INTEGER = 8029184" in data.trap_octets()
+
+
+def test_the_checksums_are_those_of_the_packages():
+    lines = Path(os.environ["QUILLMONT_PACKAGES"], "SHA256SUMS").read_text().splitlines()
+    named = dict(reversed(line.split("  ")) for line in lines)
+    assert sorted(named) == [package(suffix).name for suffix in ("setup.exe", "windows-x64.zip")]
+    for name, digest in named.items():
+        assert hashlib.sha256((package("setup.exe").parent / name).read_bytes()).hexdigest() == digest
+
+
+def test_the_guide_in_the_zip_is_one_file():
+    with zipfile.ZipFile(package("windows-x64.zip")) as archive:
+        assert sorted(archive.namelist()) == CONTENT
+        guide = archive.read("user-guide.html").decode()
+    assert f"version {VERSION}" in guide
+    pictures = re.findall(r"""<(?:img|link|script)[^>]*?(?:src|href)=["']([^"']{0,30})""", guide)
+    assert pictures
+    assert all(picture.startswith("data:") for picture in pictures), pictures
+
+
+def test_the_change_log_begins_with_this_version():
+    assert re.search(r"^## ([0-9.]+)", (ROOT / "CHANGELOG.md").read_text(), re.M)[1] == VERSION
+
+
+def test_the_zip_runs_from_a_folder_with_a_blank_and_an_umlaut(data, start):
+    folder = drive() / "M\u00fcller \u00fc Traps"
+    with zipfile.ZipFile(package("windows-x64.zip")) as archive:
+        archive.extractall(folder)
+    program = start(folder / "Quillmont.exe")
+    check_that_it_records(data)
+    assert program.close() == 0
+    shutil.rmtree(folder)
+    assert data.config.exists()
+
+
+def test_installing_puts_everything_in_place(installation):
+    assert installation.install() == 0
+    assert sorted(entry.name for entry in installation.folder.iterdir()) == sorted([*CONTENT, "uninstall.exe"])
+    assert sorted(entry.name for entry in installation.menu.iterdir()) == ["Quillmont PRO.lnk", "User guide.lnk"]
+    assert registry_value(UNINSTALL_KEY, "DisplayName") == "Quillmont PRO"
+    assert registry_value(UNINSTALL_KEY, "DisplayVersion") == VERSION
+    assert registry_value(UNINSTALL_KEY, "FirewallRule") == INSTALLED_WORD
+    assert registry_value(RUN_KEY, "Quillmont") == RUN_COMMAND
+
+
+def test_the_installed_program_records(data, installation, start):
+    installation.install()
+    program = start(installation.program)
+    check_that_it_records(data)
+    assert program.close() == 0
+
+
+def test_an_upgrade_closes_the_program_through_its_window_and_starts_it_again(data, installation, start):
+    installation.install()
+    new_octets = installation.program.read_bytes()
+    with installation.program.open("ab") as file:
+        file.write(b"an older version")
+    old = start(installation.program)
+    data.wait_for_start()
+    assert installation.install() == 0
+    assert old.wait_for_exit() == 0
+    assert data.log_messages().count("Config saved.") == 1
+    assert installation.program.read_bytes() == new_octets
+    data.wait_for_start(2)
+    assert len(running_programs()) == 1
+    installation.uninstall()
+    assert data.log_messages().count("Server stopped.") == 2
+    assert not running_programs()
+
+
+def test_a_silent_installation_starts_nothing_that_did_not_run(data, installation):
+    installation.install()
+    assert not running_programs()
+    assert not data.folder.exists()
+
+
+def test_what_is_declined_is_not_installed_and_stays_declined(installation):
+    installation.install("/AUTOSTART=no", "/FIREWALL=no")
+    for _ in range(2):
+        assert registry_value(RUN_KEY, "Quillmont") is None
+        assert registry_value(UNINSTALL_KEY, "FirewallRule") == "0x0"
+        installation.install()
+
+
+def test_what_is_declined_later_goes_away(installation):
+    installation.install()
+    installation.install("/AUTOSTART=no", "/FIREWALL=no")
+    assert registry_value(RUN_KEY, "Quillmont") is None
+    assert registry_value(UNINSTALL_KEY, "FirewallRule") == "0x0"
+    installation.install("/AUTOSTART=yes", "/FIREWALL=yes")
+    assert registry_value(RUN_KEY, "Quillmont") == RUN_COMMAND
+    assert registry_value(UNINSTALL_KEY, "FirewallRule") == INSTALLED_WORD
+
+
+def test_a_firewall_that_cannot_be_changed_is_reported_and_breaks_nothing(installation):
+    netsh = drive() / "windows" / "system32" / "netsh.exe"
+    octets = netsh.read_bytes()
+    netsh.unlink()
+    try:
+        assert installation.install() == 0
+    finally:
+        netsh.write_bytes(octets)
+    assert "The firewall rule could not be added" in installation.notes.read_text()
+    assert installation.program.exists()
+    assert registry_value(UNINSTALL_KEY, "FirewallRule") is None
+    # The next attempt tries it again without being told to.
+    installation.install()
+    assert registry_value(UNINSTALL_KEY, "FirewallRule") == INSTALLED_WORD
+    assert not installation.notes.exists()
+
+
+def test_the_installer_tells_when_windows_own_trap_service_runs(installation):
+    # Any driver will do as the service: what counts is that one of this name runs.
+    image = r"C:\windows\system32\drivers\ksecdd.sys"
+    assert run_wine("sc", "create", "SNMPTRAP", "type=", "kernel", "binPath=", image) == 0
+    assert run_wine("net", "start", "SNMPTRAP") == 0
+    assert installation.install() == 0
+    assert "sc stop SNMPTRAP" in installation.notes.read_text()
+    run_wine("net", "stop", "SNMPTRAP")
+    run_wine("sc", "delete", "SNMPTRAP")
+
+
+def test_a_program_that_cannot_be_replaced_is_left_alone(driver, installation):
+    """Somebody else's session runs it: its window cannot be reached, its file cannot be written."""
+    installation.install()
+    before = installation.program.read_bytes()
+    driver("hold_file", r"C:\Program Files\Quillmont\Quillmont.exe")
+    try:
+        assert installation.install() == 2
+    finally:
+        driver("release_files")
+    assert installation.program.read_bytes() == before
+
+
+def test_uninstalling_leaves_no_trace_but_the_operators_files(data, installation, start):
+    installation.install()
+    program = start(installation.program)
+    check_that_it_records(data)
+    data.add_mib("MY-MIB.txt", b"")
+    installation.uninstall()
+    assert program.wait_for_exit() == 0
+    assert installation.is_gone()
+    assert sorted(entry.name for entry in data.folder.iterdir()) == ["SNMP.txt", "config.xml", "log.txt", "mibs"]
+    assert (data.mibs / "MY-MIB.txt").exists()
+
+
+def test_uninstalling_leaves_what_others_put_into_the_folder(installation):
+    installation.install()
+    (installation.folder / "mine.txt").write_text("mine")
+    run_wine(r"C:\Program Files\Quillmont\uninstall.exe", "/S")
+    wait_until(lambda: not installation.program.exists(), "the program to be gone")
+    wait_until(lambda: [e.name for e in installation.folder.iterdir()] == ["mine.txt"], "all but mine to be gone")
+    shutil.rmtree(installation.folder)
+
+
+def test_uninstalling_takes_the_operators_files_when_told_to(data, installation, start):
+    installation.install()
+    start(installation.program).close()
+    assert data.config.exists()
+    installation.uninstall("/DELETEDATA=yes")
+    wait_until(lambda: not data.folder.exists(), "the data folder to be gone")
+    assert installation.is_gone()

@@ -1,0 +1,25 @@
+#!/usr/bin/env bash
+# Makes the packages of a built program twice, compares them octet for octet, and tries them under Wine.
+# Usage: packaging/test_packages.sh QUILLMONT.EXE DRIVER.EXE
+set -euo pipefail
+
+program="$(realpath "$1")"
+QUILLMONT_DRIVER="$(realpath "$2")"
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+folder="$(mktemp -d)"
+trap 'rm -rf "$folder"' EXIT
+version="$(packaging/read_version.sh)"
+
+packaging/make_packages.sh "$program" "$version" "$folder/first"
+# As another user elsewhere would: other clock, other language, other place, other rights.
+cp "$program" "$folder/copy.exe"
+(
+    umask 077
+    TZ=Asia/Tokyo LANG=de_DE.UTF-8 packaging/make_packages.sh "$folder/copy.exe" "$version" "$folder/other/second"
+)
+diff --recursive "$folder/first" "$folder/other/second"
+
+export QUILLMONT_DRIVER QUILLMONT_PACKAGES="$folder/first"
+tests/support/run_on_private_desktop.sh \
+    /usr/bin/python3 -B -m pytest -q -p no:cacheprovider packaging/packages_test.py

@@ -1,0 +1,182 @@
+"""Takes the pictures of docs/pictures/ on the virtual display that make_pictures.sh has prepared.
+
+Stands on the harness of the desktop tests. Every picture shows what the program really did with traps that snmptrap
+really sent; only the places of the windows are arranged.
+"""
+
+import os
+import shutil
+import subprocess
+import sys
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+sys.path.insert(0, str(ROOT / "tests" / "desktop"))
+
+from harness import program as quillmont  # noqa: E402
+from harness import traps  # noqa: E402
+from harness.data_folder import DataFolder  # noqa: E402
+from harness.driver import Driver  # noqa: E402
+from harness.waiting import wait_until  # noqa: E402
+
+BUILD = ROOT / "build" / "windows"
+PICTURES = ROOT / "docs" / "pictures"
+COLOURS = "64"  # enough for text with smoothed edges
+
+MIB_SAMPLES = Path("/usr/share/snmp/mibs")
+SAMPLES = [
+    "NET-SNMP-AGENT-MIB.txt",
+    "NET-SNMP-EXAMPLES-MIB.txt",
+    "NET-SNMP-MIB.txt",
+    "UCD-DISKIO-MIB.txt",
+    "UCD-SNMP-MIB.txt",
+]
+
+# Identifiers of UCD-SNMP-MIB and NET-SNMP-EXAMPLES-MIB, without an instance: a name needs exactly its identifier.
+MEM_TOTAL_REAL = "1.3.6.1.4.1.2021.4.5"
+MEM_AVAIL_REAL = "1.3.6.1.4.1.2021.4.6"
+MEM_TOTAL_FREE = "1.3.6.1.4.1.2021.4.11"
+MEM_SWAP_ERROR = "1.3.6.1.4.1.2021.4.101"
+HEARTBEAT_RATE = "1.3.6.1.4.1.8072.2.3.2.1"
+HEARTBEAT_NAME = "1.3.6.1.4.1.8072.2.3.2.2"
+# Instances of table columns, which no definition names.
+IF_INDEX = "1.3.6.1.2.1.2.2.1.1.3"
+IF_DESCRIPTION = "1.3.6.1.2.1.2.2.1.2.3"
+IF_PHYSICAL_ADDRESS = "1.3.6.1.2.1.2.2.1.6.3"
+
+DIALOG_CLASS = "#32770"
+ANSWER_NO = 7
+
+
+def send_traps(data):
+    traps.send_v2c(HEARTBEAT_RATE, "i", "30", HEARTBEAT_NAME, "s", "backup-server")
+    traps.send_v1(MEM_TOTAL_REAL, "i", "8029184", MEM_AVAIL_REAL, "i", "1204")
+    traps.send_v2c(
+        IF_INDEX,
+        "i",
+        "3",
+        IF_DESCRIPTION,
+        "s",
+        "GigabitEthernet0/3",
+        IF_PHYSICAL_ADDRESS,
+        "x",
+        "00 1b 21 3c 9d f8",
+    )
+    traps.send_v2c(MEM_TOTAL_FREE, "i", "1204", MEM_SWAP_ERROR, "s", "Running out of swap space (1204)")
+    traps.send_raw(b"not an SNMP message")
+    data.wait_for_traps(5)
+
+
+def screen():
+    return subprocess.run(["xwd", "-root", "-silent"], check=True, capture_output=True).stdout
+
+
+def still_screen():
+    """The display, once two looks in a row show the same."""
+    seen = [None]
+
+    def is_still():
+        last, seen[0] = seen[0], screen()
+        return seen[0] == last
+
+    wait_until(is_still, "the windows to be painted")
+    return seen[0]
+
+
+def pipe(octets, *command):
+    return subprocess.run(command, input=octets, check=True, capture_output=True).stdout
+
+
+def save(name, windows, left, top, right, bottom):
+    """Saves a part of the display in which the windows stand. Few colours and no text chunks: the file is small, and
+    the same windows give the same file."""
+    for window in windows:
+        window.repaint()
+    crop = f"{right - left}x{bottom - top}+{left}+{top}"
+    picture = pipe(still_screen(), "convert", "xwd:-", "-crop", crop, "+repage", "png24:-")
+    picture = pipe(picture, "pngquant", "--nofs", "--strip", "--speed", "1", COLOURS, "-")
+    (PICTURES / f"{name}.png").write_bytes(picture)
+    print(f"docs/pictures/{name}.png: {len(picture)} octets", flush=True)
+
+
+def save_window(window, name):
+    save(name, [window], *window.facts.rect)
+
+
+def open_at(program, button, class_name, x, y):
+    window = program.open(button, class_name)
+    window.move(x, y)
+    return window
+
+
+def close(window):
+    window.close()
+    window.wait_closed()
+
+
+def take_tool_windows(program):
+    for name, button, class_name in [
+        ("forwarding_window", quillmont.FORWARDING_BUTTON, "SNMP_FWD_WND"),
+        ("monitor_window", quillmont.MONITOR_BUTTON, "SNMP_MON_WND"),
+        ("log_window", quillmont.LOG_BUTTON, "SNMP_LOG_WND"),
+        ("status_window", quillmont.STATUS_BUTTON, "SNMP_STATUS_WND"),
+    ]:
+        window = open_at(program, button, class_name, 40, 130)
+        save_window(window, name)
+        close(window)
+
+
+def take_delete_question(program):
+    status = open_at(program, quillmont.STATUS_BUTTON, "SNMP_STATUS_WND", 40, 130)
+    status.control(501).click()
+    question = program.wait_for_window(DIALOG_CLASS, "Delete MIBs")
+    save_window(question, "delete_question")
+    question.command(ANSWER_NO)
+    question.wait_closed()
+    close(status)
+
+
+def take_main_window(program):
+    program.stop()
+    save_window(program.main, "main_window_stopped")
+    program.start()
+    save_window(program.main, "main_window")
+
+
+def take_overview(program):
+    """The strip above, the status window over the right lower corner of the monitor."""
+    program.main.move(12, 12)
+    monitor = open_at(program, quillmont.MONITOR_BUTTON, "SNMP_MON_WND", 12, 112)
+    status = open_at(program, quillmont.STATUS_BUTTON, "SNMP_STATUS_WND", 460, 292)
+    save("overview", [program.main, monitor, status], 0, 0, 1192, 864)
+    close(status)
+    close(monitor)
+
+
+def main():
+    os.environ["QUILLMONT_EXE"] = str(BUILD / "Quillmont.exe")
+    PICTURES.mkdir(parents=True, exist_ok=True)
+    data = DataFolder(Path(os.environ["WINEPREFIX"], "drive_c/users/Operator/AppData/Local"))
+    data.mibs.mkdir(parents=True)
+    for name in SAMPLES:
+        shutil.copy(MIB_SAMPLES / name, data.mibs)
+    driver = Driver(next(BUILD.rglob("quillmont_desktop_driver.exe")))
+    program = quillmont.Program(driver).wait_running()
+    data.wait_for_start()
+    program.main.move(40, 20)
+    send_traps(data)
+    take_overview(program)
+    program.main.move(40, 20)
+    take_tool_windows(program)
+    take_delete_question(program)
+    take_main_window(program)
+    code = program.close()
+    driver.close()
+    for name in (b"(memTotalReal)", b"(netSnmpExampleHeartbeatRate)"):
+        if name not in data.trap_octets():
+            sys.exit(f"The pictures lack the name {name.decode()}.")
+    return code
+
+
+if __name__ == "__main__":
+    sys.exit(main())

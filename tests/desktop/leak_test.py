@@ -1,0 +1,120 @@
+"""What the program holds before and after it has done the same thing many times: kernel handles, GDI objects,
+windows, descriptors, threads and memory.
+
+QUILLMONT_LONG=1 in the environment turns the short rounds into the long ones.
+"""
+
+import os
+import re
+import shutil
+from dataclasses import astuple, dataclass, fields
+from pathlib import Path
+
+import pytest
+
+from harness.processes import find_wine_process
+from harness.tool_windows import FORWARDING, LOG, MONITOR, STATUS
+from mib_import_test import import_files, mib, samples  # noqa: F401
+
+LONG = os.environ.get("QUILLMONT_LONG") == "1"
+MIB_SAMPLES = Path("/usr/share/snmp/mibs")
+
+# The system's own caches and the allocator settle within this, whatever the number of rounds.
+MEMORY_SLACK_KILOBYTES = 2048
+
+
+def rounds(short, long):
+    return long if LONG else short
+
+
+@dataclass(frozen=True)
+class Held:
+    handles: int
+    gdi_objects: int
+    windows: int
+    descriptors: int
+    threads: int
+    memory_kilobytes: int
+
+
+class Observer:
+    def __init__(self, program):
+        program.attach_spy()
+        self._program = program
+        self._process = Path("/proc", str(find_wine_process("Quillmont.exe")))
+
+    def look(self):
+        self._program.settle()
+        main = self._program.main
+        windows = sum(
+            1 + len(self._program.driver("descendants", top["handle"])) for top in self._program.windows()
+        )
+        status = (self._process / "status").read_text()
+        return Held(
+            main.kernel_handles(),
+            main.gdi_objects(),
+            windows,
+            len(list((self._process / "fd").iterdir())),
+            len(list((self._process / "task").iterdir())),
+            int(re.search(r"VmRSS:\s+(\d+)", status).group(1)),
+        )
+
+
+@pytest.fixture
+def observer(program, data):
+    data.wait_for_start()
+    return Observer(program)
+
+
+def expect_no_leak(observer, what, count, once):
+    """Runs once() a few times so that everything lazy is there, then `count` times."""
+    for _ in range(5):
+        once()
+    before = observer.look()
+    for _ in range(count):
+        once()
+    after = observer.look()
+    print(f"\n{count} x {what}")
+    for field, old, new in zip(fields(Held), astuple(before), astuple(after)):
+        print(f"  {field.name:<17}{old:>8} before {new:>8} after")
+    assert before.handles > 0 and before.gdi_objects > 0 and before.threads >= 3
+    # Wine's own workers come and go, with a handle or two of theirs.
+    few = 4
+    assert after.handles <= before.handles + few
+    assert after.gdi_objects <= before.gdi_objects + few
+    assert after.windows == before.windows
+    assert after.descriptors <= before.descriptors + few
+    assert after.threads <= before.threads + 1
+    assert after.memory_kilobytes <= before.memory_kilobytes + MEMORY_SLACK_KILOBYTES
+
+
+def test_stopping_and_starting_leaves_nothing_behind(observer, program):
+    def cycle():
+        program.stop()
+        program.start()
+
+    expect_no_leak(observer, "stop and start", rounds(20, 500), cycle)
+
+
+@pytest.mark.parametrize("tool", [FORWARDING, MONITOR, LOG, STATUS], ids=lambda tool: tool.name)
+def test_opening_and_closing_a_window_leaves_nothing_behind(observer, program, tool):
+    def cycle():
+        window = tool.open(program)
+        window.close()
+        window.wait_closed()
+
+    expect_no_leak(observer, f"{tool.name} window opened and closed", rounds(10, 200), cycle)
+
+
+def test_repainting_leaves_nothing_behind(observer, program):
+    expect_no_leak(observer, "main window painted", rounds(500, 5000), program.main.repaint)
+
+
+def test_reloading_the_mib_files_leaves_nothing_behind(observer, program, data, samples):  # noqa: F811
+    for name in ("NET-SNMP-MIB.txt", "UCD-SNMP-MIB.txt"):
+        shutil.copy(MIB_SAMPLES / name, data.mibs)
+    status = STATUS.open(program)
+    path = samples.add("one.mib", mib("one", 9999))
+    expect_no_leak(
+        observer, "import with its reload", rounds(5, 50), lambda: import_files(program, status, path)
+    )

@@ -1,0 +1,141 @@
+// Exceptions inside the workers: memory that runs out, a lock that the system refuses. The clock seam is
+// replaced by linking, because every record and every log line asks it for the time: it throws on demand, on
+// whichever worker comes first.
+#include <atomic>
+#include <new>
+#include <system_error>
+#include <thread>
+
+#include "platform/clock.h"
+#include "tests/engine/engine_fixture.h"
+#include "trap/server_control.h"
+#include "trap/server_state.h"
+
+namespace {
+
+enum class Fault { None, NoMemory, RefusedLock };
+
+// What the next question for the time on a thread other than the main one is answered with, once.
+std::atomic<Fault> nextFault{Fault::None};
+const std::thread::id mainThread = std::this_thread::get_id();
+
+void ThrowWhatWasAsked() {
+    if (std::this_thread::get_id() == mainThread) {
+        return;
+    }
+    switch (nextFault.exchange(Fault::None)) {
+        case Fault::NoMemory:
+            throw std::bad_alloc();
+        case Fault::RefusedLock:
+            throw std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur));
+        case Fault::None:
+            break;
+    }
+}
+
+uint64_t MillisecondsSinceStart() {
+    using std::chrono::steady_clock;
+    static const steady_clock::time_point start = steady_clock::now();
+    const auto passed = steady_clock::now() - start;
+    return static_cast<uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(passed).count()) + 1;
+}
+
+}  // namespace
+
+LocalTime ReadLocalTime() {
+    ThrowWhatWasAsked();
+    return {2026, 3, 7, 9, 5, 2, 47};
+}
+
+uint64_t ReadTickCount() {
+    return MillisecondsSinceStart();
+}
+
+void SleepMilliseconds(uint32_t milliseconds) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}
+
+namespace {
+
+constexpr char kOn161[] = "Datagram on UDP 161 from 127.0.0.1.";
+
+class Exceptions : public EngineTest, public ::testing::WithParamInterface<Fault> {
+  protected:
+    static void StartAndWaitForBothWorkers() {
+        ASSERT_TRUE(StartServer());
+        ASSERT_TRUE(WaitForLogLines("Trap thread started (UDP 162)."));
+        ASSERT_TRUE(WaitForLogLines("Listener thread started (UDP 161)."));
+    }
+
+    static bool WaitForFault() {
+        return WaitUntil([] { return nextFault == Fault::None; });
+    }
+
+    void TearDown() override {
+        nextFault = Fault::None;
+        EngineTest::TearDown();
+    }
+
+    LoopbackClient client_;
+};
+
+TEST_P(Exceptions, OneWhileATrapIsHandledCostsThatTrapOnly) {
+    StartAndWaitForBothWorkers();
+    nextFault = GetParam();
+    client_.Send(Sample("v2_link_down"));
+    ASSERT_TRUE(WaitForFault());
+    client_.Send(Sample("v1_link_down"));
+    ASSERT_TRUE(WaitForTraps(1));
+    ASSERT_EQ(TrapRecords().size(), 1U);
+    EXPECT_EQ(TrapRecords()[0], "       FROM: 127.0.0.1\r\r\n" + ExpectedLines("v1_link_down"));
+}
+
+TEST_P(Exceptions, OneWhileA161DatagramIsLoggedCostsThatLineOnly) {
+    StartAndWaitForBothWorkers();
+    nextFault = GetParam();
+    client_.Send({}, kListenerPort);
+    ASSERT_TRUE(WaitForFault());
+    client_.Send({}, kListenerPort);
+    ASSERT_TRUE(WaitForLogLines(kOn161));
+    client_.Send(Sample("v2_link_down"));
+    ASSERT_TRUE(WaitForTraps(1)) << "the other worker does not notice";
+    EXPECT_EQ(CountLogLines(kOn161), 1U);
+}
+
+// The first question for the time on a worker is its starting line.
+TEST_P(Exceptions, OneAtTheStartOfAWorkerLeavesTheProcessAndTheOtherWorker) {
+    nextFault = GetParam();
+    ASSERT_TRUE(StartServer());
+    ASSERT_TRUE(WaitForFault());
+    ASSERT_TRUE(WaitUntil([] {
+        return CountLogLines("Trap thread started (UDP 162).") +
+                   CountLogLines("Listener thread started (UDP 161).") ==
+               1;
+    }));
+    StopServer();
+    EXPECT_EQ(CountLogLines("Server stopped."), 1U);
+    StartAndWaitForBothWorkers();
+    client_.Send(Sample("v2_link_down"));
+    EXPECT_TRUE(WaitForTraps(1)) << "a stop and a start make it whole again";
+}
+
+TEST_P(Exceptions, ManyInARowEndNothing) {
+    StartAndWaitForBothWorkers();
+    for (int count = 0; count < 100; ++count) {
+        nextFault = GetParam();
+        client_.Send(Sample("v2_link_down"));
+        ASSERT_TRUE(WaitForFault()) << count;
+    }
+    client_.Send(Sample("v2_link_down"));
+    EXPECT_TRUE(WaitForTraps(1));
+    StopServer();
+    EXPECT_EQ(CountLogLines("Trap thread stopped."), 1U);
+    EXPECT_EQ(CountLogLines("Listener thread stopped (UDP 161)."), 1U);
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, Exceptions, ::testing::Values(Fault::NoMemory, Fault::RefusedLock),
+                         [](const ::testing::TestParamInfo<Fault>& fault) {
+                             return fault.param == Fault::NoMemory ? "NoMemory" : "RefusedLock";
+                         });
+
+}  // namespace

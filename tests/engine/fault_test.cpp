@@ -1,0 +1,144 @@
+// The receiver over data files that cannot be had: it runs on, says nothing (there is no other log to say it
+// in) and leaves what stands in its way alone. What needs permissions, links or a full disk is in
+// posix_fault_test.cpp.
+#include <filesystem>
+#include <fstream>
+
+#include "config/config_file.h"
+#include "config/forwarding_settings.h"
+#include "core/app_paths.h"
+#include "core/data_files.h"
+#include "mib/mib_folder.h"
+#include "mib/name_store.h"
+#include "platform/files.h"
+#include "platform/folders.h"
+#include "tests/engine/engine_fixture.h"
+#include "trap/server_control.h"
+#include "trap/server_state.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// Where AppPaths points, as the standard library spells paths on this system.
+fs::path StandardPath(std::wstring path) {
+    for (wchar_t& character : path) {
+        character = character == L'\\' ? static_cast<wchar_t>(fs::path::preferred_separator) : character;
+    }
+    return path;
+}
+
+class Faults : public EngineTest {
+  protected:
+    void SetUp() override {
+        EngineTest::SetUp();
+        // Forwarding shows that a trap was handled to its end when no file can.
+        ReplaceForwardingTarget(L"127.0.0.1", target_.port());
+        ForwardingSettings.forwardingEnabled = true;
+    }
+
+    void ExpectTrapsAreStillHandled() {
+        const Octets& trap = Sample("v2_link_down");
+        client_.Send(trap);
+        EXPECT_EQ(target_.Receive(), trap);
+        EXPECT_NE(ServerState.lastTrapTick, 0U);
+    }
+
+    static void RemoveDataFolder() { fs::remove_all(StandardPath(AppPaths.dataDir)); }
+
+    LoopbackClient client_;
+    LoopbackClient target_;
+};
+
+TEST_F(Faults, WithoutADataFolderTheReceiverStartsRunsAndStopsAndMakesNone) {
+    RemoveDataFolder();
+    LoadConfig();
+    LoadMibFolder();
+    ASSERT_TRUE(StartServer());
+    ExpectTrapsAreStillHandled();
+    SaveConfig();
+    StopServer();
+    EXPECT_FALSE(ServerState.running);
+    EXPECT_FALSE(PathExists(AppPaths.dataDir));
+}
+
+TEST_F(Faults, ADataFolderRemovedWhileRunningCostsTheRecordsUntilItIsBack) {
+    ASSERT_TRUE(StartServer());
+    RemoveDataFolder();
+    ExpectTrapsAreStillHandled();
+    EXPECT_FALSE(PathExists(AppPaths.dataDir));
+    fs::create_directory(StandardPath(AppPaths.dataDir));
+    client_.Send(Sample("v1_link_down"));
+    ASSERT_TRUE(WaitForTraps(1));
+    ASSERT_EQ(TrapRecords().size(), 1U);
+    EXPECT_EQ(TrapRecords()[0], "       FROM: 127.0.0.1\r\r\n" + ExpectedLines("v1_link_down"));
+}
+
+TEST_F(Faults, AFolderInThePlaceOfTheTrapFileCostsTheRecordsOnly) {
+    fs::create_directory(StandardPath(AppPaths.trapFilePath));
+    ASSERT_TRUE(StartServer());
+    ExpectTrapsAreStillHandled();
+    EXPECT_TRUE(WaitForTraps(1)) << "the log goes on";
+    EXPECT_EQ(ReadWholeFile(AppPaths.trapFilePath), L"");
+    EXPECT_EQ(ReadFileFrom(AppPaths.trapFilePath, 0), L"");
+    ClearFile(AppPaths.trapFilePath);
+    EXPECT_TRUE(fs::is_empty(StandardPath(AppPaths.trapFilePath))) << "still a folder, with nothing in it";
+}
+
+TEST_F(Faults, AFolderInThePlaceOfTheLogCostsItsLinesOnly) {
+    RemoveFile(AppPaths.logFilePath);
+    fs::create_directory(StandardPath(AppPaths.logFilePath));
+    ASSERT_TRUE(StartServer());
+    ExpectTrapsAreStillHandled();
+    StopServer();
+    EXPECT_EQ(TrapRecords().size(), 1U);
+    EXPECT_TRUE(fs::is_empty(StandardPath(AppPaths.logFilePath)));
+}
+
+TEST_F(Faults, AFolderInThePlaceOfTheSettingsGivesTheDefaultsAndIsNeverWritten) {
+    fs::create_directory(StandardPath(AppPaths.configPath));
+    LoadConfig();
+    EXPECT_EQ(LogLines().back(), "No config.xml found (or empty). Using defaults.");
+    SaveConfig();
+    EXPECT_EQ(CountLogLines("Config saved."), 0U);
+    EXPECT_TRUE(fs::is_empty(StandardPath(AppPaths.configPath)));
+}
+
+TEST_F(Faults, AMissingMibsFolderGivesNoNames) {
+    fs::remove_all(StandardPath(AppPaths.mibsDir));
+    LoadMibFolder();
+    EXPECT_EQ(LogLines().back(), "MIBs loaded. OID mappings: 0");
+    EXPECT_TRUE(ListMibFiles().empty());
+}
+
+TEST_F(Faults, AFileInThePlaceOfTheMibsFolderGivesNoNames) {
+    fs::remove_all(StandardPath(AppPaths.mibsDir));
+    WriteOctets(AppPaths.mibsDir, "in the way");
+    LoadMibFolder();
+    EXPECT_EQ(LogLines().back(), "MIBs loaded. OID mappings: 0");
+    EXPECT_TRUE(ListMibFiles().empty());
+    EXPECT_EQ(ReadOctets(AppPaths.mibsDir), "in the way");
+}
+
+TEST_F(Faults, ThreeThousandEntriesAndSubFoldersNamedLikeMibFilesAreNoHindrance) {
+    constexpr int kFiles = 3000;
+    const fs::path mibs = StandardPath(AppPaths.mibsDir);
+    for (int number = 0; number < kFiles; ++number) {
+        const std::string name = "m" + std::to_string(number);
+        std::ofstream(mibs / (name + ".mib"), std::ios::binary)
+            << name << " OBJECT IDENTIFIER ::= { enterprises " << number + 1 << " }\n";
+    }
+    for (int number = 0; number < 50; ++number) {
+        fs::create_directories(mibs / ("folder" + std::to_string(number) + ".mib") / "inside.mib");
+        std::ofstream(mibs / ("note" + std::to_string(number) + ".doc"))
+            << "nothing OBJECT IDENTIFIER ::= { iso 1 }";
+    }
+    LoadMibFolder();
+    EXPECT_EQ(LogLines().back(), "MIBs loaded. OID mappings: 3000");
+    EXPECT_EQ(ListMibFiles().size(), static_cast<size_t>(kFiles));
+    std::wstring name;
+    LookupOidName(L"1.3.6.1.4.1.3000", name);
+    EXPECT_EQ(name, L"m2999");
+}
+
+}  // namespace

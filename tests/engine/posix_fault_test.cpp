@@ -1,0 +1,333 @@
+// Faults that a test can bring about on POSIX only: files without permissions, links, pipes, a full disk, and
+// a process that is killed while it writes.
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include <linux/capability.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "config/config_file.h"
+#include "config/forwarding_settings.h"
+#include "core/activity_log.h"
+#include "core/app_paths.h"
+#include "core/data_files.h"
+#include "mib/mib_folder.h"
+#include "mib/name_store.h"
+#include "platform/files.h"
+#include "platform/folders.h"
+#include "tests/engine/engine_fixture.h"
+#include "tests/support/stamps.h"
+#include "trap/server_control.h"
+#include "trap/server_state.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path PosixPath(const std::wstring& path) {
+    std::wstring spelled = path;
+    std::replace(spelled.begin(), spelled.end(), L'\\', L'/');
+    return spelled;
+}
+
+// The tests run as root of their namespace, to whom permissions mean nothing. This takes that privilege from
+// the calling thread, and from the threads that it starts meanwhile; the one to bind low ports stays.
+class WithoutFilePrivileges {
+  public:
+    WithoutFilePrivileges() {
+        syscall(SYS_capget, &header_, old_);
+        __user_cap_data_struct less[2] = {old_[0], old_[1]};
+        less[0].effective &= ~((1U << CAP_DAC_OVERRIDE) | (1U << CAP_DAC_READ_SEARCH));
+        EXPECT_EQ(syscall(SYS_capset, &header_, less), 0);
+    }
+    ~WithoutFilePrivileges() { syscall(SYS_capset, &header_, old_); }
+    WithoutFilePrivileges(const WithoutFilePrivileges&) = delete;
+    WithoutFilePrivileges& operator=(const WithoutFilePrivileges&) = delete;
+
+  private:
+    __user_cap_header_struct header_{_LINUX_CAPABILITY_VERSION_3, 0};
+    __user_cap_data_struct old_[2] = {};
+};
+
+class PosixFaults : public EngineTest {
+  protected:
+    void SetUp() override {
+        EngineTest::SetUp();
+        ReplaceForwardingTarget(L"127.0.0.1", target_.port());
+        ForwardingSettings.forwardingEnabled = true;
+    }
+
+    static void Allow(const std::wstring& path, unsigned mode) {
+        ASSERT_EQ(chmod(PosixPath(path).c_str(), mode), 0) << PosixPath(path);
+    }
+
+    static void WriteMib(const std::string& name, const std::string& definition) {
+        std::ofstream(PosixPath(AppPaths.mibsDir) / name, std::ios::binary)
+            << definition << " OBJECT IDENTIFIER ::= { enterprises 9999 }\n";
+    }
+
+    void ExpectTrapsAreStillHandled() {
+        const Octets& trap = Sample("v2_link_down");
+        client_.Send(trap);
+        EXPECT_EQ(target_.Receive(), trap);
+    }
+
+    LoopbackClient client_;
+    LoopbackClient target_;
+};
+
+TEST_F(PosixFaults, AReadOnlyDataFolderChangesNoFileAndStopsNothing) {
+    WriteOctets(AppPaths.trapFilePath, "old records");
+    WriteOctets(AppPaths.logFilePath, "old lines");
+    for (const std::wstring& path : {AppPaths.trapFilePath, AppPaths.logFilePath}) {
+        Allow(path, 0444);
+    }
+    Allow(AppPaths.dataDir, 0555);
+    {
+        const WithoutFilePrivileges asUser;
+        ASSERT_TRUE(StartServer());
+        ExpectTrapsAreStillHandled();
+        SaveConfig();
+        StopServer();
+    }
+    Allow(AppPaths.dataDir, 0755);
+    EXPECT_EQ(ReadOctets(AppPaths.trapFilePath), "old records");
+    EXPECT_EQ(ReadOctets(AppPaths.logFilePath), "old lines");
+    EXPECT_FALSE(PathExists(AppPaths.configPath));
+}
+
+TEST_F(PosixFaults, AReadOnlyFileSystemChangesNoFileAndStopsNothing) {
+    WriteOctets(AppPaths.trapFilePath, "old records");
+    const std::string folder = PosixPath(AppPaths.dataDir);
+    if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+        mount(folder.c_str(), folder.c_str(), nullptr, MS_BIND, nullptr) != 0) {
+        GTEST_SKIP() << "This machine does not allow mounts of one's own.";
+    }
+    ASSERT_EQ(mount(nullptr, folder.c_str(), nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr), 0);
+    ASSERT_TRUE(StartServer());
+    ExpectTrapsAreStillHandled();
+    SaveConfig();
+    StopServer();
+    EXPECT_EQ(ReadOctets(AppPaths.trapFilePath), "old records");
+    EXPECT_FALSE(PathExists(AppPaths.configPath));
+    EXPECT_EQ(umount(folder.c_str()), 0);
+}
+
+TEST_F(PosixFaults, SettingsThatMayNotBeReadGiveTheDefaults) {
+    WriteOctets(AppPaths.configPath, "<forwardingPort>9</forwardingPort>");
+    Allow(AppPaths.configPath, 0);
+    ReplaceForwardingTarget(L"127.0.0.1", 162);
+    const WithoutFilePrivileges asUser;
+    LoadConfig();
+    EXPECT_EQ(LogLines().back(), "No config.xml found (or empty). Using defaults.");
+    EXPECT_EQ(CopyForwardingTarget().port, 162);
+    SaveConfig();
+    EXPECT_EQ(CountLogLines("Config saved."), 0U);
+}
+
+TEST_F(PosixFaults, AMibFileThatMayNotBeReadIsPassedOver) {
+    WriteMib("a.mib", "unreadable");
+    WriteMib("b.mib", "readable");
+    Allow(AppPaths.mibsDir + L"\\a.mib", 0);
+    const WithoutFilePrivileges asUser;
+    LoadMibFolder();
+    EXPECT_EQ(LogLines().back(), "MIBs loaded. OID mappings: 1");
+    EXPECT_EQ(ListMibFiles(), (std::vector<std::wstring>{L"a.mib", L"b.mib"})) << "listed all the same";
+}
+
+TEST_F(PosixFaults, AMibsFolderThatMayNotBeEnteredGivesNoNames) {
+    WriteMib("a.mib", "hidden");
+    for (const unsigned mode : {0000U, 0444U, 0111U}) {
+        Allow(AppPaths.mibsDir, mode);
+        const WithoutFilePrivileges asUser;
+        LoadMibFolder();
+        EXPECT_EQ(LogLines().back(), "MIBs loaded. OID mappings: 0") << std::oct << mode;
+    }
+    Allow(AppPaths.mibsDir, 0755);
+}
+
+TEST_F(PosixFaults, LinksCountAsWhatTheyLeadTo) {
+    const fs::path mibs = PosixPath(AppPaths.mibsDir);
+    WriteMib("target.doc", "linked");
+    fs::create_symlink(mibs / "target.doc", mibs / "file.mib");
+    fs::create_symlink(mibs / "nowhere", mibs / "dangling.mib");
+    fs::create_symlink(mibs / "circle.mib", mibs / "circle.mib");
+    fs::create_directory_symlink(mibs, mibs / "folder.mib");
+    LoadMibFolder();
+    EXPECT_EQ(LogLines().back(), "MIBs loaded. OID mappings: 1");
+    EXPECT_EQ(ListMibFiles(), std::vector<std::wstring>{L"file.mib"});
+}
+
+// Opening a pipe that nobody writes to would wait for ever.
+TEST_F(PosixFaults, APipeNamedLikeAMibFileIsNotOpened) {
+    ASSERT_EQ(mkfifo((PosixPath(AppPaths.mibsDir) / "pipe.mib").c_str(), 0600), 0);
+    WriteMib("real.mib", "real");
+    LoadMibFolder();
+    EXPECT_EQ(LogLines().back(), "MIBs loaded. OID mappings: 1");
+}
+
+// A tmpfs of a few pages over the data folder: a disk that is soon full. The mount lives in a namespace of
+// the calling thread and of those that it starts.
+class FullDisk : public PosixFaults {
+  protected:
+    static constexpr size_t kDiskSize = size_t{128} << 10;
+
+    void SetUp() override {
+        PosixFaults::SetUp();
+        folder_ = PosixPath(AppPaths.dataDir);
+        mounted_ = unshare(CLONE_NEWNS) == 0 &&
+                   mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+                   mount("tmpfs", folder_.c_str(), "tmpfs", 0, "size=128k") == 0;
+        if (!mounted_) {
+            GTEST_SKIP() << "This machine does not allow mounts of one's own.";
+        }
+    }
+
+    void TearDown() override {
+        PosixFaults::TearDown();
+        if (mounted_) {
+            EXPECT_EQ(umount(folder_.c_str()), 0);
+        }
+    }
+
+    // Leaves no room at all; removing the file makes room again.
+    void FillDisk() const {
+        std::ofstream filler(folder_ + "/filler", std::ios::binary);
+        filler << std::string(2 * kDiskSize, 'x') << std::flush;
+        EXPECT_FALSE(filler.good()) << "the disk is larger than thought";
+    }
+
+    void EmptyDisk() const { fs::remove(folder_ + "/filler"); }
+
+  private:
+    std::string folder_;
+    bool mounted_ = false;
+};
+
+TEST_F(FullDisk, ItCostsWhatDoesNotFitAndTheReceiverGoesOnWhenThereIsRoomAgain) {
+    ASSERT_TRUE(StartServer());
+    ExpectTrapsAreStillHandled();
+    FillDisk();
+    for (int sent = 0; sent < 200; ++sent) {
+        ExpectTrapsAreStillHandled();
+    }
+    EmptyDisk();
+    StopServer();
+    ASSERT_TRUE(StartServer());
+    client_.Send(Sample("v1_link_down"));
+    EXPECT_EQ(target_.Receive(), Sample("v1_link_down"));
+    StopServer();
+    const std::string records = TrapFile();
+    const std::string first = ExpectedLines("v2_link_down") + "\r\r\n\r\r\n";
+    const std::string last = "       FROM: 127.0.0.1\r\r\n" + ExpectedLines("v1_link_down") + "\r\r\n\r\r\n";
+    EXPECT_EQ(records.find(first), kStampLength + std::string("       FROM: 127.0.0.1\r\r\n").size());
+    EXPECT_EQ(records.rfind(last), records.size() - last.size());
+    EXPECT_LT(records.size(), 200 * first.size()) << "the disk was never full";
+}
+
+TEST_F(FullDisk, SettingsSavedOnAFullDiskAreWhatFitted) {
+    WriteOctets(AppPaths.configPath, "");
+    FillDisk();
+    SaveConfig();
+    EXPECT_EQ(ReadOctets(AppPaths.configPath), "");
+    EmptyDisk();
+    SaveConfig();
+    EXPECT_EQ(ReadOctets(AppPaths.configPath).substr(0, 8), "<config>");
+}
+
+// The receiver in a process of its own, killed without warning while traps pour in.
+class Killed : public EngineTest {
+  protected:
+    // The process that receives; returns in the parent only, once both ports are served.
+    static pid_t StartReceiverProcess(size_t earlierStarts) {
+        const pid_t child = fork();
+        if (child == 0) {
+            StartServer();
+            for (;;) {
+                pause();
+            }
+        }
+        EXPECT_TRUE(WaitUntil([&] { return CountStarts() > earlierStarts; }));
+        return child;
+    }
+
+    // By text search, since a cut line may stand anywhere in front.
+    static size_t CountStarts() {
+        const std::string log = ReadOctets(AppPaths.logFilePath);
+        size_t count = 0;
+        for (size_t at = 0; (at = log.find("Trap thread started (UDP 162).\r\r\n", at)) != std::string::npos;
+             ++at) {
+            ++count;
+        }
+        return count;
+    }
+
+    static void Kill(pid_t child) {
+        EXPECT_EQ(kill(child, SIGKILL), 0);
+        EXPECT_EQ(waitpid(child, nullptr, 0), child);
+    }
+};
+
+std::string MaskStamp(std::string record) {
+    return record.replace(0, std::min(kStampLength, record.size()), std::min(kStampLength, record.size()),
+                          '#');
+}
+
+// Checks that `octets`, what one process wrote, are whole records and at most one cut one at the end. Returns
+// whether there is a cut one.
+bool CheckRecordsOfOneRun(std::string_view octets, const std::string& expected) {
+    size_t at = 0;
+    for (; at + expected.size() <= octets.size(); at += expected.size()) {
+        EXPECT_TRUE(IsStamp(octets.substr(at, kStampLength)));
+        EXPECT_EQ(MaskStamp(std::string(octets.substr(at, expected.size()))), expected);
+    }
+    const std::string rest(octets.substr(at));
+    EXPECT_EQ(MaskStamp(rest), expected.substr(0, rest.size()));
+    return !rest.empty();
+}
+
+TEST_F(Killed, FiftyTimesInAStormItCutsAtMostTheRecordInFlightAndTheNextStartAppendsBehind) {
+    constexpr int kKills = 50;
+    // Records of several pages, so that a kill has a chance to come in the middle of a write.
+    const Octets trap = EncodeV2Trap({{"1.3.6.1.4.1.9999.1", EncodeOctetString(std::string(16000, 'x'))}});
+    const std::string expected = std::string(kStampLength, '#') + "       FROM: 127.0.0.1\r\r\n" +
+                                 "---> [1] 1.3.6.1.4.1.9999.1  OCTET STRING = \"" + std::string(16000, 'x') +
+                                 "\"\r\r\n\r\r\n";
+    LoopbackClient client;
+    std::string before;
+    int cut = 0;
+    for (int round = 0; round < kKills; ++round) {
+        const pid_t child = StartReceiverProcess(CountStarts());
+        // The storm goes on up to the kill and over it; how far the receiver gets differs from round to
+        // round.
+        const size_t enough = before.size() + static_cast<size_t>(1 + round % 5) * expected.size();
+        while (QueryFileSize(AppPaths.trapFilePath).value_or(0) < enough) {
+            client.Send(trap);
+        }
+        for (int more = 0; more < 20; ++more) {
+            client.Send(trap);
+        }
+        Kill(child);
+        const std::string after = ReadOctets(AppPaths.trapFilePath);
+        ASSERT_EQ(after.substr(0, before.size()), before)
+            << "round " << round << ": an earlier record changed";
+        cut += CheckRecordsOfOneRun(std::string_view(after).substr(before.size()), expected) ? 1 : 0;
+        ASSERT_FALSE(HasFailure()) << "round " << round;
+        before = after;
+        if (round % 10 == 9) {
+            // Not larger than needed: it is read whole in each round.
+            ClearFile(AppPaths.trapFilePath);
+            before.clear();
+        }
+    }
+    std::printf("%d of %d kills cut a record.\n", cut, kKills);
+}
+
+}  // namespace

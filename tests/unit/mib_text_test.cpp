@@ -1,0 +1,286 @@
+#include "mib/mib_text.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "tests/support/mib_tables.h"
+#include "tests/support/scratch_folder.h"
+
+namespace {
+
+using namespace std::string_literals;
+
+using Arcs = std::vector<int32_t>;
+
+std::wstring Widen(const MibText& text) {
+    return std::visit(
+        [](const auto& characters) { return std::wstring(characters.begin(), characters.end()); }, text);
+}
+
+std::wstring ReadBack(const std::string& octets) {
+    const ScratchFolder folder;
+    const std::wstring path = folder.Join(L"some.mib");
+    WriteOctets(path, octets);
+    return Widen(ReadMibText(path));
+}
+
+TEST(ReadMibText, MissingFileIsEmpty) {
+    const ScratchFolder folder;
+    EXPECT_EQ(Widen(ReadMibText(folder.Join(L"none.mib"))), L"");
+}
+
+TEST(ReadMibText, EmptyFileIsEmpty) {
+    EXPECT_EQ(ReadBack(""), L"");
+}
+
+TEST(ReadMibText, FolderIsEmpty) {
+    const ScratchFolder folder;
+    EXPECT_EQ(Widen(ReadMibText(folder.path().wstring())), L"");
+}
+
+TEST(ReadMibText, LineEndsZerosAndEndOfFileMarksAreOrdinaryCharacters) {
+    EXPECT_EQ(ReadBack("a\r\nb\rc\n\0d\x1A"
+                       "e"s),
+              L"a\r\nb\rc\n\0d\x1A"
+              L"e"s);
+}
+
+TEST(ReadMibText, ByteOrderMarkStaysInFront) {
+    const std::wstring text = ReadBack("\xEF\xBB\xBFiso OBJECT IDENTIFIER");
+    EXPECT_EQ(text, L"\uFEFFiso OBJECT IDENTIFIER");
+    EXPECT_EQ(LeadingIdentifier(text), L"");
+}
+
+TEST(ReadMibText, Utf8IsDecoded) {
+    EXPECT_EQ(ReadBack("Z\xC3\xBCrich \xE2\x82\xAC"), L"Z\u00FCrich \u20AC");
+}
+
+TEST(ReadMibText, Latin1FileIsReadThroughTheAnsiCodePage) {
+    EXPECT_EQ(ReadBack("St\xE4rke"), L"St\u00E4rke");
+}
+
+TEST(ReadMibText, OneInvalidSequenceTakesTheWholeFileToTheAnsiCodePage) {
+    EXPECT_EQ(ReadBack("\xC3\xA4 \xE4"), L"\u00C3\u00A4 \u00E4");
+}
+
+TEST(ReadMibText, Utf16FileIsReadOctetByOctet) {
+    EXPECT_EQ(ReadBack("\xFF\xFE"
+                       "a\0b\0"s),
+              L"\u00FF\u00FE"
+              L"a\0b\0"s);
+}
+
+TEST(StripComment, CutsAtTheFirstTwoDashes) {
+    EXPECT_EQ(StripComment(L"a { b 1 } -- comment"), L"a { b 1 } ");
+    EXPECT_EQ(StripComment(L"a -- b -- c"), L"a ");
+    EXPECT_EQ(StripComment(L"a---b"), L"a");
+    EXPECT_EQ(StripComment(L"--"), L"");
+}
+
+TEST(StripComment, LeavesLinesWithoutTwoDashes) {
+    for (const wchar_t* line : {L"", L"-", L"a-b", L"- -", L"{ mib-2 -1 }"}) {
+        EXPECT_EQ(StripComment(line), line);
+    }
+}
+
+TEST(StripComment, QuotedDashesLoseTheRestOfTheLineWithTheQuotationMark) {
+    EXPECT_EQ(StripComment(L"DESCRIPTION \"on -- off\""), L"DESCRIPTION \"on ");
+}
+
+TEST(TrimSpace, TakesEveryKindOfWhiteSpaceOffBothEnds) {
+    EXPECT_EQ(TrimSpace(L" \t\r\n\v\fa b \t\r\n\v\f"), L"a b");
+    EXPECT_EQ(TrimSpace(L"\u00A0\u2003a\u3000\u0085"), L"a");
+    EXPECT_EQ(TrimSpace(L" \t "), L"");
+    EXPECT_EQ(TrimSpace(L""), L"");
+}
+
+TEST(TrimSpace, LeavesOtherCharactersThatShowNothing) {
+    EXPECT_EQ(TrimSpace(L"\uFEFFa\u200B"), L"\uFEFFa\u200B");
+    EXPECT_EQ(TrimSpace(L"\0a\x1A"s), L"\0a\x1A"s);
+}
+
+TEST(LeadingIdentifier, IsTheFirstWordOfADefinition) {
+    EXPECT_EQ(LeadingIdentifier(L"ifIndex OBJECT-TYPE"), L"ifIndex");
+    EXPECT_EQ(LeadingIdentifier(L"SYNTAX  OBJECT IDENTIFIER"), L"SYNTAX");
+    EXPECT_EQ(LeadingIdentifier(L"  mib-2_x9{"), L"mib-2_x9");
+    EXPECT_EQ(LeadingIdentifier(L"-9"), L"-9");
+}
+
+TEST(LeadingIdentifier, IsEmptyForAnyOtherStart) {
+    for (const wchar_t* line :
+         {L"::= { x 1 }", L"", L" ", L"{ a }", L".a", L"/a", L"\"a", L"\u00E4b", L"\uFEFFiso"}) {
+        EXPECT_EQ(LeadingIdentifier(line), L"") << line;
+    }
+}
+
+TEST(LeadingIdentifier, EndsAtEveryCharacterBesideTheSet) {
+    for (const wchar_t* line :
+         {L"a.b", L"a/b", L"a:b", L"a@b", L"a[b", L"a^b", L"a`b", L"a{b", L"a,b", L"a\u00E4"}) {
+        EXPECT_EQ(LeadingIdentifier(line), L"a") << line;
+    }
+}
+
+TEST(LeadingIdentifier, IsTheSameForNarrowText) {
+    EXPECT_EQ(LeadingIdentifier("  mib-2_x9{"), "mib-2_x9");
+    EXPECT_EQ(LeadingIdentifier("::= { x 1 }"), "");
+}
+
+TEST(FindBracedText, IsStrictlyBetweenTheFirstBraces) {
+    std::wstring_view inner;
+    ASSERT_TRUE(FindBracedText(L"x ::= {  a { b } c }", &inner));
+    EXPECT_EQ(inner, L"a { b");
+    ASSERT_TRUE(FindBracedText(L"{}", &inner));
+    EXPECT_EQ(inner, L"");
+}
+
+TEST(FindBracedText, FailureLeavesTheResultAlone) {
+    std::wstring_view inner = L"as it was";
+    for (const wchar_t* statement : {L"", L"{ a 1", L"a 1 }", L"} {", L"} ::= { a 1 }"}) {
+        EXPECT_FALSE(FindBracedText(statement, &inner)) << statement;
+    }
+    EXPECT_EQ(inner, L"as it was");
+}
+
+struct ShortForm {
+    const wchar_t* statement;
+    const wchar_t* parent;
+    int32_t subId;
+    const char* why;
+};
+
+const ShortForm kShortForms[] = {
+    {L"::= { ifEntry 3 }", L"ifEntry", 3, "the usual value"},
+    {L"{ifEntry 3}", L"ifEntry", 3, "no blanks at the braces"},
+    {L"{\tifEntry\r\n3\v}", L"ifEntry", 3, "any white space parts words"},
+    {L"{ iso org(3) dod(6) internet(1) }", L"dod(6)", 0, "only the last two words count"},
+    {L"{ 1 3 6 1 }", L"6", 1, "a number may be the parent"},
+    {L"{ enterprises x(5) }", L"enterprises", 0, "a last word that is no number is 0"},
+    {L"{ a, b }", L"a,", 0, "commas belong to words"},
+    {L"{ a 5, }", L"a", 5, "the number ends at the comma"},
+    {L"{ a 0 }", L"a", 0, "zero is not negative"},
+    {L"{ a -0 }", L"a", 0, "nor is minus zero"},
+    {L"{ a +7 }", L"a", 7, "a sign is read"},
+    {L"{ a 2147483648 }", L"a", std::numeric_limits<int32_t>::max(), "clamped"},
+    {L"Foo ::= SEQUENCE { a Integer32, b OCTET STRING }", L"OCTET", 0, "a type is taken for a value"},
+    {L"{ { a 1 }", L"a", 1, "the second brace is a word"},
+    {L"\"{ a 1 }\" ::= { b 2 }", L"a", 1, "the first braces count, whatever stands before"},
+};
+
+TEST(ParseParentAndSubId, TakesTheLastTwoWords) {
+    for (const ShortForm& row : kShortForms) {
+        std::wstring_view parent;
+        int32_t subId = -9;
+        EXPECT_TRUE(ParseParentAndSubId(row.statement, &parent, &subId)) << row.why;
+        EXPECT_EQ(parent, row.parent) << row.why;
+        EXPECT_EQ(subId, row.subId) << row.why;
+    }
+}
+
+TEST(ParseParentAndSubId, RejectsFewerThanTwoWords) {
+    for (const wchar_t* statement : {L"{ zeroDotZero }", L"{ }", L"{}", L"} {", L"{ a 1", L"a 1 }", L""}) {
+        std::wstring_view parent = L"as it was";
+        int32_t subId = 9;
+        EXPECT_FALSE(ParseParentAndSubId(statement, &parent, &subId)) << statement;
+        EXPECT_EQ(parent, L"") << statement;
+        EXPECT_EQ(subId, -1) << statement;
+    }
+}
+
+TEST(ParseParentAndSubId, RejectsANegativeNumber) {
+    std::wstring_view parent;
+    int32_t subId = 0;
+    EXPECT_FALSE(ParseParentAndSubId(L"{ mib-2 -1 }", &parent, &subId));
+    EXPECT_FALSE(ParseParentAndSubId(L"{ mib-2 -99999999999 }", &parent, &subId));
+}
+
+class OidValue : public testing::Test {
+  protected:
+    FreshNameStore store_;
+};
+
+TEST_F(OidValue, NeedsTwoArcs) {
+    EXPECT_EQ(ParseOidValue(L"{ 1 }"), L"");
+    EXPECT_EQ(ParseOidValue(L"{ iso }"), L"");
+    EXPECT_EQ(ParseOidValue(L"{ org }"), L"1.3");
+    EXPECT_EQ(ParseOidValue(L"{ 0 0 }"), L"0.0");
+}
+
+TEST_F(OidValue, NameStandsForItsArcsOnlyInFront) {
+    EXPECT_EQ(ParseOidValue(L"{ iso 3 6 }"), L"1.3.6");
+    EXPECT_EQ(ParseOidValue(L"{ 3 iso }"), L"");
+    EXPECT_EQ(ParseOidValue(L"{ 3 iso 4 }"), L"3.4");
+    EXPECT_EQ(ParseOidValue(L"{ internet 4 1 }"), L"1.3.6.1.4.1");
+    EXPECT_EQ(ParseOidValue(L"{ enterprises 9 }"), L"1.3.6.1.4.1.9");
+}
+
+TEST_F(OidValue, UnknownNameInFrontContributesNothing) {
+    EXPECT_EQ(ParseOidValue(L"{ unknownName 5 }"), L"");
+    EXPECT_EQ(ParseOidValue(L"{ unknownName 5 6 }"), L"5.6");
+    EXPECT_EQ(ParseOidValue(L"{ unknownName iso 5 }"), L"1.5");
+}
+
+TEST_F(OidValue, NegativeLastWordIsANameAndIgnored) {
+    EXPECT_EQ(ParseOidValue(L"{ mgmt -1 }"), L"1.3.6.1.2");
+}
+
+TEST_F(OidValue, LongFormCountsTheNumbersInParentheses) {
+    EXPECT_EQ(ParseOidValue(L"{ iso org(3) dod(6), internet(1) }"), L"1.3.6.1");
+}
+
+TEST_F(OidValue, NamesDefinedBeforeAreKnown) {
+    StoreDefinition(L"cisco", L"enterprises", 9);
+    StoreNamedOid(L"learnt", L"1.7");
+    EXPECT_EQ(ParseOidValue(L"{ cisco 1 }"), L"1.3.6.1.4.1.9.1");
+    EXPECT_EQ(ParseOidValue(L"{ learnt }"), L"1.7");
+}
+
+TEST_F(OidValue, IsEmptyWithoutBraces) {
+    for (const wchar_t* statement : {L"", L"1 3 6", L"{ 1 3", L"1 3 }", L"} 1 3 {", L"{ }"}) {
+        EXPECT_EQ(ParseOidValue(statement), L"") << statement;
+    }
+}
+
+struct Component {
+    const wchar_t* word;
+    Arcs alone;   // after no arcs
+    Arcs behind;  // after the arc 7
+    const char* why;
+};
+
+const Component kComponents[] = {
+    {L"3", {3}, {7, 3}, "a number"},
+    {L"org(3)", {3}, {7, 3}, "a number in parentheses"},
+    {L"dod(6),", {6}, {7, 6}, "whatever follows them"},
+    {L"(5)", {5}, {7, 5}, "no name needed"},
+    {L"org(x)", {0}, {7, 0}, "something else in parentheses is 0"},
+    {L"org(-3)", {-3}, {7, -3}, "a sign in parentheses is read"},
+    {L"a(b(3)", {0}, {7, 0}, "from the first to the first"},
+    {L"x()", {}, {7}, "nothing in the parentheses makes a name"},
+    {L")x(3)", {}, {7}, "the first closing one must follow the first opening one"},
+    {L"x(3", {}, {7}, "both are needed"},
+    {L"org", {1, 3}, {7}, "a name counts only in front"},
+    {L"3x", {}, {7}, "not all digits: a name"},
+    {L"-1", {}, {7}, "a sign makes a name"},
+    {L"\u0663", {}, {7}, "digits of other scripts make a name"},
+    {L"99999999999", {2147483647}, {7, 2147483647}, "clamped"},
+    {L"", {}, {7}, "nothing"},
+    {L" \t", {}, {7}, "white space alone"},
+    {L" 3 ", {3}, {7, 3}, "white space around"},
+};
+
+TEST_F(OidValue, EachKindOfWordAddsItsArcs) {
+    for (const Component& row : kComponents) {
+        Arcs arcs;
+        AddOidComponent(row.word, arcs);
+        EXPECT_EQ(arcs, row.alone) << row.why;
+        arcs = {7};
+        AddOidComponent(row.word, arcs);
+        EXPECT_EQ(arcs, row.behind) << row.why;
+    }
+}
+
+}  // namespace
