@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cwctype>
-#include <exception>
 
 #include "core/activity_log.h"
 #include "core/app_paths.h"
@@ -51,7 +50,7 @@ void LoadMibFolder() {
             StoreResolvedDefinitions();
             TrimTables();
         }
-    } catch (const std::exception&) {
+    } catch (...) {
         // What was stored until memory ran out is right as far as it goes and stays.
     }
     std::wstring message = L"MIBs loaded. OID mappings: ";
@@ -67,7 +66,7 @@ std::vector<std::wstring> ListMibFiles() {
                 names.push_back(entry.name);
             }
         });
-    } catch (const std::exception&) {
+    } catch (...) {
         // The names gathered so far are a list too.
     }
     std::sort(names.begin(), names.end());

@@ -130,23 +130,33 @@ void StoreValue(std::wstring_view name, std::wstring_view statement) {
 }
 
 template <typename Char>
+void TakeName(MibScan<Char>& scan) {
+    if (LineHolds(scan, kObjectType) || LineHolds(scan, kObjectIdentifier) ||
+        LineHolds(scan, kModuleIdentity)) {
+        const auto word = LeadingIdentifier(scan.line);
+        scan.name = word.empty() ? scan.name : word;
+    }
+}
+
+template <typename Char>
+void TakeValue(MibScan<Char>& scan) {
+    if (LineHolds(scan, kAssignment) && LineHolds(scan, '{')) {
+        const auto statement = TakeStatement(scan);
+        if (!scan.name.empty() && !statement.empty()) {
+            StoreValue(MakeWide(scan.name, scan.wideName), MakeWide(statement, scan.wideStatement));
+        }
+    }
+}
+
+template <typename Char>
 void ParseText(std::basic_string_view<Char> text) {
     MibScan<Char> scan;
     scan.text = text;
     std::transform(std::begin(kMarks), std::end(kMarks), scan.marks,
                    [&](const Mark& mark) { return FindMark(text, mark, 0); });
     while (TakeMarkedLine(scan)) {
-        if (LineHolds(scan, kObjectType) || LineHolds(scan, kObjectIdentifier) ||
-            LineHolds(scan, kModuleIdentity)) {
-            const auto word = LeadingIdentifier(scan.line);
-            scan.name = word.empty() ? scan.name : word;
-        }
-        if (LineHolds(scan, kAssignment) && LineHolds(scan, '{')) {
-            const auto statement = TakeStatement(scan);
-            if (!scan.name.empty() && !statement.empty()) {
-                StoreValue(MakeWide(scan.name, scan.wideName), MakeWide(statement, scan.wideStatement));
-            }
-        }
+        TakeName(scan);
+        TakeValue(scan);
     }
 }
 

@@ -59,8 +59,15 @@ size_t PlaceOf(const PendingRow* row) {
     return static_cast<size_t>(row - PendingDefinitions.Rows().data());
 }
 
+// The key's text in the pool, added if the table does not have it there already.
+template <typename Value>
+PooledText KeepKey(const TextTable<Value>& table, const TextKey& key) {
+    const auto* row = table.Find(key);
+    return row == nullptr ? KeepText(key.text) : row->key;
+}
+
 // The row of PendingDefinitions that was stored last. What is stored next mostly has the same parent (the
-// columns of a table), or that row's name as its parent or its name, which then need not be looked up.
+// columns of a table) or that row's name as its parent, which then need not be looked up.
 size_t LastStoredPlace = 0;
 
 const PendingRow* LastStoredRow() {
@@ -76,8 +83,7 @@ PooledText KeepParent(std::wstring_view parent) {
             }
         }
     }
-    const PendingRow* row = PendingDefinitions.Find(parent);
-    return row != nullptr ? row->key : KeepText(parent);
+    return KeepKey(PendingDefinitions, parent);
 }
 
 template <typename Value>
@@ -240,8 +246,8 @@ void StoreDefinition(std::wstring_view name, std::wstring_view parent, int32_t s
 }
 
 void StoreNamedOid(std::wstring_view name, std::wstring_view oid) {
-    const PooledText keptName = KeepText(name);
-    const PooledText keptOid = KeepText(oid);
+    const PooledText keptName = KeepKey(NameOidMap, name);
+    const PooledText keptOid = KeepKey(OidNameMap, oid);
     AddOrReplace(NameOidMap, name, keptName, keptOid);
     NameOidUnlessNamed(keptOid, keptName);
 }

@@ -43,12 +43,13 @@ VIAddVersionKey "LegalCopyright" "© 2026 Quillmont"
 
 !define MUI_ABORTWARNING
 !define MUI_COMPONENTSPAGE_SMALLDESC
-!define MUI_WELCOMEPAGE_TEXT "Setup installs ${NAME} for all users of this computer.$\r$\n$\r$\nA ${NAME} that is running \
-    is closed before its file is replaced. Traps that arrive until it is started again are not recorded."
+!define MUI_WELCOMEPAGE_TEXT "Setup installs ${NAME} for all users of this computer.$\r$\n$\r$\nA ${NAME} that \
+    is running is closed before its file is replaced. Traps that arrive until it is started again are not recorded."
 !define MUI_FINISHPAGE_RUN
 !define MUI_FINISHPAGE_RUN_TEXT "Start ${NAME}"
 !define MUI_FINISHPAGE_RUN_FUNCTION StartProgram
-!define MUI_FINISHPAGE_SHOWREADME "$INSTDIR\user-guide.html"
+!define MUI_FINISHPAGE_SHOWREADME
+!define MUI_FINISHPAGE_SHOWREADME_FUNCTION OpenGuide
 !define MUI_FINISHPAGE_SHOWREADME_TEXT "Open the user guide"
 !define MUI_FINISHPAGE_SHOWREADME_NOTCHECKED
 
@@ -129,9 +130,13 @@ FunctionEnd
 !insertmacro EnsureWritable ""
 !insertmacro EnsureWritable "un."
 
-; Through the desktop's own shell: setup runs elevated, perhaps as another user, and the program shall not.
+; Through the desktop's own shell: setup runs elevated, perhaps as another user; program and browser shall not.
 Function StartProgram
   Exec '"$WINDIR\explorer.exe" "$INSTDIR\${PROGRAM}"'
+FunctionEnd
+
+Function OpenGuide
+  Exec '"$WINDIR\explorer.exe" "$INSTDIR\user-guide.html"'
 FunctionEnd
 
 ; Windows' own trap service, when it runs, holds the port: $0 is its state (4: running), empty when there is none.
@@ -208,15 +213,15 @@ SectionEnd
 Section "Firewall rule for UDP 162" FirewallSection
   DetailPrint "Adding the firewall rule..."
   !insertmacro DeleteFirewallRule
-  nsExec::ExecToStack '"$SYSDIR\netsh.exe" advfirewall firewall add rule name="${RULE}" dir=in action=allow protocol=UDP \
-      localport=162 program="$INSTDIR\${PROGRAM}"'
+  nsExec::ExecToStack '"$SYSDIR\netsh.exe" advfirewall firewall add rule name="${RULE}" dir=in action=allow \
+      protocol=UDP localport=162 program="$INSTDIR\${PROGRAM}"'
   Pop $0
   Pop $1
   ${If} $0 == "0"
     WriteRegDWORD HKLM "${UNINSTALL_KEY}" "FirewallRule" 1
   ${Else}
-    !insertmacro Tell "The firewall rule could not be added (netsh: $0). ${NAME} is installed all the same, but Windows \
-        Firewall may keep traps away from it. Allow inbound UDP port 162 for $INSTDIR\${PROGRAM} yourself."
+    !insertmacro Tell "The firewall rule could not be added (netsh: $0). ${NAME} is installed all the same, but \
+        Windows Firewall may keep traps away from it. Allow inbound UDP port 162 for $INSTDIR\${PROGRAM} yourself."
   ${EndIf}
 SectionEnd
 
@@ -279,10 +284,11 @@ Function .onInit
   !insertmacro SelectBy FIREWALL ${FirewallSection}
 FunctionEnd
 
-LangString ProgramText ${LANG_ENGLISH} "The program, its user guide and the Start menu entries, for all users. A running \
-    ${NAME} is closed first; traps that arrive until it is started again are not recorded."
+LangString ProgramText ${LANG_ENGLISH} "The program, its user guide and the Start menu entries, for all users. \
+    A running ${NAME} is closed first; traps that arrive until it is started again are not recorded."
 LangString AutostartText ${LANG_ENGLISH} "Starts ${NAME} whenever a user of this computer signs in."
-LangString FirewallText ${LANG_ENGLISH} "Lets traps through Windows Firewall: inbound UDP port 162, for this program only."
+LangString FirewallText ${LANG_ENGLISH} "Lets traps through Windows Firewall: inbound UDP port 162, \
+    for this program only."
 !insertmacro MUI_FUNCTION_DESCRIPTION_BEGIN
   !insertmacro MUI_DESCRIPTION_TEXT ${ProgramSection} $(ProgramText)
   !insertmacro MUI_DESCRIPTION_TEXT ${AutostartSection} $(AutostartText)

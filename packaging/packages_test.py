@@ -8,6 +8,7 @@ import hashlib
 import os
 import re
 import shutil
+import struct
 import subprocess
 import sys
 import zipfile
@@ -23,14 +24,17 @@ from harness.data_folder import DataFolder  # noqa: E402
 from harness.driver import Driver  # noqa: E402
 from harness.program import Program  # noqa: E402
 from harness.waiting import wait_until  # noqa: E402
+from harness.window import Window  # noqa: E402
 
 VERSION = re.search(r"^project\(Quillmont VERSION ([0-9.]+)", (ROOT / "CMakeLists.txt").read_text(), re.M)[1]
 CONTENT = ["CHANGELOG.txt", "Quillmont.exe", "user-guide.html"]
 
-UNINSTALL_KEY = r"HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Quillmont"
-RUN_KEY = r"HKLM\Software\Microsoft\Windows\CurrentVersion\Run"
+CURRENT_VERSION = r"HKLM\Software\Microsoft\Windows\CurrentVersion"
+UNINSTALL_KEY = CURRENT_VERSION + r"\Uninstall\Quillmont"
+RUN_KEY = CURRENT_VERSION + r"\Run"
 RUN_COMMAND = r'"C:\Program Files\Quillmont\Quillmont.exe"'
 INSTALLED_WORD = "0x1"
+NEXT_BUTTON = 1  # of the wizard, whatever it says
 
 MEM_TOTAL_REAL = "1.3.6.1.4.1.2021.4.5"
 
@@ -88,11 +92,12 @@ class Installation:
         run_wine(r"C:\Program Files\Quillmont\uninstall.exe", "/S", *switches)
         wait_until(lambda: not self.folder.exists(), "the program's folder to be gone")
 
-    def is_gone(self):
-        """Whether nothing in the folders of all users and in the registry speaks of it."""
-        assert run_wine("reg", "export", r"HKLM\Software", r"C:\machine.reg", "/y") == 0
-        exported = (drive() / "machine.reg").read_bytes().decode("utf-16", "replace")
-        return not self.folder.exists() and not self.menu.exists() and "quillmont" not in exported.lower()
+    def traces(self):
+        """What speaks of it in the folders of all users and where programs announce themselves to Windows."""
+        assert run_wine("reg", "export", CURRENT_VERSION, r"C:\current.reg", "/y") == 0
+        announced = (drive() / "current.reg").read_bytes().decode("utf-16")
+        lines = [line for line in announced.splitlines() if "quillmont" in line.lower()]
+        return lines + [str(path) for path in (self.folder, self.menu) if path.exists()]
 
 
 @pytest.fixture(scope="module")
@@ -157,6 +162,24 @@ def test_the_guide_in_the_zip_is_one_file():
     assert all(picture.startswith("data:") for picture in pictures), pictures
 
 
+def test_the_program_says_who_it_is_and_what_it_asks_of_windows():
+    with zipfile.ZipFile(package("windows-x64.zip")) as archive:
+        octets = archive.read("Quillmont.exe")
+    # The fixed part of the version resource: its mark, its own version, the file's version.
+    fixed = octets.index(struct.pack("<II", 0xFEEF04BD, 0x10000))
+    high, low = struct.unpack_from("<II", octets, fixed + 8)
+    assert f"{high >> 16}.{high & 0xFFFF}.{low >> 16}" == VERSION
+    for text in ("Quillmont PRO", "\u00a9 2026 Quillmont", VERSION):
+        assert text.encode("utf-16-le") in octets
+    manifest = octets[octets.index(b"<assembly") : octets.index(b"</assembly>")].decode()
+    for wanted in ('level="asInvoker"', "{8e0f7a12-bfb3-4fe8-b9a5-48fd50a15a9a}", 'version="6.0.0.0"'):
+        assert wanted in manifest
+    for setting in ("gdiScaling", "longPathAware"):
+        assert re.search(rf"<{setting}\b[^>]*>true</{setting}>", manifest)
+    for unwanted in ("activeCodePage", "dpiAwareness", ">true</dpiAware>"):
+        assert unwanted not in manifest
+
+
 def test_the_change_log_begins_with_this_version():
     assert re.search(r"^## ([0-9.]+)", (ROOT / "CHANGELOG.md").read_text(), re.M)[1] == VERSION
 
@@ -172,6 +195,21 @@ def test_the_zip_runs_from_a_folder_with_a_blank_and_an_umlaut(data, start):
     assert data.config.exists()
 
 
+def test_the_guides_own_names_name_what_it_says(data, start):
+    guide = (ROOT / "docs" / "user-guide.md").read_text()
+    names = re.search(r"^```\n(system .*?)^```$", guide, re.M | re.S)[1]
+    data.add_mib("my-names.mib", names)
+    with zipfile.ZipFile(package("windows-x64.zip")) as archive:
+        archive.extract("Quillmont.exe", drive() / "names")
+    program = start(drive() / "names" / "Quillmont.exe")
+    data.wait_for_start()
+    traps.send_v2c(MEM_TOTAL_REAL, "i", "8029184")
+    data.wait_for_traps(1)
+    program.close()
+    assert b"] 1.3.6.1.2.1.1.3.0 (sysUpTime-0)  TimeTicks = " in data.trap_octets()
+    assert b"] 1.3.6.1.6.3.1.1.4.1.0 (snmpTrapOID-0)  OID = " in data.trap_octets()
+
+
 def test_installing_puts_everything_in_place(installation):
     assert installation.install() == 0
     assert sorted(entry.name for entry in installation.folder.iterdir()) == sorted([*CONTENT, "uninstall.exe"])
@@ -180,6 +218,32 @@ def test_installing_puts_everything_in_place(installation):
     assert registry_value(UNINSTALL_KEY, "DisplayVersion") == VERSION
     assert registry_value(UNINSTALL_KEY, "FirewallRule") == INSTALLED_WORD
     assert registry_value(RUN_KEY, "Quillmont") == RUN_COMMAND
+
+
+def test_the_wizard_installs_what_is_ticked_and_starts_the_program(data, driver, installation):
+    process = driver("start", "Z:" + str(package("setup.exe")))
+
+    def find_wizard():
+        found = [facts for facts in driver("windows", process) if facts["text"] == "Quillmont PRO Setup"]
+        return found and Window(driver, found[0]["handle"])
+
+    wizard = wait_until(find_wizard, "the wizard")
+
+    def shows(class_name):
+        return any(facts.__dict__["class"] == class_name and facts.visible for facts in wizard.descendants())
+
+    forward = wizard.control(NEXT_BUTTON)
+    forward.click()
+    wait_until(lambda: shows("SysTreeView32"), "the page with the boxes")
+    forward.click()
+    forward.wait_text("&Install")
+    forward.click()
+    forward.wait_text("&Finish")
+    forward.click()
+    assert driver("wait_for_exit", process, 20000) == 0
+    assert registry_value(RUN_KEY, "Quillmont") == RUN_COMMAND
+    data.wait_for_start()
+    assert len(running_programs()) == 1
 
 
 def test_the_installed_program_records(data, installation, start):
@@ -211,6 +275,18 @@ def test_a_silent_installation_starts_nothing_that_did_not_run(data, installatio
     installation.install()
     assert not running_programs()
     assert not data.folder.exists()
+
+
+def test_another_folder_is_kept_by_an_upgrade(installation):
+    folder = drive() / "Tools" / "Quillmont"
+    installation.install(r"/D=C:\Tools\Quillmont")
+    (folder / "CHANGELOG.txt").unlink()
+    installation.install()
+    assert (folder / "CHANGELOG.txt").exists()
+    assert registry_value(RUN_KEY, "Quillmont") == r'"C:\Tools\Quillmont\Quillmont.exe"'
+    run_wine(r"C:\Tools\Quillmont\uninstall.exe", "/S")
+    wait_until(lambda: not folder.exists(), "the program's folder to be gone")
+    assert installation.traces() == []
 
 
 def test_what_is_declined_is_not_installed_and_stays_declined(installation):
@@ -273,12 +349,13 @@ def test_a_program_that_cannot_be_replaced_is_left_alone(driver, installation):
 
 def test_uninstalling_leaves_no_trace_but_the_operators_files(data, installation, start):
     installation.install()
+    assert len(installation.traces()) > 5
     program = start(installation.program)
     check_that_it_records(data)
     data.add_mib("MY-MIB.txt", b"")
     installation.uninstall()
     assert program.wait_for_exit() == 0
-    assert installation.is_gone()
+    assert installation.traces() == []
     assert sorted(entry.name for entry in data.folder.iterdir()) == ["SNMP.txt", "config.xml", "log.txt", "mibs"]
     assert (data.mibs / "MY-MIB.txt").exists()
 
@@ -298,4 +375,4 @@ def test_uninstalling_takes_the_operators_files_when_told_to(data, installation,
     assert data.config.exists()
     installation.uninstall("/DELETEDATA=yes")
     wait_until(lambda: not data.folder.exists(), "the data folder to be gone")
-    assert installation.is_gone()
+    assert installation.traces() == []

@@ -5,20 +5,17 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 if [[ ${1:-} != --inside ]]; then
-    scripts/packages.sh build run test picture
+    scripts/packages.sh build run picture
     scripts/build.sh windows Quillmont quillmont_desktop_driver quillmont_desktop_spy
     exec tests/support/run_on_private_desktop.sh scripts/make_pictures.sh --inside
 fi
 
 # The pictures must not show who made them: the data folder of a user called Operator, whose registry says so
-# before the first program runs. Segoe UI is not to be had here; Open Sans is the closest in Debian.
+# before the first program runs.
 cat >>"$WINEPREFIX/user.reg" <<'REGISTRY'
 
 [Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders] 1
 "Local AppData"="C:\\users\\Operator\\AppData\\Local"
-
-[Software\\Wine\\Fonts\\Replacements] 1
-"Segoe UI"="Open Sans"
 
 [Control Panel\\Desktop] 1
 "FontSmoothing"="2"
@@ -33,8 +30,6 @@ cat >>"$WINEPREFIX/user.reg" <<'REGISTRY'
 "GradientInactiveTitle"="205 211 220"
 "InactiveTitleText"="70 70 70"
 REGISTRY
-mkdir -p "$WINEPREFIX/drive_c/users/Operator/AppData/Local" "$WINEPREFIX/drive_c/windows/Fonts"
-# Debian's Wine does not look where Debian's fonts-wine puts its fonts; without this one the close box shows an "r".
-cp /usr/share/wine/fonts/marlett.ttf "$WINEPREFIX/drive_c/windows/Fonts"
+mkdir -p "$WINEPREFIX/drive_c/users/Operator/AppData/Local"
 
 /usr/bin/python3 -B scripts/make_pictures.py

@@ -6,13 +6,15 @@ set -euo pipefail
 
 build_packages=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix libgtest-dev)
 # snmp sends the traps that run.sh shows, libsnmp-base brings the MIB files that name them; xwd (x11-apps) and
-# convert (imagemagick) take the pictures; ip and unshare make the private network; python3 runs the recipes.
-run_packages=(wine wine64 xvfb x11-apps imagemagick snmp libsnmp-base iproute2 util-linux python3)
+# convert (imagemagick) take the pictures; ip and unshare make the private network; python3 runs the recipes;
+# Open Sans stands in for Segoe UI, and fonts-wine has the signs of the caption buttons.
+run_packages=(wine wine64 xvfb x11-apps imagemagick snmp libsnmp-base iproute2 util-linux python3
+    fonts-open-sans fonts-wine)
 test_packages=(libclang-rt-14-dev clang-14 clang-format git python3-pytest)
 
-# makensis (nsis) makes the installer, pandoc the guide's HTML; fonts-wine has the signs of the caption buttons.
+# makensis (nsis) makes the installer, pandoc the guide's HTML.
 package_packages=(nsis pandoc zip unzip)
-picture_packages=(pngquant fonts-open-sans fonts-wine)
+picture_packages=(pngquant)
 
 wanted=()
 for purpose in "$@"; do

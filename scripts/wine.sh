@@ -26,7 +26,12 @@ MakeTemplatePrefix() {
         wine wineboot --init >/dev/null 2>&1
         # A crashed program shall end, not wait for an answer in a dialog.
         wine reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f >/dev/null 2>&1
+        # Segoe UI is not to be had here; Open Sans is the closest in Debian.
+        wine reg add 'HKCU\Software\Wine\Fonts\Replacements' /v 'Segoe UI' /d 'Open Sans' /f >/dev/null 2>&1
         wineserver -w
+        # The signs on the caption's buttons. Debian's Wine does not look where Debian's fonts-wine puts its fonts.
+        mkdir -p "$WINEPREFIX/drive_c/windows/Fonts"
+        cp /usr/share/wine/fonts/marlett.ttf "$WINEPREFIX/drive_c/windows/Fonts"
         mv "$WINEPREFIX" "$wine_folder/template"
     ) 9>"$wine_folder/lock"
 }

@@ -3,8 +3,8 @@
 
 #include "platform/windows/windows_headers.h"
 
-extern HWND
-    StartButtonHandle;  // "Start server" or "Stop server"; null until the main window is being created
+// "Start server" or "Stop server"; null until the main window is being created.
+extern HWND StartButtonHandle;
 
 // Makes the buttons at WM_CREATE and posts itself the click of the first: the receiver starts by itself as
 // soon as messages are dispatched. At WM_DESTROY stops the receiver, saves the settings and ends the message

@@ -4,10 +4,14 @@
 
 #include "platform/windows/windows_headers.h"
 
-extern HBRUSH
-    BackgroundBrush;  // white; background of every window class and of the coloured controls. May be null.
-extern HFONT UiFont;  // null: the controls keep the system's font
-extern HWND MainWindowHandle;  // set by wWinMain once the window exists, null until then
+// White; the background of every window class and of the coloured controls. May be null.
+extern HBRUSH BackgroundBrush;
+
+// Null: the controls keep the system's font.
+extern HFONT UiFont;
+
+// Set by wWinMain once the window exists, null until then.
+extern HWND MainWindowHandle;
 
 // Each makes what is still missing. A refusal by the system leaves the null handle, which everyone can live
 // with.

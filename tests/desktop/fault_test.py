@@ -45,7 +45,8 @@ def local_application_data(value):
             text,
             "/f",
         ]
-        subprocess.run(command, check=True, capture_output=True, timeout=60)
+        # No pipes: the first program of a prefix starts Wine's services, which would hold them open.
+        subprocess.run(command, check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=60)
 
     set_folder(value)
     try:

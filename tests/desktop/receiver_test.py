@@ -22,7 +22,7 @@ from harness.traps import (
     send_v2c,
     udp_socket,
 )
-from harness.waiting import stays_true
+from harness.waiting import DEFAULT_SECONDS, stays_true
 
 TINY_MIB = """
 tinyRoot OBJECT IDENTIFIER ::= { enterprises 9999 }
@@ -166,7 +166,7 @@ def test_a_burst_of_500_traps_is_recorded_whole_and_in_order(program, data):
 def test_a_stopped_receiver_frees_both_ports_and_records_nothing(program, data):
     program.stop()
     with hold_port(TRAP_PORT) as trap, hold_port(LISTENER_PORT):
-        trap.settimeout(20)
+        trap.settimeout(DEFAULT_SECONDS)
         send_raw(message(integer_binding(1)))
         assert trap.recv(65535) == message(integer_binding(1))
     assert data.trap_octets() == b""

@@ -62,8 +62,8 @@ uint32_t CountGdiObjects() {
     return count;
 }
 
-// GetProcessHandleCount answers 0 under Wine too. Handles are multiples of four, and the lowest free one is given
-// out next, so a leak of any number fills the range from below.
+// GetProcessHandleCount answers 0 under Wine too. Handles are multiples of four, and the lowest free one is
+// given out next, so a leak of any number fills the range from below.
 uint32_t CountKernelHandles() {
     uint32_t count = 0;
     for (UINT_PTR value = 4; value < 0x8000; value += 4) {

@@ -8,7 +8,7 @@ import pytest
 from harness.data_folder import LINE_END, mask_stamps, record
 from harness.tool_windows import LOG, MONITOR, VIEWERS
 from harness.traps import LOOPBACK, TRAP_PORT, integer_binding, integer_line, message, send_raw, udp_socket
-from harness.waiting import stays_true, wait_until
+from harness.waiting import DEFAULT_SECONDS, stays_true, wait_until
 
 # What an edit control takes unless it is told otherwise.
 DEFAULT_LIMIT = 30000
@@ -267,7 +267,7 @@ def test_clearing_under_fire_loses_no_record_written_after_the_last_clear(progra
     shooter = threading.Thread(target=fire)
     shooter.start()
     try:
-        assert sent.wait(20)
+        assert sent.wait(DEFAULT_SECONDS)
         for count in range(1, clears + 1):
             window.control(300).click()
             data.wait_for_log("SNMP.txt cleared.", count)

@@ -21,7 +21,8 @@ class Storms : public EngineTest {
     }
 
     static std::string NumberedRecord(size_t number) {
-        return "       FROM: 127.0.0.1\r\r\n---> [1] 1.3.6.1.4.1.9999.1  INTEGER = " + std::to_string(number);
+        std::string record = "       FROM: 127.0.0.1\r\r\n---> [1] 1.3.6.1.4.1.9999.1  INTEGER = ";
+        return record.append(std::to_string(number));
     }
 
     static size_t BurstThatTheBufferHolds() {

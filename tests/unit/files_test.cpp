@@ -129,11 +129,18 @@ TEST_F(FilesTest, FailedCopyLeavesTheTargetUnchanged) {
     EXPECT_FALSE(CopyFileOver(file_, inMissingFolder_));
 }
 
-TEST_F(FilesTest, RemovedFileIsGoneAndAMissingOneCannotBeRemoved) {
+TEST_F(FilesTest, RemovedFileIsGoneAndAMissingOneCountsAsRemoved) {
     ASSERT_TRUE(ReplaceOctets(file_, "x"));
     EXPECT_TRUE(RemoveFile(file_));
     EXPECT_FALSE(PathExists(file_));
-    EXPECT_FALSE(RemoveFile(file_));
+    EXPECT_TRUE(RemoveFile(file_));
+}
+
+TEST_F(FilesTest, AFolderIsNoFileToRemove) {
+    const std::wstring folder = Path(L"folder");
+    CreateFolderWithParents(folder);
+    EXPECT_FALSE(RemoveFile(folder));
+    EXPECT_TRUE(PathExists(folder));
 }
 
 TEST_F(FilesTest, NamesOutsideAsciiAreKeptExactly) {

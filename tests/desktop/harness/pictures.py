@@ -1,26 +1,26 @@
 """Pictures of windows, taken from the virtual display."""
 
 import subprocess
+import time
 
-from harness.waiting import wait_until
+# A window that changes all the time, like the status window, is taken as it is after this.
+STILL_SECONDS = 5
 
 
-def _window_picture(window):
+def _look(window):
+    """The window's pixels on the display, as a PPM file."""
     left, top, right, bottom = window.facts.rect
     screen = subprocess.run(["xwd", "-root", "-silent"], check=True, capture_output=True).stdout
     crop = f"{right - left}x{bottom - top}+{left}+{top}"
-    command = ["convert", "xwd:-", "-crop", crop, "+repage", "png:-"]
+    command = ["convert", "xwd:-", "-crop", crop, "+repage", "ppm:-"]
     return subprocess.run(command, input=screen, check=True, capture_output=True).stdout
 
 
 def save_picture(window, path):
     """Saves the window as it stands on the display, once two looks in a row show the same: it is painted then."""
-    seen = [None]
-
-    def is_still():
+    deadline = time.monotonic() + STILL_SECONDS
+    last, seen = None, _look(window)
+    while seen != last and time.monotonic() < deadline:
         window.send(0)
-        last, seen[0] = seen[0], _window_picture(window)
-        return seen[0] == last
-
-    wait_until(is_still, "the window to be painted")
-    path.write_bytes(seen[0])
+        last, seen = seen, _look(window)
+    subprocess.run(["convert", "ppm:-", str(path)], input=seen, check=True)

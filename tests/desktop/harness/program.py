@@ -3,7 +3,7 @@
 import os
 from pathlib import Path
 
-from harness.waiting import wait_until
+from harness.waiting import DEFAULT_SECONDS, wait_until
 from harness.window import Window
 
 TITLE = "Quillmont PRO v1.0 (SNMP v1 and v2c) -  \u00a9 2026 Quillmont"
@@ -99,7 +99,7 @@ class Program:
     def runs(self):
         return self.driver("wait_for_exit", self.process, 0) is None
 
-    def wait_for_exit(self, seconds=20):
+    def wait_for_exit(self, seconds=DEFAULT_SECONDS):
         """The exit code."""
         code = self.driver("wait_for_exit", self.process, int(seconds * 1000))
         assert code is not None, "the program still runs"

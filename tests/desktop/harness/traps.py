@@ -4,7 +4,7 @@ import os
 import socket
 import subprocess
 
-from harness.waiting import wait_until
+from harness.waiting import DEFAULT_SECONDS, wait_until
 
 LOOPBACK = "127.0.0.1"
 TRAP_PORT = 162
@@ -57,7 +57,7 @@ def udp_socket(port=0):
     """A socket of the loopback address. Without address reuse: while it is open it has the port alone."""
     udp = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
     udp.bind((LOOPBACK, port))
-    udp.settimeout(20)
+    udp.settimeout(DEFAULT_SECONDS)
     return udp
 
 

@@ -3,7 +3,8 @@
 import time
 
 POLL_SECONDS = 0.01
-DEFAULT_SECONDS = 20
+# Far more than anything takes, so that a busy machine fails nothing.
+DEFAULT_SECONDS = 60
 
 
 def wait_until(condition, what, seconds=DEFAULT_SECONDS):

@@ -1,0 +1,22 @@
+#!/usr/bin/env bash
+# Builds and packages the sources twice from scratch, in folders of different names, and compares the octets.
+# Usage: packaging/test_reproducible.sh
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+folder="$(mktemp -d)"
+trap 'rm -rf "$folder"' EXIT
+
+# CopySources FOLDER: what stands in the sources' folder now, without what was built there.
+CopySources() {
+    mkdir -p "$1"
+    tar --create --exclude=./build --exclude=./dist --exclude=./.git . | tar --extract --directory "$1" --touch
+}
+
+CopySources "$folder/first"
+(cd "$folder/first" && ./package.sh >/dev/null)
+CopySources "$folder/a/longer way/to the second"
+(cd "$folder/a/longer way/to the second" && umask 077 && TZ=Asia/Tokyo ./package.sh >/dev/null)
+diff --recursive "$folder/first/dist" "$folder/a/longer way/to the second/dist"
+cat "$folder/first/dist/SHA256SUMS"
+echo "Both builds gave the same octets."
