@@ -1,12 +1,14 @@
 // The least that any receiver of this kind can do on Windows: take a datagram from UDP 162 with a receive
 // call that blocks, append a block of octets to each of two files, opening and closing each. Nothing is
-// decoded and there is no window; what Quillmont needs beyond this program's time is Quillmont's own. Usage:
-// floor_receiver.exe FOLDER RECORD_OCTETS LINE_OCTETS. Ends when it is killed.
+// decoded and there is no window unless the fourth word asks for an empty one (for what a window costs in
+// memory); what Quillmont needs beyond this program's time is Quillmont's own. Usage: floor_receiver.exe
+// FOLDER RECORD_OCTETS LINE_OCTETS. Ends when it is killed.
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <vector>
 
+#include "bench/floor_window.h"
 #include "platform/windows/windows_headers.h"
 
 namespace {
@@ -50,6 +52,7 @@ int main(int argc, char** argv) {
         std::fputs("usage: floor_receiver FOLDER RECORD_OCTETS LINE_OCTETS\n", stderr);
         return 2;
     }
+    ShowEmptyWindow();
     const std::string narrowFolder = argv[1];
     const std::wstring folder(narrowFolder.begin(), narrowFolder.end());
     const std::wstring trapFile = folder + L"\\SNMP.txt";

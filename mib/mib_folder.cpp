@@ -1,6 +1,7 @@
 #include "mib/mib_folder.h"
 
 #include <algorithm>
+#include <cwchar>
 #include <cwctype>
 
 #include "core/activity_log.h"
@@ -37,8 +38,9 @@ void TrimTables() {
 
 bool IsMibFile(std::wstring_view path) {
     std::wstring extension(FindExtension(path));
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](wchar_t character) { return static_cast<wchar_t>(std::towlower(character)); });
+    for (wchar_t& character : extension) {
+        character = static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(character)));
+    }
     return extension == L".mib" || extension == L".txt" || extension == L".my";
 }
 

@@ -13,10 +13,14 @@ CopySources() {
     tar --create --exclude=./build --exclude=./dist --exclude=./.git . | tar --extract --directory "$1" --touch
 }
 
-CopySources "$folder/first"
-(cd "$folder/first" && ./package.sh >/dev/null)
-CopySources "$folder/a/longer way/to the second"
-(cd "$folder/a/longer way/to the second" && umask 077 && TZ=Asia/Tokyo ./package.sh >/dev/null)
-diff --recursive "$folder/first/dist" "$folder/a/longer way/to the second/dist"
-cat "$folder/first/dist/SHA256SUMS"
+# Both before the first build, so that nobody's editing comes between them.
+first="$folder/first"
+second="$folder/a/longer way/to the second"
+CopySources "$first"
+CopySources "$second"
+
+(cd "$first" && ./package.sh >/dev/null)
+(cd "$second" && umask 077 && TZ=Asia/Tokyo ./package.sh >/dev/null)
+diff --recursive "$first/dist" "$second/dist"
+cat "$first/dist/SHA256SUMS"
 echo "Both builds gave the same octets."

@@ -22,6 +22,9 @@ namespace {
 
 constexpr DWORD DialogCapacity = 8192;  // characters; a selection that does not fit counts as cancelled
 
+// What the buffer really holds: Wine's dialog writes a longer selection out in full.
+constexpr size_t DialogRoom = size_t{8} * DialogCapacity;
+
 // Pairs of description and pattern, ended by an empty text.
 // Kept: the first description does not name ".my" although its pattern takes it; the line is long enough as
 // it is.
@@ -32,7 +35,7 @@ constexpr wchar_t DeleteQuestion[] = L"Alle MIB Dateien im MIB-Ordner l\u00C3\u0
 
 // False: cancelled, or the selection did not fit.
 bool AskForFiles(std::wstring& buffer) {
-    buffer.assign(DialogCapacity, L'\0');
+    buffer.assign(DialogRoom, L'\0');
     OPENFILENAMEW dialog{};
     dialog.lStructSize = sizeof(dialog);
     dialog.hwndOwner = StatusWindowHandle ? StatusWindowHandle : MainWindowHandle;

@@ -160,7 +160,8 @@ std::string MeasureLongestAnswer(const Request& request) {
 std::vector<ScopedHandle> heldFiles;
 
 std::string HoldFile(const Request& request) {
-    ScopedHandle file(CreateFileW(request.Text(0).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    ScopedHandle file(
+        CreateFileW(request.Text(0).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
     if (!file) {
         throw RequestError("CreateFileW failed: " + std::to_string(GetLastError()));
     }

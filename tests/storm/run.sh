@@ -13,7 +13,7 @@ cmake --build build/storm --target quillmont_storm_receiver quillmont_storm_send
 
 export QUILLMONT_EXE="$PWD/build/windows/Quillmont.exe"
 export QUILLMONT_DRIVER="$PWD/build/windows/tests/desktop/quillmont_desktop_driver.exe"
-export QUILLMONT_RECEIVER="$PWD/build/storm/tests/quillmont_storm_receiver"
-export QUILLMONT_RECEIVER_EXE="$PWD/build/windows/tests/quillmont_storm_receiver.exe"
-export QUILLMONT_SENDER="$PWD/build/storm/tests/quillmont_storm_sender"
+export QUILLMONT_RECEIVER="$PWD/build/storm/tests/storm/quillmont_storm_receiver"
+export QUILLMONT_RECEIVER_EXE="$PWD/build/windows/tests/storm/quillmont_storm_receiver.exe"
+export QUILLMONT_SENDER="$PWD/build/storm/tests/storm/quillmont_storm_sender"
 exec tests/support/run_on_private_desktop.sh /usr/bin/python3 -B tests/storm/measure.py "$@"

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string_view>
 
 class FencedOctets {
   public:
@@ -14,9 +15,13 @@ class FencedOctets {
         std::copy(octets, octets + size, memory_.get() + 1);
     }
 
+    explicit FencedOctets(std::string_view octets)
+        : FencedOctets(reinterpret_cast<const uint8_t*>(octets.data()), octets.size()) {}
+
     const uint8_t* data() const { return memory_.get() + 1; }
     size_t size() const { return size_; }
     const uint8_t* end() const { return data() + size_; }
+    std::string_view AsText() const { return {reinterpret_cast<const char*>(data()), size_}; }
 
   private:
     std::unique_ptr<uint8_t[]> memory_;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/fenced_octets.h"
+
 namespace {
 
 std::string Encode(std::wstring_view text) {
@@ -17,8 +19,9 @@ std::string EncodeLines(std::wstring_view text) {
 }
 
 std::wstring Decode(std::string_view octets) {
+    const FencedOctets fenced(octets);
     std::wstring text = L"leftover";
-    DecodeFileText(octets, text);
+    DecodeFileText(fenced.AsText(), text);
     return text;
 }
 

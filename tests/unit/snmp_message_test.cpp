@@ -226,6 +226,16 @@ TEST(DecodeSnmpMessage, ElementsThatAreNoSequenceAreSkipped) {
         (Lines{kUpTimeLine, kNameLine}));
 }
 
+TEST(DecodeSnmpMessage, BindingUnderAnyOtherTagIsSkipped) {
+    Octets binding = EncodeBinding(kUpTime);
+    for (int tag = 0; tag <= 0xFF; ++tag) {
+        binding[0] = static_cast<uint8_t>(tag);
+        const Lines lines = Decode(ListOf({binding, EncodeBinding(kName)}));
+        EXPECT_EQ(lines.size(), tag == ber::kSequence ? 2U : 1U) << tag;
+        EXPECT_EQ(lines.back(), kNameLine);
+    }
+}
+
 TEST(DecodeSnmpMessage, BindingsOfFewerThanTwoOctetsAreSkipped) {
     EXPECT_EQ(Decode(ListOf({{0x30, 0x00}, {0x30, 0x01, 0x06}, EncodeBinding(kName)})), Lines{kNameLine});
 }

@@ -4,18 +4,21 @@
 
 #include "platform/text.h"
 #include "platform/utf8.h"
+#include "tests/support/fenced_octets.h"
 
 namespace {
 
 // What DecodeUtf8 makes of the octets, or a mark that they are not UTF-8.
 std::wstring DecodeStrictly(std::string_view octets) {
+    const FencedOctets fenced(octets);
     std::wstring text = L"leftover";
-    return DecodeUtf8(octets, text) ? text : L"(not UTF-8)";
+    return DecodeUtf8(fenced.AsText(), text) ? text : L"(not UTF-8)";
 }
 
 std::wstring DecodeEither(std::string_view octets) {
+    const FencedOctets fenced(octets);
     std::wstring text = L"leftover";
-    DecodeUtf8OrAnsi(octets, text);
+    DecodeUtf8OrAnsi(fenced.AsText(), text);
     return text;
 }
 

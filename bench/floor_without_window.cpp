@@ -1,0 +1,3 @@
+#include "bench/floor_window.h"
+
+void ShowEmptyWindow() {}
