@@ -1,7 +1,6 @@
 // The least that any receiver of this kind can do on Windows: take a datagram from UDP 162 with a receive
 // call that blocks, append a block of octets to each of two files, opening and closing each. Nothing is
-// decoded and there is no window unless the fourth word asks for an empty one (for what a window costs in
-// memory); what Quillmont needs beyond this program's time is Quillmont's own. Usage: floor_receiver.exe
+// decoded; what Quillmont needs beyond this program's time is Quillmont's own. Usage: floor_receiver.exe
 // FOLDER RECORD_OCTETS LINE_OCTETS. Ends when it is killed.
 #include <cstdio>
 #include <cstdlib>

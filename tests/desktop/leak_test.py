@@ -19,20 +19,18 @@ from mib_import_test import FileDialog, delete_all, import_files, mib, samples  
 LONG = os.environ.get("QUILLMONT_LONG") == "1"
 MIB_SAMPLES = Path("/usr/share/snmp/mibs")
 
-# Wine's workers come and go with a handle or two; one handle lost in each round would be more than this.
-FEW = 8
-# Wine keeps device contexts that it has made for later use: within the first hundred openings of a window the number
-# of GDI objects rises by up to 50, and the next seven hundred add none. One lost in each round would be more.
-DRAWING_CACHE = 25
-# What the allocator keeps and gives back; it swings by this much without rising.
+# A cache stops growing and a leak never does. Wine keeps device contexts for later use, up to 50 GDI objects in the
+# first hundred openings of a window and none in the next seven hundred; so one quiet batch of rounds is asked for, out
+# of so many.
+BATCHES = 6
+# Wine's workers come and go with a handle or two. One object lost in each round would be more than this.
+FEW = 4
+# The allocator keeps memory and gives it back; it swings by this much without rising.
 MEMORY_SLACK_KILOBYTES = 8192
 
 
 def rounds(short, long):
     return long if LONG else short
-
-
-WARM_UP = rounds(10, 100)
 
 
 @dataclass(frozen=True)
@@ -75,9 +73,7 @@ def observer(program, data):
 
 
 def measure(observer, what, count, once):
-    """Runs once() until everything lazy is there, then `count` times; what was held before and after."""
-    for _ in range(WARM_UP):
-        once()
+    """Runs once() `count` times; what was held before and after."""
     before = observer.look()
     for _ in range(count):
         once()
@@ -88,15 +84,25 @@ def measure(observer, what, count, once):
     return before, after
 
 
+def is_quiet(before, after):
+    return (
+        after.handles <= before.handles + FEW
+        and after.gdi_objects <= before.gdi_objects + FEW
+        and after.windows == before.windows
+        and after.descriptors <= before.descriptors + FEW
+        and after.threads <= before.threads + 1
+        and after.memory_kilobytes <= before.memory_kilobytes + MEMORY_SLACK_KILOBYTES
+    )
+
+
 def expect_no_leak(observer, what, count, once):
-    before, after = measure(observer, what, count, once)
-    assert before.handles > 0 and before.gdi_objects > 0 and before.threads >= 3
-    assert after.handles <= before.handles + FEW
-    assert after.gdi_objects <= before.gdi_objects + DRAWING_CACHE
-    assert after.windows == before.windows
-    assert after.descriptors <= before.descriptors + FEW
-    assert after.threads <= before.threads + 1
-    assert after.memory_kilobytes <= before.memory_kilobytes + MEMORY_SLACK_KILOBYTES
+    once()
+    for _ in range(BATCHES):
+        before, after = measure(observer, what, count, once)
+        assert before.handles > 0 and before.gdi_objects > 0 and before.threads >= 3
+        if is_quiet(before, after):
+            return
+    pytest.fail(f"each {count} x {what} leave something behind")
 
 
 def test_stopping_and_starting_leaves_nothing_behind(observer, program):
@@ -114,7 +120,7 @@ def test_opening_and_closing_a_window_leaves_nothing_behind(observer, program, t
         window.close()
         window.wait_closed()
 
-    expect_no_leak(observer, f"{tool.name} window opened and closed", rounds(30, 200), cycle)
+    expect_no_leak(observer, f"{tool.name} window opened and closed", rounds(15, 200), cycle)
 
 
 def test_repainting_leaves_nothing_behind(observer, program):
@@ -129,17 +135,18 @@ def test_reloading_the_mib_files_leaves_nothing_behind(observer, program, data):
     status = STATUS.open(program)
     program.driver("hold_file", data.windows_path(data.mibs / "A.mib"))
     try:
-        expect_no_leak(observer, "reload of the MIB files", rounds(20, 50), lambda: delete_all(program, status))
+        expect_no_leak(observer, "reload of the MIB files", rounds(10, 50), lambda: delete_all(program, status))
     finally:
         program.driver("release_files")
     assert len(list(data.mibs.iterdir())) == 3
-    assert data.log_messages().count("Delete MIBs failed.") == rounds(20, 50) + WARM_UP
+    assert data.log_messages().count("Delete MIBs failed.") > rounds(10, 50)
 
 
 def test_an_import_holds_no_more_than_the_dialog_of_the_system_does(observer, program, samples):  # noqa: F811
     status = STATUS.open(program)
     path = samples.add("one.mib", mib("one", 9999))
     count = rounds(10, 50)
+    import_files(program, status, path)
     before, between = measure(observer, "file dialog cancelled", count, lambda: FileDialog(program, status).cancel())
     again, after = measure(observer, "file imported", count, lambda: import_files(program, status, path))
     assert after.handles - again.handles <= between.handles - before.handles + FEW
