@@ -83,6 +83,7 @@ int main(int argc, char** argv) {
     TrapWorkspace workspace;
     std::string octets;
     ReportReceive(rounds, trap);
+    Report("stamp", rounds, [] { ReadLocalTime(); });
     Report("decode", rounds, [&] { DecodeSnmpMessage(trap.data(), trap.size(), workspace.bindings); });
     Report("compose", rounds,
            [&] { ComposeTrapRecord(time, L"127.0.0.1", workspace.bindings, workspace.record); });

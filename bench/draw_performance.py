@@ -18,6 +18,7 @@ set style data histograms
 set style histogram rowstacked
 set style fill solid 0.9 border -1
 set boxwidth 0.6
+set bmargin 3
 set ylabel "share of the time, percent"
 set yrange [0:100]
 set key outside right reverse Left
@@ -37,7 +38,7 @@ def read_steps(path):
 
 def make_row(system, steps):
     total = sum(steps[name] for name, _ in STEPS)
-    return f'"{system}\\n{total / 1000:.1f} us"', *(f"{100 * steps[name] / total:.2f}" for name, _ in STEPS)
+    return f'"{system}"', *(f"{100 * steps[name] / total:.2f}" for name, _ in STEPS)
 
 
 def main():

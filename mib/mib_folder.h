@@ -7,8 +7,7 @@
 
 // The one test of what counts as a MIB file: the extension is ".mib", ".txt" or ".my", letter case ignored.
 // It begins at the last dot behind the last backslash; a blank behind that dot makes it none, and a file
-// named
-// ".mib" is a MIB file, both as the shell sees extensions.
+// called just ".mib" is a MIB file, both as the shell sees extensions.
 bool IsMibFile(std::wstring_view path);
 
 // Rebuilds the name store from every MIB file in AppPaths.mibsDir, sub-folders left out, and logs how many

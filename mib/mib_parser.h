@@ -9,7 +9,8 @@
 // nothing. May throw std::bad_alloc. Caller holds MibStoreLock.
 void ParseMibFile(const std::wstring& path);
 
-// The same for a file's text. Time and memory are linear in its length.
+// The same for a file's text. The scan is linear in its length; what a value read in full stands for can be
+// as long as all such values before it together, when each builds on the last.
 //
 // Lines end at line feeds only, and lose their comment and the white space around them. A line that begins
 // with an identifier and holds "OBJECT-TYPE", "OBJECT IDENTIFIER" or "MODULE-IDENTITY" makes the identifier

@@ -156,6 +156,9 @@ Foothold Climb(RowStates& states, size_t place, std::vector<size_t>& way) {
 
 // Decides the rows left behind, from the top down.
 void Descend(RowStates& states, Foothold foothold, std::vector<size_t>& way) {
+    if (way.empty()) {
+        return;
+    }
     std::wstring oid(foothold.oid);
     for (; !way.empty(); way.pop_back()) {
         RowState& state = states[way.back()];
@@ -173,9 +176,10 @@ void Descend(RowStates& states, Foothold foothold, std::vector<size_t>& way) {
 }  // namespace
 
 void LookupOidName(std::wstring_view oid, std::wstring& name) {
-    const TextKey key(oid);
     const std::lock_guard lock(MibStoreLock);
-    const auto* row = OidNameMap.Find(key);
+    // Without MIB files, as on a fresh installation, hashing would be an eighth of a trap's decoding, for
+    // nothing.
+    const auto* row = OidNameMap.Count() == 0 ? nullptr : OidNameMap.Find(oid);
     name.assign(row == nullptr ? std::wstring_view() : row->value.View());
 }
 
@@ -271,6 +275,7 @@ void StoreResolvedDefinitions() {
 }
 
 void ClearNameStore() {
+    LastStoredPlace = 0;
     PendingDefinitions.Clear();
     NameOidMap.Clear();
     OidNameMap.Clear();

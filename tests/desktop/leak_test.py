@@ -14,7 +14,7 @@ import pytest
 
 from harness.processes import find_wine_process
 from harness.tool_windows import FORWARDING, LOG, MONITOR, STATUS
-from mib_import_test import FileDialog, delete_all, import_files, mib, samples  # noqa: F401
+from mib_import_test import delete_all, import_files, mib, samples  # noqa: F401
 
 LONG = os.environ.get("QUILLMONT_LONG") == "1"
 MIB_SAMPLES = Path("/usr/share/snmp/mibs")
@@ -142,13 +142,15 @@ def test_reloading_the_mib_files_leaves_nothing_behind(observer, program, data):
     assert data.log_messages().count("Delete MIBs failed.") > rounds(10, 50)
 
 
-def test_an_import_holds_no_more_than_the_dialog_of_the_system_does(observer, program, samples):  # noqa: F811
+def test_an_import_leaves_no_more_behind_than_the_dialog_of_the_system_does(observer, program, samples):  # noqa: F811
     status = STATUS.open(program)
     path = samples.add("one.mib", mib("one", 9999))
-    count = rounds(10, 50)
     import_files(program, status, path)
-    before, between = measure(observer, "file dialog cancelled", count, lambda: FileDialog(program, status).cancel())
-    again, after = measure(observer, "file imported", count, lambda: import_files(program, status, path))
-    assert after.handles - again.handles <= between.handles - before.handles + FEW
-    assert after.gdi_objects - again.gdi_objects <= between.gdi_objects - before.gdi_objects + FEW
-    assert after.windows == again.windows
+    count = rounds(10, 50)
+    before, after = measure(observer, "file imported", count, lambda: import_files(program, status, path))
+    # Wine's file dialog loses one handle whenever a file is chosen: a program that does nothing but show the dialog
+    # loses as many. Copying and reloading add none.
+    assert after.handles <= before.handles + count + FEW
+    assert after.gdi_objects <= before.gdi_objects + FEW
+    assert after.windows == before.windows
+    assert after.threads <= before.threads + 1

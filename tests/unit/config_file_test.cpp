@@ -127,7 +127,7 @@ TEST_F(ConfigFileTest, DefaultSettingsAreSavedAsFiveLinesWithThreeOctetLineEnds)
 TEST_F(ConfigFileTest, SavedSettingsLoadAgain) {
     SetSettings(true, L"192.168.1.20", 9162);
     SaveConfig();
-    SetSettings(false, L"", 1);
+    SetSettings(false, {}, 1);
     LoadConfig();
     ExpectSettings(true, L"192.168.1.20", 9162);
     EXPECT_EQ(ReadMessages(), "Config saved.Config loaded.");
