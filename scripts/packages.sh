@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Names every Debian package that building, running and testing need, and installs what is missing.
-# Usage: scripts/packages.sh [build] [run] [test] [package] [picture]. Asks nothing; as an ordinary user it goes
+# Usage: scripts/packages.sh [build] [run] [test] [package] [picture] [bench]. Asks nothing; as an ordinary user it goes
 # through sudo.
 set -euo pipefail
 
@@ -15,6 +15,8 @@ test_packages=(libclang-rt-14-dev clang-14 clang-format clang-tidy git python3-p
 # makensis (nsis) makes the installer, pandoc the guide's HTML.
 package_packages=(nsis pandoc zip unzip)
 picture_packages=(pngquant)
+# The benchmarks' library and the peers that the receiver is held against; gnuplot draws the picture.
+bench_packages=(libbenchmark-dev libsnmp-dev snmptrapd gnuplot-nox)
 
 wanted=()
 for purpose in "$@"; do

@@ -160,7 +160,7 @@ TEST(EncodeAnsi, AddressTextIsUnchangedAndBlanksStay) {
     std::string octets = "leftover";
     ASSERT_TRUE(EncodeAnsi(L" 10.1.2.3 ", octets));
     EXPECT_EQ(octets, " 10.1.2.3 ");
-    ASSERT_TRUE(EncodeAnsi(L"", octets));
+    ASSERT_TRUE(EncodeAnsi({}, octets));
     EXPECT_EQ(octets, "");
 }
 

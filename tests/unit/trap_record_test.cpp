@@ -23,7 +23,7 @@ std::wstring Compose(const std::vector<VarbindRecord>& records) {
 const std::wstring kHeaderLine = L"2026-03-07 09:05:02.047       FROM: 10.1.2.3\r\n";
 
 TEST(ComposeTrapRecord, HasAHeaderLineALineABindingAndAnEmptyLine) {
-    EXPECT_EQ(Compose({{L"1.3.6.1.2.1.1.3.0", L"", L"TimeTicks", L"123456"},
+    EXPECT_EQ(Compose({{L"1.3.6.1.2.1.1.3.0", {}, L"TimeTicks", L"123456"},
                        {L"1.3.6.1.6.3.1.1.4.1.0", L"snmpTrapOID", L"OID", L"1.3.6.1.6.3.1.1.5.3"}}),
               kHeaderLine +
                   L"---> [1] 1.3.6.1.2.1.1.3.0  TimeTicks = 123456\r\n"
@@ -40,16 +40,16 @@ TEST(ComposeTrapRecord, NoBindingsAreRecordedAsNotDecoded) {
 }
 
 TEST(ComposeTrapRecord, EmptyIdentifierLeavesThreeBlanksBehindTheBracket) {
-    EXPECT_EQ(Compose({{L"", L"", L"INTEGER", L"1"}}), kHeaderLine + L"---> [1]   INTEGER = 1\r\n\r\n");
+    EXPECT_EQ(Compose({{{}, {}, L"INTEGER", L"1"}}), kHeaderLine + L"---> [1]   INTEGER = 1\r\n\r\n");
 }
 
 TEST(ComposeTrapRecord, MissingValueEndsInABlank) {
-    EXPECT_EQ(Compose({{L"1.3", L"", L"(no value)", L""}}),
+    EXPECT_EQ(Compose({{L"1.3", {}, L"(no value)", {}}}),
               kHeaderLine + L"---> [1] 1.3  (no value) = \r\n\r\n");
 }
 
 TEST(ComposeTrapRecord, NumbersAreDecimalWithoutPadding) {
-    const std::wstring record = Compose(std::vector<VarbindRecord>(123, {L"1.3", L"", L"NULL", L"NULL"}));
+    const std::wstring record = Compose(std::vector<VarbindRecord>(123, {L"1.3", {}, L"NULL", L"NULL"}));
     EXPECT_NE(record.find(L"\r\n---> [9] 1.3  NULL = NULL\r\n---> [10] 1.3  NULL = NULL\r\n"),
               std::wstring::npos);
     EXPECT_TRUE(record.ends_with(L"\r\n---> [123] 1.3  NULL = NULL\r\n\r\n"));
@@ -61,21 +61,21 @@ TEST(ComposeTrapRecord, TextsAreTakenAsTheyAre) {
 }
 
 TEST(VarbindList, ClearingKeepsNoRecordVisible) {
-    VarbindList bindings = MakeBindings({{L"1.3", L"", L"NULL", L"NULL"}, {L"1.4", L"", L"NULL", L"NULL"}});
+    VarbindList bindings = MakeBindings({{L"1.3", {}, L"NULL", L"NULL"}, {L"1.4", {}, L"NULL", L"NULL"}});
     ASSERT_EQ(bindings.size(), 2U);
     bindings.Clear();
     EXPECT_TRUE(bindings.empty());
     EXPECT_EQ(bindings.begin(), bindings.end());
-    bindings.Append() = {L"1.5", L"", L"NULL", L"NULL"};
+    bindings.Append() = {L"1.5", {}, L"NULL", L"NULL"};
     EXPECT_EQ(bindings.size(), 1U);
     EXPECT_EQ(bindings[0].oid, L"1.5");
 }
 
 TEST(VarbindList, ReleasedListCanBeFilledAgain) {
-    VarbindList bindings = MakeBindings({{L"1.3", L"", L"NULL", L"NULL"}});
+    VarbindList bindings = MakeBindings({{L"1.3", {}, L"NULL", L"NULL"}});
     bindings.Release();
     EXPECT_TRUE(bindings.empty());
-    bindings.Append() = {L"1.4", L"", L"NULL", L"NULL"};
+    bindings.Append() = {L"1.4", {}, L"NULL", L"NULL"};
     EXPECT_EQ(bindings[0].oid, L"1.4");
 }
 
