@@ -62,6 +62,7 @@ const Seed kMibSeeds[] = {
     {"circle",
      "a OBJECT IDENTIFIER ::= { b 1 }\nb OBJECT IDENTIFIER ::= { a 1 }\nc OBJECT IDENTIFIER ::= { c 0 }\n"},
     {"two_names_for_one", "a OBJECT IDENTIFIER ::= { mgmt 7 }\nb OBJECT IDENTIFIER ::= { mgmt 7 }\n"},
+    {"one_arc", "iso OBJECT IDENTIFIER ::= { nowhere 1 }\n"},
     {"built_in_name", "enterprises OBJECT IDENTIFIER ::= { private 1 }\n"},
     {"syntax_line", "o OBJECT-TYPE\n    SYNTAX OBJECT IDENTIFIER\n    ::= { mgmt 3 }\n"},
     {"comments",

@@ -1,6 +1,6 @@
 #include "trap/listener_thread.h"
 
-#include <vector>
+#include <array>
 
 #include "core/activity_log.h"
 #include "trap/ipv4_text.h"
@@ -11,7 +11,7 @@ namespace {
 constexpr size_t kBufferSize = 4096;  // a longer datagram is cut; nobody looks at its content
 
 void LogDatagrams(UdpSocket& socket) {
-    std::vector<uint8_t> buffer(kBufferSize);
+    std::array<uint8_t, kBufferSize> buffer;
     ReceiveWhileRunning(socket, buffer.data(), buffer.size(), [](size_t, const Ipv4Endpoint& sender) {
         std::wstring message = L"Datagram on UDP 161 from ";
         AppendIpv4Text(message, sender.address);

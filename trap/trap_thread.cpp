@@ -1,6 +1,6 @@
 #include "trap/trap_thread.h"
 
-#include <vector>
+#include <array>
 
 #include "core/activity_log.h"
 #include "core/app_paths.h"
@@ -41,7 +41,8 @@ void ReleaseWhatGiantsLeft(size_t count, TrapWorkspace& workspace) {
 }
 
 void ReceiveTraps(UdpSocket& trapSocket, UdpSocket* forwardSocket) {
-    std::vector<uint8_t> buffer(kLargestDatagram);
+    // On the stack: a receiver that starts when memory is short must not end for want of its buffer.
+    std::array<uint8_t, kLargestDatagram> buffer;
     TrapWorkspace workspace;
     ReceiveWhileRunning(trapSocket, buffer.data(), buffer.size(),
                         [&](size_t size, const Ipv4Endpoint& sender) {
@@ -69,8 +70,8 @@ void TrapThread(UdpSocket& trapSocket, UdpSocket* forwardSocket) {
     try {
         ReceiveTraps(trapSocket, forwardSocket);
     } catch (...) {
-        // There was no memory for the receive buffer: this thread ends, the process and the other thread go
-        // on.
+        // Nothing that receives throws; if it ever does, this thread ends, and the process and the other
+        // thread go on.
     }
     LogMessage(L"Trap thread stopped.");
 }
