@@ -21,9 +21,10 @@ std::wstring_view FindExtension(std::wstring_view path) {
 }
 
 bool ParseMibFiles() {
-    return EnumerateFolder(AppPaths.mibsDir, [](const FolderEntry& entry) {
+    std::string buffer;
+    return EnumerateFolder(AppPaths.mibsDir, [&buffer](const FolderEntry& entry) {
         if (entry.isRegularFile && IsMibFile(entry.name)) {
-            ParseMibFile(AppPaths.mibsDir + L"\\" + entry.name);
+            ParseMibFile(AppPaths.mibsDir + L"\\" + entry.name, buffer);
         }
     });
 }

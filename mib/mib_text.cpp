@@ -73,10 +73,9 @@ std::wstring_view TakeLastWord(std::wstring_view& text) {
 
 }  // namespace
 
-MibText ReadMibText(const std::wstring& path) {
-    std::string octets;
-    ReadOctetsFrom(path, 0, octets);
-    return DecodeMibText(std::move(octets));
+MibText ReadMibText(const std::wstring& path, std::string buffer) {
+    ReadOctetsFrom(path, 0, buffer);
+    return DecodeMibText(std::move(buffer));
 }
 
 MibText DecodeMibText(std::string octets) {
