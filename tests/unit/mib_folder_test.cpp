@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/app_paths.h"
+#include "mib/name_store.h"
 #include "platform/files.h"
 #include "platform/folders.h"
 #include "tests/support/mib_tables.h"
@@ -181,6 +182,16 @@ TEST_F(MibFolder, DefinitionOfABuiltinNameNamesItsIdentifier) {
     EXPECT_EQ(NameOf(L"1.3.6.1.4.1"), L"enterprises");
     EXPECT_EQ(NameOf(L"1.3.6.1.4.1.7"), L"mine");
     EXPECT_EQ(NameOf(L"1.3.6.1.4"), L"");
+}
+
+// Found by the fuzzer's promise that an identifier has two arcs, which this one rightly breaks.
+TEST_F(MibFolder, FileThatDefinesIsoNamesTheIdentifierOfOneArc) {
+    WriteMib(L"a.mib", "iso OBJECT IDENTIFIER ::= { x 1 }\n");
+    LoadMibFolder();
+    std::wstring name;
+    LookupOidName(L"1", name);
+    EXPECT_EQ(name, L"iso");
+    EXPECT_EQ(CountOidNames(), 1);
 }
 
 TEST_F(MibFolder, DeletedFilesTakeTheirNamesAlongAtTheNextLoad) {
