@@ -12,6 +12,8 @@ if [[ ${1:-} == --inside ]]; then
     trap 'StopWine; StopDisplay; RemoveTemporaryPrefix' EXIT
     StartDisplay
     UseTemporaryPrefix
+    # Stays between two programs: one that starts while the server of the last is ending can hang.
+    wineserver -p
     python3 -B bench/compare.py "$@"
     exit
 fi
