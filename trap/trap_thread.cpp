@@ -1,6 +1,7 @@
 #include "trap/trap_thread.h"
 
 #include <array>
+#include <functional>
 
 #include "core/activity_log.h"
 #include "core/app_paths.h"
@@ -44,10 +45,11 @@ void ReceiveTraps(UdpSocket& trapSocket, UdpSocket* forwardSocket) {
     // On the stack: a receiver that starts when memory is short must not end for want of its buffer.
     std::array<uint8_t, kLargestDatagram> buffer;
     TrapWorkspace workspace;
-    ReceiveWhileRunning(trapSocket, buffer.data(), buffer.size(),
-                        [&](size_t size, const Ipv4Endpoint& sender) {
-                            RecordTrap(buffer.data(), size, sender, forwardSocket, workspace);
-                        });
+    const auto record = [&](size_t size, const Ipv4Endpoint& sender) {
+        RecordTrap(buffer.data(), size, sender, forwardSocket, workspace);
+    };
+    // By reference, which needs no memory either.
+    ReceiveWhileRunning(trapSocket, buffer.data(), buffer.size(), std::ref(record));
 }
 
 }  // namespace
