@@ -21,10 +21,9 @@ std::wstring_view FindExtension(std::wstring_view path) {
 }
 
 bool ParseMibFiles() {
-    std::string buffer;
-    return EnumerateFolder(AppPaths.mibsDir, [&buffer](const FolderEntry& entry) {
+    return EnumerateFolder(AppPaths.mibsDir, [](const FolderEntry& entry) {
         if (entry.isRegularFile && IsMibFile(entry.name)) {
-            ParseMibFile(AppPaths.mibsDir + L"\\" + entry.name, buffer);
+            ParseMibFile(AppPaths.mibsDir + L"\\" + entry.name);
         }
     });
 }

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
-#include <utility>
 #include <variant>
 
 #include "mib/mib_text.h"
@@ -171,15 +170,6 @@ void ParseMibText(std::string_view text) {
     ParseText(text);
 }
 
-void ParseMibFile(const std::wstring& path, std::string& buffer) {
-    MibText text = ReadMibText(path, std::move(buffer));
-    std::visit([](const auto& content) { ParseMibText(content); }, text);
-    if (auto* octets = std::get_if<std::string>(&text)) {
-        buffer = std::move(*octets);
-    }
-}
-
 void ParseMibFile(const std::wstring& path) {
-    std::string buffer;
-    ParseMibFile(path, buffer);
+    std::visit([](const auto& text) { ParseMibText(text); }, ReadMibText(path));
 }

@@ -9,10 +9,6 @@
 // nothing. May throw std::bad_alloc. Caller holds MibStoreLock.
 void ParseMibFile(const std::wstring& path);
 
-// The same, reading into `buffer`, whose memory serves the next file too: a fresh one for each of thousands
-// of files is a tenth of the time of a load.
-void ParseMibFile(const std::wstring& path, std::string& buffer);
-
 // The same for a file's text. The scan is linear in its length; what a value read in full stands for can be
 // as long as all such values before it together, when each builds on the last.
 //

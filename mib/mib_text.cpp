@@ -73,9 +73,10 @@ std::wstring_view TakeLastWord(std::wstring_view& text) {
 
 }  // namespace
 
-MibText ReadMibText(const std::wstring& path, std::string buffer) {
-    ReadOctetsFrom(path, 0, buffer);
-    return DecodeMibText(std::move(buffer));
+MibText ReadMibText(const std::wstring& path) {
+    std::string octets;
+    ReadOctetsFrom(path, 0, octets);
+    return DecodeMibText(std::move(octets));
 }
 
 MibText DecodeMibText(std::string octets) {

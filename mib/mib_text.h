@@ -14,10 +14,9 @@
 using MibText = std::variant<std::string, std::wstring>;
 
 // The whole file, as UTF-8 or else the ANSI code page; empty when it cannot be read or holds 2 GiB or more.
-// `buffer` lends its memory, whatever it holds.
 // Kept: a byte-order mark stays in front as U+FEFF, and a UTF-16 file is read octet by octet and means
 // nothing.
-MibText ReadMibText(const std::wstring& path, std::string buffer = {});
+MibText ReadMibText(const std::wstring& path);
 
 // The same for octets that were read already.
 MibText DecodeMibText(std::string octets);

@@ -71,10 +71,10 @@ bool ReplaceOctets(const std::wstring& path, std::string_view octets) {
 }
 
 bool ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octets) {
+    octets.clear();
     const ScopedDescriptor file = OpenFile(path, O_RDONLY);
     struct stat status {};
     if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
-        octets.clear();
         return false;
     }
     const auto size = static_cast<uint64_t>(status.st_size);

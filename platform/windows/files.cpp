@@ -70,10 +70,10 @@ bool ReplaceOctets(const std::wstring& path, std::string_view octets) {
 }
 
 bool ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octets) {
+    octets.clear();
     const ScopedHandle file = OpenFile(path, GENERIC_READ, OPEN_EXISTING);
     LARGE_INTEGER fileSize{};
     if (!file || !GetFileSizeEx(file.get(), &fileSize)) {
-        octets.clear();
         return false;
     }
     const auto size = static_cast<uint64_t>(fileSize.QuadPart);
