@@ -63,7 +63,7 @@ size_t PlaceOf(const PendingRow* row) {
 template <typename Value>
 PooledText KeepKey(const TextTable<Value>& table, const TextKey& key) {
     const auto* row = table.Find(key);
-    return row == nullptr ? KeepText(key.text) : row->key;
+    return row == nullptr ? KeepText(key) : row->key;
 }
 
 // The row of PendingDefinitions that was stored last. What is stored next mostly has the same parent (the
@@ -87,18 +87,17 @@ PooledText KeepParent(std::wstring_view parent) {
 }
 
 template <typename Value>
-void AddOrReplace(TextTable<Value>& table, const TextKey& key, PooledText kept, const Value& value) {
+void AddOrReplace(TextTable<Value>& table, PooledText key, const Value& value) {
     if (auto* row = table.Find(key)) {
         row->value = value;
     } else {
-        table.Add(key, kept, value);
+        table.Add(key, value);
     }
 }
 
 void NameOidUnlessNamed(PooledText oid, PooledText name) {
-    const TextKey key(oid.View());
-    if (OidNameMap.Find(key) == nullptr) {
-        OidNameMap.Add(key, oid, name);
+    if (OidNameMap.Find(oid) == nullptr) {
+        OidNameMap.Add(oid, name);
     }
 }
 
@@ -114,7 +113,7 @@ using RowStates = std::vector<RowState>;
 // A name that is known already is not resolved by its definition, and a built-in name has the last word.
 void SetKnownNames(RowStates& states) {
     for (const auto& known : NameOidMap.Rows()) {
-        if (const PendingRow* row = PendingDefinitions.Find(known.key.View())) {
+        if (const PendingRow* row = PendingDefinitions.Find(known.key)) {
             states[PlaceOf(row)] = {RowState::Resolved, 0, known.value};
         }
     }
@@ -145,7 +144,7 @@ Foothold Climb(RowStates& states, size_t place, std::vector<size_t>& way) {
         if (!IsUsable(definition)) {
             return {};
         }
-        const TextKey parent(definition.parent.View());
+        const TextKey parent(definition.parent);
         const PendingRow* row = PendingDefinitions.Find(parent);
         if (row == nullptr) {
             return {0, FindKnownOid(parent)};
@@ -244,7 +243,7 @@ void StoreDefinition(std::wstring_view name, std::wstring_view parent, int32_t s
         row->value = definition;
         LastStoredPlace = PlaceOf(row);
     } else {
-        PendingDefinitions.Add(key, KeepText(name), definition);
+        PendingDefinitions.Add(KeepText(key), definition);
         LastStoredPlace = PendingDefinitions.Count() - 1;
     }
 }
@@ -252,7 +251,7 @@ void StoreDefinition(std::wstring_view name, std::wstring_view parent, int32_t s
 void StoreNamedOid(std::wstring_view name, std::wstring_view oid) {
     const PooledText keptName = KeepKey(NameOidMap, name);
     const PooledText keptOid = KeepKey(OidNameMap, oid);
-    AddOrReplace(NameOidMap, name, keptName, keptOid);
+    AddOrReplace(NameOidMap, keptName, keptOid);
     NameOidUnlessNamed(keptOid, keptName);
 }
 
@@ -268,7 +267,7 @@ void StoreResolvedDefinitions() {
     for (size_t place = 0; place < rows.size(); ++place) {
         Descend(states, Climb(states, place, way), way);
         if (states[place].stage == RowState::Resolved) {
-            AddOrReplace(NameOidMap, rows[place].key.View(), rows[place].key, states[place].oid);
+            AddOrReplace(NameOidMap, rows[place].key, states[place].oid);
             NameOidUnlessNamed(states[place].oid, rows[place].key);
         }
     }

@@ -1,5 +1,5 @@
-// Blocks of equal size that never move; a text stands within one of them, behind its length. A text too long
-// for that gets memory of its own that counts as several blocks.
+// Blocks of equal size that never move; a text stands within one of them, behind its length and hash. A text
+// too long for that gets memory of its own that counts as several blocks.
 #include "mib/text_pool.h"
 
 #include <algorithm>
@@ -14,8 +14,11 @@ constexpr uint32_t kBlockBits = 16;
 constexpr size_t kBlockCharacters = size_t{1} << kBlockBits;
 constexpr size_t kMaxBlocks = (size_t{1} << (32 - kBlockBits)) - 1;
 
-using TextLength = uint32_t;
-constexpr size_t kLengthCharacters = sizeof(TextLength) / sizeof(wchar_t);
+struct TextHead {
+    uint32_t length;
+    uint32_t hash;
+};
+constexpr size_t kHeadCharacters = sizeof(TextHead) / sizeof(wchar_t);
 
 struct TextPoolFields {
     std::vector<std::unique_ptr<wchar_t[]>> memory;
@@ -58,6 +61,12 @@ wchar_t* FindPlace(size_t position) {
     return TextPool.blocks[position >> kBlockBits] + (position & (kBlockCharacters - 1));
 }
 
+TextHead ReadHead(const wchar_t* place) {
+    TextHead head{};
+    std::memcpy(&head, place, sizeof head);
+    return head;
+}
+
 }  // namespace
 
 std::wstring_view PooledText::View() const {
@@ -65,20 +74,22 @@ std::wstring_view PooledText::View() const {
         return {};
     }
     const wchar_t* place = FindPlace(reference - 1);
-    TextLength length = 0;
-    std::memcpy(&length, place, sizeof length);
-    return {place + kLengthCharacters, length};
+    return {place + kHeadCharacters, ReadHead(place).length};
 }
 
-PooledText KeepText(std::wstring_view text) {
-    if (text.empty()) {
+TextKey::TextKey(PooledText kept)
+    : text(kept.View()),
+      hash(kept.reference == 0 ? HashText({}) : ReadHead(FindPlace(kept.reference - 1)).hash) {}
+
+PooledText KeepText(const TextKey& key) {
+    if (key.text.empty()) {
         return {};
     }
-    const size_t position = TakePlaces(kLengthCharacters + text.size());
-    const auto length = static_cast<TextLength>(text.size());
+    const size_t position = TakePlaces(kHeadCharacters + key.text.size());
+    const TextHead head = {static_cast<uint32_t>(key.text.size()), key.hash};
     wchar_t* place = FindPlace(position);
-    std::memcpy(place, &length, sizeof length);
-    std::copy(text.begin(), text.end(), place + kLengthCharacters);
+    std::memcpy(place, &head, sizeof head);
+    std::copy(key.text.begin(), key.text.end(), place + kHeadCharacters);
     return {static_cast<uint32_t>(position + 1)};
 }
 

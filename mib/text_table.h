@@ -6,27 +6,11 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <new>
-#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "mib/text_pool.h"
-
-// A key with its hash, so that asking two tables for one name hashes it once.
-struct TextKey {
-    TextKey(std::wstring_view keyText) : text(keyText), hash(HashText(keyText)) {}
-    TextKey(const wchar_t* keyText) : TextKey(std::wstring_view(keyText)) {}
-
-    static uint32_t HashText(std::wstring_view keyText) {
-        const uint64_t wide = std::hash<std::wstring_view>{}(keyText);
-        return static_cast<uint32_t>(wide ^ (wide >> 32));
-    }
-
-    std::wstring_view text;
-    uint32_t hash;
-};
 
 // Guarded like the pool: callers hold MibStoreLock.
 template <typename Value>
@@ -52,14 +36,13 @@ class TextTable {
     }
     Row* Find(const TextKey& key) { return const_cast<Row*>(std::as_const(*this).Find(key)); }
 
-    // Adds a row; `kept` is the key's text in the pool. No row may have that key yet. When memory runs out
-    // (std::bad_alloc) the table is as before.
-    void Add(const TextKey& key, PooledText kept, const Value& value) {
+    // Adds a row. None may have that key yet. When memory runs out (std::bad_alloc) the table is as before.
+    void Add(PooledText key, const Value& value) {
         if ((rows_.size() + 1) * 4 > slots_.size() * 3) {
             SetSlotCount(slots_.empty() ? kFirstSlotCount : slots_.size() * 2);
         }
-        rows_.push_back({kept, value});
-        TakeSlot(key.hash, rows_.size() - 1);
+        rows_.push_back({key, value});
+        TakeSlot(TextKey(key).hash, rows_.size() - 1);
     }
 
     size_t Count() const { return rows_.size(); }
@@ -98,7 +81,7 @@ class TextTable {
         }
         std::vector<uint32_t>(count, kFree).swap(slots_);
         for (size_t row = 0; row < rows_.size(); ++row) {
-            TakeSlot(TextKey::HashText(rows_[row].key.View()), row);
+            TakeSlot(TextKey(rows_[row].key).hash, row);
         }
     }
 

@@ -33,8 +33,19 @@ constexpr wchar_t DialogFilter[] = L"MIB files (*.mib;*.txt)\0*.mib;*.txt;*.my\0
 // Kept: the umlaut stands as the two characters that its UTF-8 octets make; operators know the question so.
 constexpr wchar_t DeleteQuestion[] = L"Alle MIB Dateien im MIB-Ordner l\u00C3\u00B6schen?";
 
-// False: cancelled, or the selection did not fit.
+// The dialog comes from a library that brings the printing system with it, megabytes that nothing else here
+// needs. So it is loaded for the first import, and then stays, since what the shell hangs into the dialog can
+// outlive it. Null: it cannot be loaded.
+decltype(&GetOpenFileNameW) LoadOpenFileDialog() {
+    const HMODULE library = LoadLibraryExW(L"comdlg32.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
+    return library ? reinterpret_cast<decltype(&GetOpenFileNameW)>(
+                         reinterpret_cast<void*>(GetProcAddress(library, "GetOpenFileNameW")))
+                   : nullptr;
+}
+
+// False: cancelled, the selection did not fit, or there is no dialog.
 bool AskForFiles(std::wstring& buffer) {
+    static const auto openFileDialog = LoadOpenFileDialog();
     buffer.assign(DialogRoom, L'\0');
     OPENFILENAMEW dialog{};
     dialog.lStructSize = sizeof(dialog);
@@ -45,7 +56,7 @@ bool AskForFiles(std::wstring& buffer) {
     dialog.lpstrFile = buffer.data();
     dialog.nMaxFile = DialogCapacity;
     dialog.Flags = OFN_EXPLORER | OFN_ALLOWMULTISELECT | OFN_FILEMUSTEXIST;
-    return GetOpenFileNameW(&dialog) != FALSE;
+    return openFileDialog && openFileDialog(&dialog) != FALSE;
 }
 
 bool ImportFile(const ChosenFile& file) {

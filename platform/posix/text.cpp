@@ -1,5 +1,6 @@
 #include "platform/text.h"
 
+#include <algorithm>
 #include <cstdint>
 
 #include "platform/posix/posix_paths.h"
@@ -36,14 +37,12 @@ void AppendUtf8(std::string& octets, uint32_t codePoint) {
 }  // namespace
 
 void DecodeAnsi(std::string_view octets, std::wstring& text) {
-    text.clear();
-    text.reserve(octets.size());
-    for (const char octet : octets) {
+    text.resize(octets.size());
+    std::transform(octets.begin(), octets.end(), text.begin(), [](char octet) {
         const auto code = static_cast<unsigned char>(octet);
         const bool special = code >= 0x80 && code <= 0x9F;
-        text.push_back(special ? static_cast<wchar_t>(kWindows1252[code - 0x80])
-                               : static_cast<wchar_t>(code));
-    }
+        return special ? static_cast<wchar_t>(kWindows1252[code - 0x80]) : static_cast<wchar_t>(code);
+    });
 }
 
 bool EncodeAnsi(const std::wstring& text, std::string& octets) {
