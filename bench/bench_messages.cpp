@@ -1,10 +1,12 @@
 #include "bench/bench_messages.h"
 
+#include <algorithm>
 #include <string>
 
 namespace {
 
-constexpr size_t kLargestDatagram = 65507;
+// What a message has around its list, and one binding around its value, with lengths of three octets.
+constexpr size_t kRoomForHeaders = 64;
 
 Octets EncodeTimeTicks(uint64_t ticks) {
     return EncodeUnsigned(ber::kTimeTicks, ticks);
@@ -31,11 +33,10 @@ Binding MakeInterfaceBinding(size_t place) {
     }
 }
 
-// A trap whose list is `unit` over and over, as often as a datagram has room for.
-Octets FillTrap(const Octets& unit) {
-    constexpr size_t kRoomForHeaders = 64;
+// A trap whose list is `unit` over and over, as often as there is room for.
+Octets FillTrap(const Octets& unit, size_t octets) {
     Octets content;
-    while (content.size() + unit.size() + kRoomForHeaders <= kLargestDatagram) {
+    while (content.size() + unit.size() + kRoomForHeaders <= octets) {
         content.insert(content.end(), unit.begin(), unit.end());
     }
     return EncodeV2TrapWithListContent(content);
@@ -54,25 +55,40 @@ Octets MakeTrap(size_t bindings) {
     return EncodeV2Trap(list);
 }
 
-Octets MakeTrapOfTinyBindings() {
-    return FillTrap(EncodeSequence({EncodeElement(ber::kOid, {})}));
+Octets MakeTrapOfTinyBindings(size_t octets) {
+    return FillTrap(EncodeSequence({EncodeElement(ber::kOid, {})}), octets);
 }
 
-Octets MakeTrapWithGiantIdentifier() {
+Octets MakeTrapOfTinyElements(size_t octets) {
+    return FillTrap(EncodeInteger(1), octets);
+}
+
+Octets MakeTrapOfNestedElements(size_t octets) {
+    constexpr size_t kLongestHeader = 4;
+    Octets headers;
+    for (size_t left = octets - kRoomForHeaders; left > 0; left -= std::min(left, kLongestHeader)) {
+        const Octets header = EncodeHeader(ber::kSequence, left - std::min(left, kLongestHeader));
+        headers.insert(headers.end(), header.begin(), header.end());
+    }
+    return EncodeV2TrapWithListContent(headers);
+}
+
+Octets MakeTrapWithGiantIdentifier(size_t octets) {
     return EncodeV2TrapWithListContent(
-        EncodeSequence({EncodeElement(ber::kOid, Octets(65000, 0x7F)), EncodeNull()}));
+        EncodeSequence({EncodeElement(ber::kOid, Octets(octets - kRoomForHeaders, 0x7F)), EncodeNull()}));
 }
 
-Octets MakeTrapWithGiantText() {
+Octets MakeTrapWithGiantText(size_t octets) {
     return EncodeV2TrapWithListContent(
-        EncodeSequence({EncodeElement(ber::kOid, {0x2B, 6}), EncodeOctetString(std::string(65000, 'x'))}));
+        EncodeSequence({EncodeElement(ber::kOid, {0x2B, 6}),
+                        EncodeOctetString(std::string(octets - kRoomForHeaders, 'x'))}));
 }
 
-Octets MakeTrapOfTenOctetArcs() {
+Octets MakeTrapOfTenOctetArcs(size_t octets) {
     Octets arcs{0x2B};
     for (int arc = 0; arc < 12; ++arc) {
         arcs.insert(arcs.end(), 9, 0xFF);
         arcs.push_back(0x7F);
     }
-    return FillTrap(EncodeSequence({EncodeElement(ber::kOid, arcs), EncodeElement(ber::kOid, arcs)}));
+    return FillTrap(EncodeSequence({EncodeElement(ber::kOid, arcs), EncodeElement(ber::kOid, arcs)}), octets);
 }

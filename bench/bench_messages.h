@@ -10,8 +10,13 @@
 // of them. The instance numbers of 1,000 and more are those of a large switch.
 Octets MakeTrap(size_t bindings);
 
-// Hostile ones of 65,507 octets, the most that a datagram can carry.
-Octets MakeTrapOfTinyBindings();       // as many bindings as fit: each an empty identifier without a value
-Octets MakeTrapWithGiantIdentifier();  // one identifier of 65,000 arcs
-Octets MakeTrapWithGiantText();        // one printable text
-Octets MakeTrapOfTenOctetArcs();       // identifiers of arcs of 64 bits
+// The most that a datagram can carry.
+constexpr size_t kLargestDatagram = 65507;
+
+// Hostile ones, of `octets` octets or a few less.
+Octets MakeTrapOfTinyBindings(size_t octets);    // as many as fit: an empty identifier without a value each
+Octets MakeTrapOfTinyElements(size_t octets);    // elements of one octet where bindings should stand
+Octets MakeTrapOfNestedElements(size_t octets);  // as many levels, one inside the other, as fit
+Octets MakeTrapWithGiantIdentifier(size_t octets);  // one identifier, each octet an arc
+Octets MakeTrapWithGiantText(size_t octets);        // one printable text
+Octets MakeTrapOfTenOctetArcs(size_t octets);       // identifiers of arcs of 64 bits

@@ -130,7 +130,7 @@ class Quillmont(Receiver):
     name = "Quillmont, natively and without windows"
 
     def command(self):
-        return [NATIVE / "bench/headless_receiver"]
+        return [NATIVE / "tests/storm/quillmont_storm_receiver"]
 
     def environment(self):
         return dict(os.environ, QUILLMONT_DATA_HOME=str(self.folder))

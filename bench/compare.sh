@@ -20,7 +20,7 @@ fi
 
 scripts/packages.sh build run bench
 if [[ -z ${QUILLMONT_BENCH_BUILT:-} ]]; then
-    scripts/build.sh bench bench/all
+    scripts/build.sh bench bench/all quillmont_storm_receiver
     scripts/build.sh bench-windows Quillmont bench/all
 fi
 exec scripts/in_private_network.sh bench/compare.sh --inside "$@"

@@ -1,5 +1,6 @@
 // A datagram's way, step by step and as a whole: header walk, decode, rendering by type, name lookup,
-// compose, text to octets, append, log line; decode by number of bindings, and of hostile datagrams.
+// compose, text to octets, append, log line; decode by number of bindings. Hostile datagrams are in
+// worst_cases.cpp.
 //
 // The datagram is a linkDown of eight bindings unless the name says otherwise. "items" are datagrams, or
 // bindings where the argument counts them. BM_RecordTrap is the whole way but the receive call.
@@ -74,26 +75,6 @@ void BM_Decode(benchmark::State& state) {
     DecodeOverAndOver(state, MakeTrap(static_cast<size_t>(state.range(0))));
 }
 BENCHMARK(BM_Decode)->Arg(2)->Arg(8)->Arg(50)->Arg(4000);
-
-void BM_DecodeHostileTinyBindings(benchmark::State& state) {
-    DecodeOverAndOver(state, MakeTrapOfTinyBindings());
-}
-BENCHMARK(BM_DecodeHostileTinyBindings);
-
-void BM_DecodeHostileGiantIdentifier(benchmark::State& state) {
-    DecodeOverAndOver(state, MakeTrapWithGiantIdentifier());
-}
-BENCHMARK(BM_DecodeHostileGiantIdentifier);
-
-void BM_DecodeHostileGiantText(benchmark::State& state) {
-    DecodeOverAndOver(state, MakeTrapWithGiantText());
-}
-BENCHMARK(BM_DecodeHostileGiantText);
-
-void BM_DecodeHostileTenOctetArcs(benchmark::State& state) {
-    DecodeOverAndOver(state, MakeTrapOfTenOctetArcs());
-}
-BENCHMARK(BM_DecodeHostileTenOctetArcs);
 
 // One binding of the type, the message around it included.
 void RenderOverAndOver(benchmark::State& state, const Octets& value) {

@@ -1,0 +1,135 @@
+// What the most expensive input costs, at three sizes each, so that the growth shows: hostile datagrams and
+// MIB files that no compiler of MIBs would take. The number behind a name is the size that the growth is held
+// against (octets, braces, definitions); "BigO" is the cost of one of them when the cost is taken as linear,
+// "RMS" how far the three sizes are from that.
+// A small stack is enough: (ulimit -s 128; worst_cases)
+#include <benchmark/benchmark.h>
+
+#include <mutex>
+#include <string>
+
+#include "bench/bench_messages.h"
+#include "bench/mib_samples.h"
+#include "mib/mib_parser.h"
+#include "mib/name_store.h"
+#include "platform/clock.h"
+#include "trap/snmp_message.h"
+#include "trap/trap_record.h"
+
+namespace {
+
+// Decodes the datagram and composes its record.
+template <Octets (*MakeDatagram)(size_t octets)>
+void BM_Datagram(benchmark::State& state) {
+    const Octets datagram = MakeDatagram(static_cast<size_t>(state.range(0)));
+    VarbindList bindings;
+    std::wstring record;
+    for (auto unused : state) {
+        DecodeSnmpMessage(datagram.data(), datagram.size(), bindings);
+        ComposeTrapRecord(ReadLocalTime(), L"127.0.0.1", bindings, record);
+        benchmark::DoNotOptimize(record.data());
+    }
+    state.SetComplexityN(static_cast<int64_t>(datagram.size()));
+}
+
+void SetDatagramSizes(benchmark::internal::Benchmark* bench) {
+    bench->Arg(kLargestDatagram / 4)->Arg(kLargestDatagram / 2)->Arg(kLargestDatagram);
+    bench->Complexity(benchmark::oN)->Unit(benchmark::kMicrosecond);
+}
+BENCHMARK(BM_Datagram<MakeTrapOfTinyBindings>)->Apply(SetDatagramSizes);
+BENCHMARK(BM_Datagram<MakeTrapOfTinyElements>)->Apply(SetDatagramSizes);
+BENCHMARK(BM_Datagram<MakeTrapOfNestedElements>)->Apply(SetDatagramSizes);
+BENCHMARK(BM_Datagram<MakeTrapWithGiantIdentifier>)->Apply(SetDatagramSizes);
+BENCHMARK(BM_Datagram<MakeTrapWithGiantText>)->Apply(SetDatagramSizes);
+BENCHMARK(BM_Datagram<MakeTrapOfTenOctetArcs>)->Apply(SetDatagramSizes);
+
+// Parses the text and resolves what it defines.
+template <std::string (*MakeText)(size_t size)>
+void BM_MibText(benchmark::State& state) {
+    const std::string text = MakeText(static_cast<size_t>(state.range(0)));
+    for (auto unused : state) {
+        const std::lock_guard lock(MibStoreLock);
+        ClearNameStore();
+        ParseMibText(text);
+        StoreResolvedDefinitions();
+    }
+    EmptyNameStore();
+    state.SetComplexityN(state.range(0));
+}
+
+std::string RepeatInOneLine(const std::string& unit, size_t octets) {
+    std::string text;
+    text.reserve(octets + unit.size());
+    while (text.size() < octets) {
+        text += unit;
+    }
+    return text;
+}
+
+std::string MakeLineOfDefinitions(size_t octets) {
+    return RepeatInOneLine("sample OBJECT-TYPE ::= { iso 3 } ", octets);
+}
+
+// The letter by which the scanner looks for its keywords.
+std::string MakeLineOfRareLetters(size_t octets) {
+    return RepeatInOneLine("J", octets);
+}
+
+std::string MakeUnclosedBraces(size_t braces) {
+    std::string text;
+    for (size_t brace = 0; brace < braces; ++brace) {
+        text += "sample OBJECT-TYPE ::= { iso\n";
+    }
+    return text;
+}
+
+std::string MakeDefinition(size_t number, size_t parent) {
+    return "link" + std::to_string(number) + " OBJECT IDENTIFIER ::= { link" + std::to_string(parent) +
+           " 1 }\n";
+}
+
+// Each builds on the one before it.
+std::string MakeChain(size_t definitions) {
+    std::string text = "link0 OBJECT IDENTIFIER ::= { enterprises 1 }\n";
+    for (size_t number = 1; number < definitions; ++number) {
+        text += MakeDefinition(number, number - 1);
+    }
+    return text;
+}
+
+std::string MakeChainFromItsEnd(size_t definitions) {
+    std::string text;
+    for (size_t number = definitions; number-- > 1;) {
+        text += MakeDefinition(number, number - 1);
+    }
+    return text + "link0 OBJECT IDENTIFIER ::= { enterprises 1 }\n";
+}
+
+std::string MakeCycle(size_t definitions) {
+    return MakeDefinition(0, definitions - 1) + MakeChain(definitions).substr(MakeChain(1).size());
+}
+
+void SetLineSizes(benchmark::internal::Benchmark* bench) {
+    bench->Arg(12500000)->Arg(25000000)->Arg(50000000);
+    bench->Complexity(benchmark::oN)->Unit(benchmark::kMillisecond);
+}
+BENCHMARK(BM_MibText<MakeLineOfDefinitions>)->Apply(SetLineSizes);
+BENCHMARK(BM_MibText<MakeLineOfRareLetters>)->Apply(SetLineSizes);
+
+void SetBraceCounts(benchmark::internal::Benchmark* bench) {
+    bench->Arg(250000)->Arg(500000)->Arg(1000000);
+    bench->Complexity(benchmark::oN)->Unit(benchmark::kMillisecond);
+}
+BENCHMARK(BM_MibText<MakeUnclosedBraces>)->Apply(SetBraceCounts);
+
+void SetDefinitionCounts(benchmark::internal::Benchmark* bench) {
+    bench->Arg(25000)->Arg(50000)->Arg(100000);
+    bench->Complexity(benchmark::oN)->Unit(benchmark::kMillisecond);
+}
+BENCHMARK(BM_MibText<MakeChain>)->Apply(SetDefinitionCounts);
+BENCHMARK(BM_MibText<MakeChainFromItsEnd>)->Apply(SetDefinitionCounts);
+BENCHMARK(BM_MibText<MakeCycle>)->Apply(SetDefinitionCounts);
+
+}  // namespace
+
+BENCHMARK_MAIN();
