@@ -1,11 +1,12 @@
 // Promises about a MIB file: whatever it holds, the tables have no empty key and no name without an
 // identifier; a name table's identifier is dotted decimal and every learnt name's identifier has a name;
-// there are no more names than values in the file; the same file gives the same tables.
+// there are no more names than values in the file; the same file gives the same tables, and so does an ASCII
+// file made wide.
 #include <mutex>
 #include <string>
+#include <variant>
 #include <vector>
 
-#include "core/text_decoding.h"
 #include "fuzz/fuzz_targets.h"
 #include "fuzz/promise.h"
 #include "mib/mib_parser.h"
@@ -33,7 +34,8 @@ Rows CopyRows(const TextTable<PooledText>& table) {
 }
 
 // Fills the tables as a load of one file does, and returns what the name table holds.
-Rows LoadText(std::wstring_view text) {
+template <typename Text>
+Rows LoadText(const Text& text) {
     ClearNameStore();
     ParseMibText(text);
     StoreResolvedDefinitions();
@@ -84,13 +86,18 @@ void CheckLineTools(std::wstring_view line) {
 }  // namespace
 
 void CheckMibText(const uint8_t* octets, size_t size) {
-    std::wstring text;
-    DecodeUtf8OrAnsi({reinterpret_cast<const char*>(octets), size}, text);
-    CheckLineTools(text);
+    const MibText text = DecodeMibText({reinterpret_cast<const char*>(octets), size});
+    const std::wstring wide = std::visit(
+        [](const auto& characters) { return std::wstring(characters.begin(), characters.end()); }, text);
+    CheckLineTools(wide);
     const std::lock_guard lock(MibStoreLock);
-    const Rows names = LoadText(text);
+    const auto load = [&] {
+        return std::visit([](const auto& characters) { return LoadText(characters); }, text);
+    };
+    const Rows names = load();
     CheckTables();
-    Promise(names.size() <= CountAssignments(text), "no more names than values in the file");
-    Promise(LoadText(text) == names, "the same file gives the same names");
+    Promise(names.size() <= CountAssignments(wide), "no more names than values in the file");
+    Promise(load() == names, "the same file gives the same names");
+    Promise(LoadText(wide) == names, "narrow and wide text give the same names");
     ClearNameStore();
 }

@@ -13,6 +13,8 @@
 
 namespace {
 
+constexpr size_t kLongestCount = 11;  // characters of a 32-bit number with its sign
+
 // From the last dot of the last component on. As the shell has it, a blank behind the dot makes it no
 // extension, and a name may be all extension.
 std::wstring_view FindExtension(std::wstring_view path) {
@@ -45,6 +47,9 @@ bool IsMibFile(std::wstring_view path) {
 }
 
 void LoadMibFolder() {
+    // Made while there is memory.
+    std::wstring message = L"MIBs loaded. OID mappings: ";
+    message.reserve(message.size() + kLongestCount);
     const std::lock_guard lock(MibStoreLock);
     ClearNameStore();
     try {
@@ -55,7 +60,6 @@ void LoadMibFolder() {
     } catch (...) {
         // What was stored until memory ran out is right as far as it goes and stays.
     }
-    std::wstring message = L"MIBs loaded. OID mappings: ";
     AppendSignedDecimal(message, static_cast<int32_t>(static_cast<uint32_t>(OidNameMap.Count())));
     LogMessage(message);
 }

@@ -86,7 +86,8 @@ bool TakeMarkedLine(MibScan<Char>& scan) {
     return true;
 }
 
-// A mark that begins in front of the comment ends there too, since none has two dashes.
+// A mark that begins in front of the comment ends there too, since none holds two dashes in a row or ends in
+// one.
 template <typename Char>
 bool LineHolds(const MibScan<Char>& scan, MarkIndex mark) {
     return scan.marks[mark] < scan.lineEnd;

@@ -75,7 +75,10 @@ std::wstring_view TakeLastWord(std::wstring_view& text) {
 
 MibText ReadMibText(const std::wstring& path) {
     std::string octets;
-    ReadOctetsFrom(path, 0, octets);
+    // Looked at before it is read: a trap file imported by mistake can be larger than the memory.
+    if (QueryFileSize(path).value_or(0) <= kMaxOctets) {
+        ReadOctetsFrom(path, 0, octets);
+    }
     return DecodeMibText(std::move(octets));
 }
 

@@ -19,9 +19,8 @@ import pytest
 ROOT = Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(ROOT / "tests" / "desktop"))
 
+from conftest import data, driver  # noqa: E402, F401
 from harness import traps  # noqa: E402
-from harness.data_folder import DataFolder  # noqa: E402
-from harness.driver import Driver  # noqa: E402
 from harness.program import Program  # noqa: E402
 from harness.waiting import wait_until  # noqa: E402
 from harness.window import Window  # noqa: E402
@@ -98,20 +97,6 @@ class Installation:
         announced = (drive() / "current.reg").read_bytes().decode("utf-16")
         lines = [line for line in announced.splitlines() if "quillmont" in line.lower()]
         return lines + [str(path) for path in (self.folder, self.menu) if path.exists()]
-
-
-@pytest.fixture(scope="module")
-def driver():
-    driver = Driver(os.environ["QUILLMONT_DRIVER"])
-    yield driver
-    driver.close()
-
-
-@pytest.fixture
-def data():
-    data = DataFolder()
-    data.remove()
-    return data
 
 
 @pytest.fixture

@@ -25,7 +25,7 @@ std::optional<uint64_t> QueryFileSize(const std::wstring& path);
 
 // Copies a file's content over `target`, whether that exists or not. The copy is never read-only: a file
 // taken from a read-only medium must not become one that can be neither replaced nor removed. False:
-// something is in the way; a target that could not be replaced is unchanged.
+// something is in the way, and the target is unchanged, or the disk is full, and the target is gone or cut.
 bool CopyFileOver(const std::wstring& source, const std::wstring& target);
 
 // True: no file stands there any more, whoever removed it. False: it may not be removed.

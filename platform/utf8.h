@@ -1,4 +1,4 @@
-// UTF-8 to wide text and back, the same code on every system so that every build accepts the same octets.
+// UTF-8 to wide text, the same code on every system so that every build accepts the same octets.
 #pragma once
 
 #include <string>

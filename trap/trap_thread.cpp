@@ -19,8 +19,7 @@ namespace {
 
 constexpr size_t kLargestDatagram = 65535;
 
-// A hostile giant must not leave its memory behind in every record; ordinary traps fit into one Ethernet
-// frame.
+// Ordinary traps fit into one Ethernet frame.
 constexpr size_t kLargestOrdinaryDatagram = 1500;
 
 void NoteArrival(const Ipv4Endpoint& sender, std::wstring& text) {
@@ -34,15 +33,27 @@ void NoteArrival(const Ipv4Endpoint& sender, std::wstring& text) {
     text.resize(addressLength);
 }
 
-void ReleaseWhatGiantsLeft(size_t count, TrapWorkspace& workspace) {
-    if (count > kLargestOrdinaryDatagram) {
-        workspace.bindings.Release();
-        std::wstring().swap(workspace.record);
+// Gives back what a hostile giant took, be it recorded or not: when memory runs out on the way, above all.
+class GiantRelease {
+  public:
+    GiantRelease(size_t count, TrapWorkspace& workspace) : count_(count), workspace_(workspace) {}
+    GiantRelease(const GiantRelease&) = delete;
+    GiantRelease& operator=(const GiantRelease&) = delete;
+    ~GiantRelease() {
+        if (count_ > kLargestOrdinaryDatagram) {
+            workspace_.bindings.Release();
+            std::wstring().swap(workspace_.record);
+        }
     }
-}
+
+  private:
+    size_t count_;
+    TrapWorkspace& workspace_;
+};
 
 void ReceiveTraps(UdpSocket& trapSocket, UdpSocket* forwardSocket) {
-    // On the stack: a receiver that starts when memory is short must not end for want of its buffer.
+    // On the stack, which a thread has from its start or does not start at all: a receiver must not end for
+    // want of its buffer.
     std::array<uint8_t, kLargestDatagram> buffer;
     TrapWorkspace workspace;
     const auto record = [&](size_t size, const Ipv4Endpoint& sender) {
@@ -56,6 +67,7 @@ void ReceiveTraps(UdpSocket& trapSocket, UdpSocket* forwardSocket) {
 
 void RecordTrap(const uint8_t* octets, size_t count, const Ipv4Endpoint& sender, UdpSocket* forwardSocket,
                 TrapWorkspace& workspace) {
+    const GiantRelease release(count, workspace);
     NoteArrival(sender, workspace.sender);
     const LocalTime time = ReadLocalTime();
     DecodeSnmpMessage(octets, count, workspace.bindings);
@@ -64,7 +76,6 @@ void RecordTrap(const uint8_t* octets, size_t count, const Ipv4Endpoint& sender,
     workspace.logLine.assign(L"Trap received (").append(workspace.sender).append(L").");
     LogMessage(workspace.logLine);
     ForwardDatagram(octets, count, forwardSocket);
-    ReleaseWhatGiantsLeft(count, workspace);
 }
 
 void TrapThread(UdpSocket& trapSocket, UdpSocket* forwardSocket) {

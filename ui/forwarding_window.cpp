@@ -60,12 +60,23 @@ int32_t ReadPortField() {
     return ClampForwardingPort(ParseDecimalInt(text));
 }
 
-// The trap thread asks the settings for every datagram: the next trap already goes to the new target. The
-// fields are not filled again with what was made of them, since the window closes at once.
+// The trap thread asks the settings for every datagram: the next trap already goes to the new target. Off
+// before the target changes and on after it, so that no trap in between goes where nobody sent it; the first
+// target of all is this program itself.
+void ReplaceForwarding(bool enabled, const std::wstring& ip, int32_t port) {
+    if (!enabled) {
+        ForwardingSettings.forwardingEnabled.exchange(false);
+    }
+    ReplaceForwardingTarget(ip, port);
+    if (enabled) {
+        ForwardingSettings.forwardingEnabled.exchange(true);
+    }
+}
+
+// The fields are not filled again with what was made of them, since the window closes at once.
 void SaveForwarding(HWND window) {
     const bool enabled = SendMessageW(ForwardEnabledCheck, BM_GETCHECK, 0, 0) == BST_CHECKED;
-    ForwardingSettings.forwardingEnabled.exchange(enabled);
-    ReplaceForwardingTarget(ReadIpField(), ReadPortField());
+    ReplaceForwarding(enabled, ReadIpField(), ReadPortField());
     SaveConfig();
     LogMessage(L"Forwarding updated.");
     DestroyWindow(window);

@@ -35,7 +35,7 @@ constexpr wchar_t DeleteQuestion[] = L"Alle MIB Dateien im MIB-Ordner l\u00C3\u0
 
 // The dialog comes from a library that brings the printing system with it, megabytes that nothing else here
 // needs. So it is loaded for the first import, and then stays, since what the shell hangs into the dialog can
-// outlive it. Null: it cannot be loaded.
+// outlive it. Null: it cannot be loaded now.
 decltype(&GetOpenFileNameW) LoadOpenFileDialog() {
     const HMODULE library = LoadLibraryExW(L"comdlg32.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
     return library ? reinterpret_cast<decltype(&GetOpenFileNameW)>(
@@ -45,7 +45,7 @@ decltype(&GetOpenFileNameW) LoadOpenFileDialog() {
 
 // False: cancelled, the selection did not fit, or there is no dialog.
 bool AskForFiles(std::wstring& buffer) {
-    static const auto openFileDialog = LoadOpenFileDialog();
+    const auto openFileDialog = LoadOpenFileDialog();
     buffer.assign(DialogRoom, L'\0');
     OPENFILENAMEW dialog{};
     dialog.lStructSize = sizeof(dialog);

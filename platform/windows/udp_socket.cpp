@@ -30,12 +30,24 @@ class ScopedSocket {
     SOCKET handle_;
 };
 
+// The system's own lock, which needs no memory and no handle and so cannot fail: a std::mutex here can, in
+// its first or its first contended use, and a stop that throws half-way would leave a socket open for ever.
+// Named as std::lock_guard wants it.
+class SystemLock {
+  public:
+    void lock() { AcquireSRWLockExclusive(&lock_); }
+    void unlock() { ReleaseSRWLockExclusive(&lock_); }
+
+  private:
+    SRWLOCK lock_ = SRWLOCK_INIT;
+};
+
 }  // namespace
 
 struct UdpSocket {
     explicit UdpSocket(ScopedSocket socket) : handle(std::move(socket)) {}
 
-    std::mutex lock;      // guards `handle` while one call uses it
+    SystemLock lock;      // guards `handle` while one call uses it
     ScopedSocket handle;  // reset by CloseUdpSocket
 
     // Set by the system when a datagram waits; resets itself when waited for.

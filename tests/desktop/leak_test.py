@@ -14,6 +14,7 @@ import pytest
 
 from harness.processes import find_wine_process
 from harness.tool_windows import FORWARDING, LOG, MONITOR, STATUS
+from harness.traps import LISTENER_PORT, LOOPBACK, TRAP_PORT, integer_binding, message, udp_socket
 from mib_import_test import delete_all, import_files, mib, samples  # noqa: F401
 
 LONG = os.environ.get("QUILLMONT_LONG") == "1"
@@ -121,6 +122,25 @@ def test_opening_and_closing_a_window_leaves_nothing_behind(observer, program, t
         window.wait_closed()
 
     expect_no_leak(observer, f"{tool.name} window opened and closed", rounds(15, 200), cycle)
+
+
+def test_traffic_on_both_ports_leaves_nothing_behind(observer, program, data):
+    for tool in (MONITOR, LOG, STATUS):
+        tool.open(program)
+    portion = 50
+    sent = 0
+
+    def cycle():
+        nonlocal sent
+        with udp_socket() as udp:
+            for _ in range(portion):
+                udp.sendto(message(integer_binding(sent)), (LOOPBACK, TRAP_PORT))
+                udp.sendto(b"", (LOOPBACK, LISTENER_PORT))
+        sent += portion
+        data.wait_for_traps(sent)
+        data.wait_for_log("Datagram on UDP 161 from 127.0.0.1.", sent)
+
+    expect_no_leak(observer, f"{portion} datagrams on each port, windows open", rounds(10, 200), cycle)
 
 
 def test_repainting_leaves_nothing_behind(observer, program):

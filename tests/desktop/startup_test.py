@@ -1,7 +1,9 @@
 """Start-up and the end: the data directory, the settings file, the first lines of the log."""
 
 import os
+import struct
 import subprocess
+from pathlib import Path
 
 import pytest
 
@@ -167,3 +169,12 @@ def test_a_settings_file_that_cannot_be_written_is_passed_over_in_silence(data, 
     assert program.close() == 0
     assert "Config saved." not in data.log_messages()
     assert data.config.is_dir()
+
+
+def test_each_thread_has_the_stack_of_its_receive_buffer_from_the_start():
+    octets = Path(os.environ["QUILLMONT_EXE"]).read_bytes()
+    (header,) = struct.unpack_from("<I", octets, 0x3C)
+    assert octets[header : header + 4] == b"PE\0\0"
+    (committed,) = struct.unpack_from("<Q", octets, header + 24 + 80)
+    # Backed later, page by page, it would end the process when memory is short.
+    assert committed >= 128 * 1024

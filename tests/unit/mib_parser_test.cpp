@@ -211,6 +211,15 @@ TEST_F(MibParser, KeywordInACommentHasNoEffect) {
     EXPECT_EQ(CountDefinitions(), 1U);
 }
 
+TEST_F(MibParser, KeywordEndsWhereItsCommentBegins) {
+    ParseText(L"a OBJECT-TYPE--c\n::= { mgmt 1 }");
+    EXPECT_EQ(DefinitionOf(L"a"), (Definition{L"mgmt", 1, true}));
+    ParseText(L"b OBJECT--TYPE\n::= { mgmt 2 }\nOBJECT -- IDENTIFIER\n");
+    EXPECT_EQ(CountDefinitions(), 1U);
+    ParseText(L"c OBJECT-TYPE {::=--}\n mgmt 3 }");
+    EXPECT_EQ(DefinitionOf(L"c"), (Definition{L"mgmt", 3, true}));
+}
+
 TEST_F(MibParser, AssignmentOrBraceInACommentHasNoEffect) {
     ParseText(L"a OBJECT-TYPE ::= -- { mgmt 1 }\na { mgmt 1 } -- ::=\n{ mgmt 1 -- ::= }\n");
     EXPECT_EQ(CountDefinitions(), 0U);
@@ -427,7 +436,7 @@ TEST_F(MibParser, OneLineOf20MillionCharactersIsOneValue) {
 }
 
 TEST_F(MibParser, MillionLettersThatCouldBeginAKeywordArePassedOver) {
-    ParseText(std::wstring(5'000'000, L'J') + std::wstring(5'000'000, L'U') + std::wstring(5'000'000, L'=') +
+    ParseText(std::wstring(5'000'000, L'J') + std::wstring(5'000'000, L'L') + std::wstring(5'000'000, L'=') +
               L"\na OBJECT-TYPE\n::= { mgmt 5 }");
     EXPECT_EQ(DefinitionOf(L"a"), (Definition{L"mgmt", 5, true}));
 }

@@ -392,7 +392,8 @@ TEST(TextPool, HoldsTextsOfEveryLengthAroundABlock) {
     const FreshNameStore store;
     std::vector<PooledText> kept;
     std::vector<std::wstring> texts;
-    for (const size_t length : {1U, 65533U, 65534U, 65535U, 65536U, 65537U, 131070U, 131072U, 300000U, 2U}) {
+    for (const size_t length : {1U, 65531U, 65532U, 65533U, 65534U, 65535U, 65536U, 65537U, 131067U, 131068U,
+                                131069U, 131070U, 131072U, 300000U, 2U}) {
         texts.emplace_back(length, static_cast<wchar_t>(L'a' + texts.size()));
         kept.push_back(KeepText(texts.back()));
     }
