@@ -1,6 +1,7 @@
 #include "mib/mib_folder.h"
 
 #include <algorithm>
+#include <array>
 #include <cwchar>
 #include <cwctype>
 
@@ -12,8 +13,6 @@
 #include "platform/folders.h"
 
 namespace {
-
-constexpr size_t kLongestCount = 11;  // characters of a 32-bit number with its sign
 
 // From the last dot of the last component on. As the shell has it, a blank behind the dot makes it no
 // extension, and a name may be all extension.
@@ -36,6 +35,15 @@ void TrimTables() {
     OidNameMap.Trim();
 }
 
+// Asks for no memory: the load may have ended because there was none.
+void LogNameCount() {
+    constexpr std::wstring_view kText = L"MIBs loaded. OID mappings: ";
+    std::array<wchar_t, kText.size() + kMaxDecimalDigits> message{};
+    const wchar_t* end =
+        WriteDecimal(std::copy(kText.begin(), kText.end(), message.data()), OidNameMap.Count());
+    LogMessage({message.data(), static_cast<size_t>(end - message.data())});
+}
+
 }  // namespace
 
 bool IsMibFile(std::wstring_view path) {
@@ -47,9 +55,6 @@ bool IsMibFile(std::wstring_view path) {
 }
 
 void LoadMibFolder() {
-    // Made while there is memory.
-    std::wstring message = L"MIBs loaded. OID mappings: ";
-    message.reserve(message.size() + kLongestCount);
     const std::lock_guard lock(MibStoreLock);
     ClearNameStore();
     try {
@@ -60,8 +65,7 @@ void LoadMibFolder() {
     } catch (...) {
         // What was stored until memory ran out is right as far as it goes and stays.
     }
-    AppendSignedDecimal(message, static_cast<int32_t>(static_cast<uint32_t>(OidNameMap.Count())));
-    LogMessage(message);
+    LogNameCount();
 }
 
 std::vector<std::wstring> ListMibFiles() {

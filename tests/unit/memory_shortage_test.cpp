@@ -1,0 +1,378 @@
+// Memory that runs out at each request in turn. The global operator new is replaced by linking, hence a
+// program of its own.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <mutex>
+#include <new>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include "core/activity_log.h"
+#include "core/app_paths.h"
+#include "core/file_text.h"
+#include "mib/mib_folder.h"
+#include "mib/mib_parser.h"
+#include "mib/name_store.h"
+#include "platform/files.h"
+#include "tests/support/mib_tables.h"
+#include "tests/support/sample_messages.h"
+#include "tests/support/scratch_folder.h"
+#include "tests/support/stamps.h"
+#include "tests/unit/mib_reference.h"
+#include "trap/snmp_message.h"
+#include "trap/trap_record.h"
+#include "trap/trap_thread.h"
+
+namespace {
+
+// A moment of want, or the end of all memory.
+enum class Shortage { OneRequest, ThatAndAllLater };
+
+constexpr size_t kNone = SIZE_MAX;
+
+// Not atomic: no two threads here ask at the same time.
+size_t requests = 0;
+size_t refusedRequest = kNone;
+Shortage shortage = Shortage::OneRequest;
+
+void* Allocate(size_t size) {
+    const size_t request = requests++;
+    const bool refused =
+        shortage == Shortage::OneRequest ? request == refusedRequest : request >= refusedRequest;
+    return refused ? nullptr : std::malloc(std::max<size_t>(size, 1));
+}
+
+void* AllocateOrThrow(size_t size) {
+    void* memory = Allocate(size);
+    if (memory == nullptr) {
+        throw std::bad_alloc();
+    }
+    return memory;
+}
+
+}  // namespace
+
+// All forms but the over-aligned ones, which nothing here uses: the runtime's own would not always come back
+// to these.
+void* operator new(size_t size) {
+    return AllocateOrThrow(size);
+}
+void* operator new[](size_t size) {
+    return AllocateOrThrow(size);
+}
+void* operator new(size_t size, const std::nothrow_t&) noexcept {
+    return Allocate(size);
+}
+void* operator new[](size_t size, const std::nothrow_t&) noexcept {
+    return Allocate(size);
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, size_t) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, size_t) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, const std::nothrow_t&) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, const std::nothrow_t&) noexcept {
+    std::free(memory);
+}
+
+namespace {
+
+enum class Outcome { Returned, NoMemory, OtherException };
+
+struct Attempt {
+    Outcome outcome = Outcome::Returned;
+    size_t requests = 0;   // that it made
+    bool refused = false;  // whether it came as far as the refused one
+};
+
+class ScopedShortage {
+  public:
+    ScopedShortage(size_t request, Shortage kind) {
+        requests = 0;
+        shortage = kind;
+        refusedRequest = request;
+    }
+    ScopedShortage(const ScopedShortage&) = delete;
+    ScopedShortage& operator=(const ScopedShortage&) = delete;
+    ~ScopedShortage() { refusedRequest = kNone; }
+};
+
+template <typename Action>
+Attempt Try(const Action& action, size_t request = kNone, Shortage kind = Shortage::OneRequest) {
+    Attempt attempt;
+    const ScopedShortage scope(request, kind);
+    try {
+        action();
+    } catch (const std::bad_alloc&) {
+        attempt.outcome = Outcome::NoMemory;
+    } catch (...) {
+        attempt.outcome = Outcome::OtherException;
+    }
+    attempt.requests = requests;
+    attempt.refused = request < requests;
+    return attempt;
+}
+
+// Calls prepare(), action() and check(attempt, request) for each request of `action` in turn, until it makes
+// fewer. Returns how many were refused.
+template <typename Prepare, typename Action, typename Check>
+size_t RefuseEachRequest(Shortage kind, const Prepare& prepare, const Action& action, const Check& check) {
+    for (size_t request = 0;; ++request) {
+        prepare();
+        const Attempt attempt = Try(action, request, kind);
+        if (!attempt.refused) {
+            EXPECT_EQ(attempt.outcome, Outcome::Returned);
+            return request;
+        }
+        const ::testing::ScopedTrace trace(__FILE__, __LINE__, "refused request " + std::to_string(request));
+        check(attempt, request);
+    }
+}
+
+TEST(MemoryShortage, RefusesWhatItIsToldToRefuse) {
+    const auto askTwice = [] {
+        delete[] new (std::nothrow) char[100];
+        std::string().reserve(100);
+    };
+    EXPECT_EQ(Try(askTwice).requests, 2U);
+    EXPECT_EQ(Try(askTwice).outcome, Outcome::Returned);
+    EXPECT_EQ(Try(askTwice, 0, Shortage::OneRequest).outcome, Outcome::Returned);
+    EXPECT_EQ(Try(askTwice, 0, Shortage::ThatAndAllLater).outcome, Outcome::NoMemory);
+    EXPECT_EQ(Try(askTwice, 1, Shortage::OneRequest).outcome, Outcome::NoMemory);
+    EXPECT_FALSE(Try(askTwice, 2, Shortage::ThatAndAllLater).refused);
+}
+
+// ---- The tables
+
+// CopyMibTables has looked at the rows.
+void ExpectWholeTables(const MibTables& tables) {
+    for (const auto& [oid, name] : tables.nameOfOid) {
+        EXPECT_TRUE(tables.oidOfName.contains(name)) << ::testing::PrintToString(oid);
+    }
+}
+
+// Enough for every table and list to grow several times, values of every kind, and a name too long for the
+// room that texts share.
+std::string MakeModule() {
+    std::string text;
+    for (int number = 0; number < 60; ++number) {
+        const std::string id = std::to_string(number);
+        const std::string parent = number == 0 ? "iso" : "name" + std::to_string(number / 2);
+        text += "name" + id + " OBJECT-TYPE\n::= { " + parent + " " + id + " }\n";
+        if (number % 10 == 0) {
+            text += "direct" + id + " OBJECT IDENTIFIER ::= {\n iso org(3) x(" + id + ") -1 }\n";
+        }
+    }
+    text += std::string(70'000, 'z') + " OBJECT-TYPE ::= { mgmt 2 }\n";
+    return text + "last OBJECT IDENTIFIER ::= { name5 }\n";
+}
+
+template <typename Text>
+void TestLoadsOf(const Text& text) {
+    const std::lock_guard lock(MibStoreLock);
+    const auto load = [&] {
+        ParseMibText(text);
+        StoreResolvedDefinitions();
+    };
+    const auto loadAndCopy = [&] {
+        load();
+        return CopyMibTables();
+    };
+    ClearNameStore();
+    const MibTables whole = loadAndCopy();
+    EXPECT_GT(whole.nameOfOid.size(), 60U);
+    const size_t refused =
+        RefuseEachRequest(Shortage::OneRequest, ClearNameStore, load, [&](const Attempt& attempt, size_t) {
+            EXPECT_EQ(attempt.outcome, Outcome::NoMemory);
+            ExpectWholeTables(CopyMibTables());
+            // What is left must be fit to be built on, and must not outlive a clearing.
+            EXPECT_EQ(loadAndCopy(), whole);
+            ClearNameStore();
+            EXPECT_EQ(loadAndCopy(), whole);
+        });
+    EXPECT_GT(refused, 50U);
+    EXPECT_EQ(CopyMibTables(), whole);
+    ClearNameStore();
+}
+
+TEST(MemoryShortage, LoadOfANarrowTextLeavesTheTablesWhole) {
+    TestLoadsOf(MakeModule());
+}
+
+TEST(MemoryShortage, LoadOfAWideTextLeavesTheTablesWhole) {
+    const std::string text = MakeModule();
+    TestLoadsOf(std::wstring(text.begin(), text.end()));
+}
+
+// ---- The folder and the receiver, which write files
+
+class FilesInAShortage : public testing::TestWithParam<Shortage> {
+  protected:
+    // The file without the stamps its lines or records begin with; gone afterwards.
+    static std::string TakeFile(const std::wstring& path) {
+        const std::string octets = ReadOctets(path);
+        RemoveFile(path);
+        if (octets.empty()) {
+            return octets;
+        }
+        EXPECT_TRUE(IsStamp(std::string_view(octets).substr(0, kStampLength))) << octets;
+        return octets.substr(std::min(octets.size(), kStampLength));
+    }
+    static std::string TakeLog() { return TakeFile(AppPaths.logFilePath); }
+    static std::string TakeRecord() { return TakeFile(AppPaths.trapFilePath); }
+
+    ScratchFolder folder_;
+    AppPathsGuard paths_{folder_};
+    FreshNameStore store_;
+};
+
+// Asked on another thread: the one that holds a lock may not try it.
+bool IsFree(std::mutex& lock) {
+    bool free = false;
+    std::thread([&] {
+        free = lock.try_lock();
+        if (free) {
+            lock.unlock();
+        }
+    }).join();
+    return free;
+}
+
+MibTables CopyTablesLocked() {
+    const std::lock_guard lock(MibStoreLock);
+    return CopyMibTables();
+}
+
+std::string LogLineOfALoad() {
+    return "  MIBs loaded. OID mappings: " + std::to_string(CountOidNames()) + "\r\r\n";
+}
+
+TEST_P(FilesInAShortage, LoadOfTheFolderEndsInItsLogLineAndThrowsNothing) {
+    WriteOctets(AppPaths.mibsDir + L"\\a module with a long name.mib",
+                "demo OBJECT IDENTIFIER ::= { enterprises 77 }\nname OBJECT-TYPE\n ::= { demo 1 }\n"
+                "zero OBJECT IDENTIFIER ::= { internet }\n");
+    WriteOctets(AppPaths.mibsDir + L"\\wide.txt",
+                "-- \xC3\xA4\nother OBJECT-TYPE\n ::= { name 2 }\nthird OBJECT-TYPE\n ::= { other 3 }\n");
+    const Attempt undisturbed = Try([] { LoadMibFolder(); });
+    const MibTables whole = CopyTablesLocked();
+    ASSERT_EQ(whole.nameOfOid.size(), 5U);
+    ASSERT_EQ(TakeLog(), LogLineOfALoad());
+    // The log is written last, so these are a load's last requests.
+    const size_t logRequests = Try([] { LogMessage(L"MIBs loaded. OID mappings: 5"); }).requests;
+    TakeLog();
+    ASSERT_GT(logRequests, 0U);
+    ASSERT_GT(undisturbed.requests, logRequests + 10);
+
+    RefuseEachRequest(
+        GetParam(), [] {}, [] { LoadMibFolder(); },
+        [&](const Attempt& attempt, size_t request) {
+            EXPECT_EQ(attempt.outcome, Outcome::Returned);
+            EXPECT_TRUE(IsFree(MibStoreLock));
+            const bool logMustBeThere =
+                GetParam() == Shortage::OneRequest && request < undisturbed.requests - logRequests;
+            if (const std::string log = TakeLog(); logMustBeThere || !log.empty()) {
+                EXPECT_EQ(log, LogLineOfALoad());
+            }
+            ExpectWholeTables(CopyTablesLocked());
+            LoadMibFolder();
+            EXPECT_EQ(CopyTablesLocked(), whole);
+            EXPECT_EQ(TakeLog(), LogLineOfALoad());
+        });
+}
+
+constexpr Ipv4Endpoint kSender = {0xFFFEFDFC, 65535};  // longer than what a text holds without asking
+
+// From a giant the receiver gives memory back, which is a way of its own.
+std::vector<Octets> TrapsOfEveryKind() {
+    const Octets giant = EncodeV2Trap(std::vector<Binding>(
+        40, {"1.3.6.1.2.1.2.2.1.2.7", EncodeOctetString("an interface with a description that is long")}));
+    EXPECT_GT(giant.size(), 1500U);
+    return {FindSample("v2_eight_bindings").octets, FindSample("v2_every_value_type").octets,
+            FindSample("v2_empty_pdu").octets, giant};
+}
+
+TEST_P(FilesInAShortage, TrapIsRecordedWholeOrNotAtAllAndTheNextOneIsWhole) {
+    {
+        const std::lock_guard lock(MibStoreLock);
+        StoreNamedOid(L"a name that is too long to be held without memory", L"1.3.6.1.2.1.2.2.1.2.7");
+    }
+    for (const Octets& trap : TrapsOfEveryKind()) {
+        TrapWorkspace workspace;
+        const auto startAnew = [&] {
+            TakeRecord();
+            TakeLog();
+            workspace = TrapWorkspace();
+        };
+        const auto record = [&] { RecordTrap(trap.data(), trap.size(), kSender, nullptr, workspace); };
+        startAnew();
+        record();
+        const std::string whole = TakeRecord();
+        const std::string logLine = "  Trap received (255.254.253.252).\r\r\n";
+        EXPECT_TRUE(whole.starts_with("       FROM: 255.254.253.252\r\r\n")) << whole;
+        ASSERT_EQ(TakeLog(), logLine);
+
+        const size_t refused =
+            RefuseEachRequest(GetParam(), startAnew, record, [&](const Attempt& attempt, size_t) {
+                EXPECT_NE(attempt.outcome, Outcome::OtherException);
+                const std::string left = TakeRecord();
+                EXPECT_TRUE(left.empty() || left == whole) << left;
+                EXPECT_TRUE(attempt.outcome == Outcome::NoMemory || left == whole) << "lost in silence";
+                const std::string log = TakeLog();
+                EXPECT_TRUE(log.empty() || log == logLine) << log;
+                record();
+                EXPECT_EQ(TakeRecord(), whole);
+                EXPECT_EQ(TakeLog(), logLine);
+            });
+        EXPECT_GT(refused, 2U);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, FilesInAShortage,
+                         ::testing::Values(Shortage::OneRequest, Shortage::ThatAndAllLater),
+                         [](const ::testing::TestParamInfo<Shortage>& kind) {
+                             return kind.param == Shortage::OneRequest ? "OfOneRequest" : "FromThenOn";
+                         });
+
+// The steps of a record by themselves, and what an undisturbed record holds.
+TEST(MemoryShortage, DecodingAndComposingThrowNoMemoryOrSucceed) {
+    constexpr LocalTime time = {2026, 3, 7, 9, 5, 2, 47};
+    for (const SampleMessage& sample : SampleMessages()) {
+        SCOPED_TRACE(sample.name);
+        const std::wstring whole =
+            L"2026-03-07 09:05:02.047       FROM: 10.1.2.3\r\n" + BuildExpectedBody(sample);
+        VarbindList bindings;
+        std::wstring text;
+        const auto compose = [&] {
+            DecodeSnmpMessage(sample.octets.data(), sample.octets.size(), bindings);
+            ComposeTrapRecord(time, L"10.1.2.3", bindings, text);
+        };
+        const auto forget = [&] {
+            bindings.Release();
+            std::wstring().swap(text);
+        };
+        RefuseEachRequest(Shortage::OneRequest, forget, compose, [&](const Attempt& attempt, size_t) {
+            EXPECT_EQ(attempt.outcome, Outcome::NoMemory);
+            compose();
+            EXPECT_EQ(text, whole);
+        });
+        EXPECT_EQ(text, whole);
+    }
+}
+
+}  // namespace
