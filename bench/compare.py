@@ -62,6 +62,21 @@ def resident_kib(pid):
     return int(re.search(r"VmRSS:\s+(\d+)", open(f"/proc/{pid}/status").read())[1])
 
 
+def settled_resident_kib(pid):
+    """Once it stays the same for a second: a program listens before its window is painted."""
+    since, seen = time.monotonic(), resident_kib(pid)
+
+    def is_settled():
+        nonlocal since, seen
+        now = resident_kib(pid)
+        if now != seen:
+            since, seen = time.monotonic(), now
+        return time.monotonic() - since > 1
+
+    wait_until(is_settled, "memory to stay the same")
+    return seen
+
+
 def find_process(name):
     """The process whose command line names the Windows program; Wine's own command does not stay."""
     for entry in pathlib.Path("/proc").glob("[0-9]*"):
@@ -299,7 +314,7 @@ def compare_wine_floor(table, options):
     resident = []
     for kind in (QuillmontUnderWine, FloorWithWindowUnderWine):
         with kind() as receiver:
-            resident.append(resident_kib(receiver.pid) / 1024)
+            resident.append(settled_resident_kib(receiver.pid) / 1024)
     table.add("wine_window_resident", f"resident memory: {FloorWithWindowUnderWine.name}", "MiB", *resident,
               "at most 4 MiB more")
 
@@ -339,13 +354,20 @@ def compare_bursts(table, _):
               measure_burst(QuillmontUnderWine, open_windows=True), measure_burst(FloorUnderWine))
 
 
-def compare_mibs(table, options):
+def load_mibs(options):
     with tempfile.TemporaryDirectory() as home:
         (pathlib.Path(home) / "Quillmont").mkdir()
         (pathlib.Path(home) / "Quillmont/mibs").symlink_to(options.mibs)
-        ours = numbers(run(NATIVE / "bench/quillmont_mibs", env=dict(os.environ, QUILLMONT_DATA_HOME=home)))
-    floor = numbers(run(NATIVE / "bench/floor_folder_scan", options.mibs))
-    seconds, names, text, before, peak, after = ours
+        return numbers(run(NATIVE / "bench/quillmont_mibs", env=dict(os.environ, QUILLMONT_DATA_HOME=home)))
+
+
+def compare_mibs(table, options):
+    # In turn, the best of three on each side: a load is over in a fifth of a second, and what else the machine does
+    # only ever adds.
+    loads, scans = zip(*((load_mibs(options), numbers(run(NATIVE / "bench/floor_folder_scan", options.mibs)))
+                         for _ in range(3)))
+    floor = [min(column) for column in zip(*scans)]
+    seconds, names, text, before, peak, after = min(loads)
     folder = f"MIB folder, {floor[2]:,.0f} files, {floor[3] / 1e6:,.0f} MB"
     table.add("mibs_lines", f"{folder}: reading and finding lines", "s", seconds, floor[0], "at most 2.5")
     table.add("mibs_values", f"{folder}: the same and looking for values", "s", seconds, floor[1], "at most 2.5")
@@ -355,10 +377,7 @@ def compare_mibs(table, options):
 
 
 def compare_mibs_peer(table, options):
-    with tempfile.TemporaryDirectory() as home:
-        (pathlib.Path(home) / "Quillmont").mkdir()
-        (pathlib.Path(home) / "Quillmont/mibs").symlink_to(options.mibs)
-        ours = numbers(run(NATIVE / "bench/quillmont_mibs", env=dict(os.environ, QUILLMONT_DATA_HOME=home)))
+    ours = load_mibs(options)
     theirs = numbers(run(NATIVE / "bench/netsnmp_mibs", options.mibs))
     table.add("mibs_netsnmp", "MIB folder: net-snmp's library", "s", ours[0], theirs[0], "at most 0.05")
     table.add("mibs_netsnmp_peak", "memory while loading: net-snmp's library", "MiB", ours[4] / 1024, theirs[2] / 1024,
