@@ -140,7 +140,7 @@ def test_traffic_on_both_ports_leaves_nothing_behind(observer, program, data):
         data.wait_for_traps(sent)
         data.wait_for_log("Datagram on UDP 161 from 127.0.0.1.", sent)
 
-    expect_no_leak(observer, f"{portion} datagrams on each port, windows open", rounds(10, 200), cycle)
+    expect_no_leak(observer, f"{portion} datagrams on each port, windows open", rounds(10, 100), cycle)
 
 
 def test_repainting_leaves_nothing_behind(observer, program):
