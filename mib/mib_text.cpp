@@ -75,10 +75,8 @@ std::wstring_view TakeLastWord(std::wstring_view& text) {
 
 MibText ReadMibText(const std::wstring& path) {
     std::string octets;
-    // Looked at before it is read: a trap file imported by mistake can be larger than the memory.
-    if (QueryFileSize(path).value_or(0) <= kMaxOctets) {
-        ReadOctetsFrom(path, 0, octets);
-    }
+    // Not read at all when it is too large: a trap file imported by mistake can be larger than the memory.
+    ReadOctetsFrom(path, 0, octets, kMaxOctets);
     return DecodeMibText(std::move(octets));
 }
 

@@ -17,8 +17,10 @@ bool AppendOctets(const std::wstring& path, std::string_view octets);
 bool ReplaceOctets(const std::wstring& path, std::string_view octets);
 
 // Fills `octets` with everything from `offset` to the end; an offset beyond the end reads from the start.
-// False, `octets` emptied: the file could not be opened or read. May throw std::bad_alloc.
-bool ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octets);
+// False, `octets` emptied: the file could not be opened or read, or holds more than `largestFile` octets. May
+// throw std::bad_alloc.
+bool ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octets,
+                    uint64_t largestFile = UINT64_MAX);
 
 // The size in octets as the folder tells it, without opening the file; nothing when there is no such file.
 std::optional<uint64_t> QueryFileSize(const std::wstring& path);

@@ -70,7 +70,7 @@ bool ReplaceOctets(const std::wstring& path, std::string_view octets) {
     return true;
 }
 
-bool ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octets) {
+bool ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octets, uint64_t largestFile) {
     octets.clear();
     const ScopedDescriptor file = OpenFile(path, O_RDONLY);
     struct stat status {};
@@ -78,7 +78,7 @@ bool ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octe
         return false;
     }
     const auto size = static_cast<uint64_t>(status.st_size);
-    if (!ReadRange(file.get(), offset > size ? 0 : offset, size, octets)) {
+    if (size > largestFile || !ReadRange(file.get(), offset > size ? 0 : offset, size, octets)) {
         octets.clear();
         return false;
     }

@@ -69,7 +69,7 @@ bool ReplaceOctets(const std::wstring& path, std::string_view octets) {
     return true;
 }
 
-bool ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octets) {
+bool ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octets, uint64_t largestFile) {
     octets.clear();
     const ScopedHandle file = OpenFile(path, GENERIC_READ, OPEN_EXISTING);
     LARGE_INTEGER fileSize{};
@@ -77,7 +77,7 @@ bool ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octe
         return false;
     }
     const auto size = static_cast<uint64_t>(fileSize.QuadPart);
-    if (!ReadRange(file.get(), offset > size ? 0 : offset, size, octets)) {
+    if (size > largestFile || !ReadRange(file.get(), offset > size ? 0 : offset, size, octets)) {
         octets.clear();
         return false;
     }

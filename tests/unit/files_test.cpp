@@ -75,6 +75,15 @@ TEST_F(FilesTest, ReadingAMissingFileFailsAndEmptiesTheOctets) {
     EXPECT_EQ(octets, "");
 }
 
+TEST_F(FilesTest, FileLargerThanWantedIsNotRead) {
+    ASSERT_TRUE(ReplaceOctets(file_, "12345"));
+    std::string octets = "leftover";
+    EXPECT_FALSE(ReadOctetsFrom(file_, 0, octets, 4));
+    EXPECT_EQ(octets, "");
+    EXPECT_TRUE(ReadOctetsFrom(file_, 0, octets, 5));
+    EXPECT_EQ(octets, "12345");
+}
+
 TEST_F(FilesTest, ReadingStartsAtTheOffset) {
     ASSERT_TRUE(ReplaceOctets(file_, "12345"));
     EXPECT_EQ(ReadFrom(0), "12345");
