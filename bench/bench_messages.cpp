@@ -66,8 +66,9 @@ Octets MakeTrapOfTinyElements(size_t octets) {
 Octets MakeTrapOfNestedElements(size_t octets) {
     constexpr size_t kLongestHeader = 4;
     Octets headers;
-    for (size_t left = octets - kRoomForHeaders; left > 0; left -= std::min(left, kLongestHeader)) {
-        const Octets header = EncodeHeader(ber::kSequence, left - std::min(left, kLongestHeader));
+    for (size_t left = octets - kRoomForHeaders; left > 0;) {
+        left -= std::min(left, kLongestHeader);
+        const Octets header = EncodeHeader(ber::kSequence, left);
         headers.insert(headers.end(), header.begin(), header.end());
     }
     return EncodeV2TrapWithListContent(headers);

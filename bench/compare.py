@@ -63,18 +63,15 @@ def resident_kib(pid):
 
 
 def settled_resident_kib(pid):
-    """Once it stays the same for a second: a program listens before its window is painted."""
-    since, seen = time.monotonic(), resident_kib(pid)
+    """Once a thousand looks, more than a second, saw the same: a program listens before its window is painted."""
+    readings = []
 
     def is_settled():
-        nonlocal since, seen
-        now = resident_kib(pid)
-        if now != seen:
-            since, seen = time.monotonic(), now
-        return time.monotonic() - since > 1
+        readings.append(resident_kib(pid))
+        return len(readings) >= 1000 and len(set(readings[-1000:])) == 1
 
     wait_until(is_settled, "memory to stay the same")
-    return seen
+    return readings[-1]
 
 
 def find_process(name):

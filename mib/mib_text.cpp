@@ -81,13 +81,10 @@ MibText ReadMibText(const std::wstring& path) {
 }
 
 MibText DecodeMibText(std::string octets) {
-    std::wstring text;
-    if (octets.size() > kMaxOctets) {
-        return text;
-    }
     if (IsAscii(octets)) {
         return octets;
     }
+    std::wstring text;
     DecodeUtf8OrAnsi(octets, text);
     return text;
 }

@@ -18,7 +18,7 @@ using MibText = std::variant<std::string, std::wstring>;
 // nothing.
 MibText ReadMibText(const std::wstring& path);
 
-// The same for octets that were read already.
+// The same for octets that were read already, fewer than 2 GiB.
 MibText DecodeMibText(std::string octets);
 
 // The line up to its first "--".

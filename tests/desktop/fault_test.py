@@ -162,6 +162,41 @@ def test_a_folder_in_the_place_of_the_settings_gives_the_defaults_and_is_never_w
     assert "Config saved." not in data.log_messages()
 
 
+def test_settings_that_nobody_may_open_give_the_defaults_and_stay(data, start, driver):
+    data.write_config(config(1, "10.1.2.3", 8162))
+    driver("hold_file", data.windows_path(data.config))
+    try:
+        program = start().wait_running()
+        data.wait_for_log("No config.xml found (or empty). Using defaults.")
+        assert program.close() == 0
+    finally:
+        driver("release_files")
+    assert data.config.read_bytes() == config(1, "10.1.2.3", 8162)
+    assert "Config saved." not in data.log_messages()
+
+
+def test_a_mibs_folder_of_thousands_with_links_folders_and_a_file_that_cannot_be_read(data, start, driver):
+    files = 2000
+    for number in range(files):
+        data.add_mib(f"m{number}.mib", f"m{number} OBJECT IDENTIFIER ::= {{ enterprises {number} }}\n")
+    (data.mibs / "folder.mib").mkdir()
+    data.add_mib("folder.mib/inside.mib", "inside OBJECT IDENTIFIER ::= { enterprises 9001 }\n")
+    (data.folder / "target").write_text("linked OBJECT IDENTIFIER ::= { enterprises 9002 }\n")
+    (data.mibs / "link.mib").symlink_to(data.folder / "target")
+    (data.mibs / "dangling.mib").symlink_to(data.folder / "nothing")
+    (data.mibs / "circle.mib").symlink_to("circle.mib")
+    data.add_mib("held.mib", "held OBJECT IDENTIFIER ::= { enterprises 9003 }\n")
+    driver("hold_file", data.windows_path(data.mibs / "held.mib"))
+    try:
+        program = start().wait_running()
+        data.wait_for_log(f"MIBs loaded. OID mappings: {files + 1}")
+        send_raw(message(integer_binding(1)))
+        data.wait_for_traps(1)
+        assert program.close() == 0
+    finally:
+        driver("release_files")
+
+
 def test_a_read_only_data_folder_changes_no_file_and_stops_nothing(data, start, relay):
     data.write_config(relay.config)
     data.traps.write_bytes(b"old records")

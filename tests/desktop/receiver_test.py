@@ -4,7 +4,7 @@ import socket
 
 import pytest
 
-from harness.data_folder import config, record
+from harness.data_folder import config, mask_stamps, record
 from harness.traps import (
     LISTENER_PORT,
     LOOPBACK,
@@ -256,6 +256,18 @@ def test_files_can_be_deleted_while_the_receiver_runs(program, data):
     data.log.unlink()
     send_raw(message(integer_binding(2)))
     data.wait_for_traps(1)
+    assert data.masked_traps() == record(integer_line(2))
+    assert data.log_messages() == ["Trap received (127.0.0.1)."]
+
+
+def test_files_can_be_moved_away_and_cleared_while_the_receiver_runs(program, data):
+    send_raw(message(integer_binding(1)))
+    data.wait_for_traps(1)
+    moved = data.traps.rename(data.folder / "moved.txt").read_bytes()
+    data.log.write_bytes(b"")
+    send_raw(message(integer_binding(2)))
+    data.wait_for_traps(1)
+    assert mask_stamps(moved) == record(integer_line(1))
     assert data.masked_traps() == record(integer_line(2))
     assert data.log_messages() == ["Trap received (127.0.0.1)."]
 

@@ -122,27 +122,23 @@ class Counter:
         return self.count
 
 
+def whole_records(data):
+    """The number in each record, of a file of any size; an error if anything in it is no whole record."""
+    rest = b""
+    with open(data.traps, "rb") as file:
+        while piece := file.read(1 << 24):
+            records, end, rest = (rest + piece).rpartition(LINE_END * 2)
+            assert RECORD.sub(b"", records + end) == b"", "something in SNMP.txt is no whole record"
+            yield from map(int, RECORD.findall(records + end))
+    assert rest == b"", "the last record is cut"
+
+
 def check_records(data, expected):
     """Every record whole, in the order of sending, and as many as expected."""
-    octets = data.trap_octets()
-    numbers = [int(number) for number in RECORD.findall(octets)]
-    assert RECORD.sub(b"", octets) == b"", "something in SNMP.txt is no whole record"
+    numbers = list(whole_records(data))
     assert len(numbers) == expected, f"{len(numbers)} records instead of {expected}"
     assert all(a < b for a, b in zip(numbers, numbers[1:])), "records are out of order"
     return len(numbers)
-
-
-def count_whole_records(path):
-    """The records of a file of any size; an error if anything in it is no whole record."""
-    count, rest = 0, b""
-    with open(path, "rb") as file:
-        while piece := file.read(1 << 24):
-            records, end, rest = (rest + piece).rpartition(LINE_END * 2)
-            left_over, found = RECORD.subn(b"", records + end)
-            assert left_over == b"", "something in SNMP.txt is no whole record"
-            count += found
-    assert rest == b"", "the last record is cut"
-    return count
 
 
 def table(title, *columns):
@@ -295,7 +291,7 @@ def sustain(receiver, rate, seconds):
         wait_until(lambda: target.count >= sent, lambda: f"{sent} forwarded, seen {target.count}")
         report("end")
         forwarded = target.count
-    recorded = count_whole_records(receiver.data.traps)
+    recorded = sum(1 for _ in whole_records(receiver.data))
     assert recorded == sent and dropped(TRAP_PORT) == 0, f"{recorded} recorded, {dropped(TRAP_PORT)} dropped"
     print(f"sent {sent}, recorded {recorded}, logged {traps.count}, forwarded {forwarded}")
     assert memory[-1] <= memory[0] * 1.05 + 512, "memory grows"

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
 #include <string>
 #include <vector>
 
@@ -17,22 +16,6 @@ class MibParser : public testing::Test {
   protected:
     FreshNameStore store_;
 };
-
-// The whole content of the tables, to compare two ways to the same end.
-std::vector<std::wstring> DescribeTables() {
-    std::vector<std::wstring> lines;
-    for (const auto& row : PendingDefinitions.Rows()) {
-        lines.push_back(std::wstring(row.key.View()) + L" < " + std::wstring(row.value.parent.View()) + L" " +
-                        std::to_wstring(row.value.subId));
-    }
-    for (const auto& row : NameOidMap.Rows()) {
-        lines.push_back(std::wstring(row.key.View()) + L" = " + std::wstring(row.value.View()));
-    }
-    for (const auto& row : OidNameMap.Rows()) {
-        lines.push_back(std::wstring(row.key.View()) + L" : " + std::wstring(row.value.View()));
-    }
-    return lines;
-}
 
 void ParseOctets(const std::string& octets) {
     const ScratchFolder folder;
@@ -358,57 +341,6 @@ TEST_F(MibParser, SmallModuleYieldsWhatItDefines) {
     EXPECT_EQ(NameOf(L"1.3.6.1.4.1.99999.1"), L"demoObjects");
     EXPECT_EQ(NameOf(L"1.3.6.1.4.1.99999.1.2"), L"demoTable");
     EXPECT_EQ(NameOf(L"1.3.6.1.4.1.99999.1.3"), L"demoMode");
-}
-
-// Texts made of the pieces that matter, in an order that nobody would think of.
-std::string MakeScrambledText(std::mt19937& random) {
-    static const char* const kPieces[] = {"a OBJECT-TYPE",
-                                          "b OBJECT IDENTIFIER ::= {",
-                                          "c MODULE-IDENTITY",
-                                          "OBJECT",
-                                          "MODULE",
-                                          "::= { mgmt 5 }",
-                                          "::= { a",
-                                          "::=",
-                                          "{",
-                                          "}",
-                                          "mgmt 7 }",
-                                          "{ internet -1 }",
-                                          "--",
-                                          "-",
-                                          "=",
-                                          "iso",
-                                          "b(2)",
-                                          "7",
-                                          "-1",
-                                          "\r",
-                                          "\n",
-                                          "\n",
-                                          "\n",
-                                          "\t",
-                                          " "};
-    std::string text;
-    for (size_t pieces = random() % 60; pieces > 0; --pieces) {
-        text += kPieces[random() % std::size(kPieces)];
-        text += random() % 3 == 0 ? "" : " ";
-    }
-    return text;
-}
-
-TEST_F(MibParser, NarrowAndWideTextStoreTheSame) {
-    std::mt19937 random(20240607);
-    size_t stored = 0;
-    for (int round = 0; round < 5'000; ++round) {
-        const std::string text = MakeScrambledText(random);
-        ClearNameStore();
-        ParseMibText(text);
-        const std::vector<std::wstring> narrow = DescribeTables();
-        ClearNameStore();
-        ParseMibText(std::wstring(text.begin(), text.end()));
-        ASSERT_EQ(narrow, DescribeTables()) << text;
-        stored += narrow.size();
-    }
-    EXPECT_GT(stored, 1000U);
 }
 
 // The next ones would take hours if a line were looked at again for each brace before it.
