@@ -32,14 +32,26 @@ HANDLE StartedProcess(const Request& request, size_t index) {
     return found->second.get();
 }
 
+// Wine now and then, less than once in a thousand starts, gives a process up before it comes to its program:
+// an internal error. So that answer, and no other, is asked about again.
+DWORD CreateProcessPatiently(const std::wstring& program, PROCESS_INFORMATION* started) {
+    constexpr int kAttempts = 3;
+    DWORD error = ERROR_INTERNAL_ERROR;
+    for (int attempt = 0; attempt < kAttempts && error == ERROR_INTERNAL_ERROR; ++attempt) {
+        std::wstring commandLine = L"\"" + program + L"\"";
+        STARTUPINFOW startup = {};
+        startup.cb = sizeof(startup);
+        const BOOL created = CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0,
+                                            nullptr, nullptr, &startup, started);
+        error = created ? ERROR_SUCCESS : GetLastError();
+    }
+    return error;
+}
+
 std::string StartProcess(const Request& request) {
-    std::wstring commandLine = L"\"" + request.Text(0) + L"\"";
-    STARTUPINFOW startup = {};
-    startup.cb = sizeof(startup);
     PROCESS_INFORMATION started = {};
-    if (CreateProcessW(request.Text(0).c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr,
-                       nullptr, &startup, &started) == FALSE) {
-        throw RequestError("CreateProcessW failed: " + std::to_string(GetLastError()));
+    if (const DWORD error = CreateProcessPatiently(request.Text(0), &started); error != ERROR_SUCCESS) {
+        throw RequestError("CreateProcessW failed: " + std::to_string(error));
     }
     CloseHandle(started.hThread);
     startedProcesses.emplace(started.dwProcessId, ScopedHandle(started.hProcess));
