@@ -1,6 +1,6 @@
-// A datagram's way, step by step and as a whole: header walk, decode, rendering by type, name lookup,
-// compose, text to octets, append, log line; decode by number of bindings. Hostile datagrams are in
-// worst_cases.cpp.
+// A datagram's way, step by step and as a whole: header walk, decode, rendering by type, name
+// lookup, compose, text to octets, append, log line; decode by number of bindings. Hostile datagrams
+// are in worst_cases.cpp.
 //
 // The datagram is a linkDown of eight bindings unless the name says otherwise. "items" are datagrams, or
 // bindings where the argument counts them. BM_RecordTrap is the whole way but the receive call.

@@ -1,7 +1,7 @@
 // The least that any receiver of this kind can do, natively: take a datagram from UDP 162, append a block of
-// octets to each of two files, opening and closing each. Nothing is decoded; what Quillmont needs beyond this
-// program's time is Quillmont's own. Usage: floor_receiver FOLDER RECORD_OCTETS LINE_OCTETS. Ends when it is
-// killed.
+// octets to each of two files, opening and closing each. Nothing is decoded; what Quillmont needs beyond
+// this program's time is Quillmont's own. Usage: floor_receiver FOLDER RECORD_OCTETS LINE_OCTETS. Ends when
+// it is killed.
 #include <arpa/inet.h>
 #include <fcntl.h>
 #include <sys/socket.h>

@@ -1,6 +1,6 @@
-// Learning names: the scanner alone on one text, the load of a folder of files, and the resolving of deferred
-// definitions as their number grows. "bytes" are those of the MIB text; of the resolving, "items" are
-// definitions.
+// Learning names: the scanner alone on one text, the load of a folder of files, and the resolving of
+// deferred definitions as their number grows. "bytes" are those of the MIB text; of the resolving, "items"
+// are definitions.
 #include <benchmark/benchmark.h>
 
 #include <filesystem>

@@ -14,6 +14,6 @@ std::wstring FormatTimestamp();
 
 // Appends the stamp of now, two blanks, the message and a line end to log.txt. The stamp is taken before
 // FileLock, so lines of two threads can stand in the opposite order of their stamps; that is accepted.
-// Throws nothing: a line for which there is no memory is lost, and whoever logs goes on with what matters
-// more.
+// Throws nothing: a line for which there is no memory is lost, and whoever logs goes on with what
+// matters more.
 void LogMessage(std::wstring_view message) noexcept;

@@ -3,9 +3,9 @@
 
 #include <string>
 
-// Written once by InitAppPaths on the GUI thread before any other thread exists, read-only afterwards, so no
-// reader needs a lock. Empty until then. Parts are joined by concatenation: each suffix begins with a
-// backslash.
+// Written once by InitAppPaths on the GUI thread before any other thread exists, read-only afterwards,
+// so no reader needs a lock. Empty until then. Parts are joined by concatenation: each suffix begins
+// with a backslash.
 struct AppPathTexts {
     std::wstring dataDir;       // <local application data>\Quillmont
     std::wstring mibsDir;       // ...\mibs: imported MIB files

@@ -28,6 +28,6 @@ void ClearFile(const std::wstring& path);
 std::wstring ReadWholeFile(const std::wstring& path);
 
 // What stands in the file from octet `offset` to its end, decoded as UTF-8 or else the ANSI code page, line
-// ends as they are. An offset beyond the end reads the whole file: it was cleared or replaced since the last
-// look.
+// ends as they are. An offset beyond the end reads the whole file: it was cleared or replaced since the
+// last look.
 std::wstring ReadFileFrom(const std::wstring& path, uint64_t offset);

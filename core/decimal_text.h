@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-// White space as the Windows runtime classes it: the ASCII six, U+0085, U+00A0 and the Unicode space
-// separators.
+// White space as the Windows runtime classes it: the ASCII six, U+0085, U+00A0 and the Unicode
+// space separators.
 bool IsWideSpace(wchar_t character);
 
 // Leading white space (all of the above but U+0085) skipped, an optional sign, digits up to the first other
@@ -23,8 +23,8 @@ constexpr size_t kMaxDecimalDigits = 20;
 // returns the place behind the last one.
 wchar_t* WriteLongDecimal(wchar_t* out, uint64_t value);
 inline wchar_t* WriteDecimal(wchar_t* out, uint64_t value) {
-    // Most arcs of an identifier have one digit: seeing to them in place takes a tenth off the decoding of a
-    // trap.
+    // Most arcs of an identifier have one digit: seeing to them in place takes a tenth off the decoding of
+    // a trap.
     if (value < 10) {
         *out = static_cast<wchar_t>(L'0' + value);
         return out + 1;

@@ -12,8 +12,8 @@ constexpr char kEndOfText = '\x1A';
 // True: all of `text` was appended. False: a character above 0xFF ended it.
 bool AppendFileText(std::wstring_view text, std::string& octets) {
     const size_t start = octets.size();
-    // Written into room for the worst case: asking for each octet whether there is room takes three times as
-    // long.
+    // Written into room for the worst case: asking for each octet whether there is room takes three times
+    // as long.
     octets.resize(start + 2 * text.size());
     char* out = octets.data() + start;
     const auto* character = text.data();

@@ -1,5 +1,5 @@
-// Start-up, the one message loop of the process, and shutdown; the one place that knows every part of the
-// program.
+// Start-up, the one message loop of the process, and shutdown; the one place that knows every part of
+// the program.
 // clang-format off
 #include "platform/windows/windows_headers.h"
 #include <commctrl.h>
@@ -68,7 +68,7 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int showCommand) {
     RunMainWindow(instance, showCommand);
     StopSocketLibrary();
     DeleteUiResources();
-    // Not by returning: that would destroy paths and locks under a worker that outlived its stop (a hung
-    // disk).
+    // Not by returning: that would destroy paths and locks under a worker that outlived its stop (a
+    // hung disk).
     ExitProcess(0);
 }

@@ -1,6 +1,6 @@
-// Promises about a config.xml: whatever it holds, the port stays in its range; a file that reads as empty
-// changes nothing; the same file gives the same settings; and what was loaded is saved so that it loads
-// again.
+// Promises about a config.xml: whatever it holds, the port stays in its range; a file that reads as
+// empty changes nothing; the same file gives the same settings; and what was loaded is saved so that it
+// loads again.
 #include "config/config_file.h"
 
 #include <string>
@@ -46,8 +46,8 @@ void UseScratchFolder() {
     AppPaths.logFilePath = folder.Join(L"no folder\\log.txt");
 }
 
-// An address that holds a marker of its own is saved as it is and then found instead of the program's own
-// markers.
+// An address that holds a marker of its own is saved as it is and then found instead of the program's
+// own markers.
 void CheckSavingAndLoading(const Settings& loaded) {
     Apply(loaded);
     SaveConfig();

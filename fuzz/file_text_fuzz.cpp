@@ -61,8 +61,8 @@ void CheckReadingBack(std::string_view octets) {
     Promise(again == text, "what is written reads back");
 }
 
-// UTF-8 of the wide text, by the definition of the encoding; surrogate pairs count as one where they are
-// used.
+// UTF-8 of the wide text, by the definition of the encoding; surrogate pairs count as one where they
+// are used.
 std::string EncodeAsUtf8(const std::wstring& text) {
     std::string octets;
     for (size_t index = 0; index < text.size(); ++index) {

@@ -1,7 +1,7 @@
 // What is done with octets that come from outside, one function for each of their kinds. Each keeps nothing
 // from one call to the next and ends the process, saying why, when a promise that the engine makes is not
-// kept. A fuzzer calls one of them with what it thinks up; the replay calls all of them with the files of the
-// corpora.
+// kept. A fuzzer calls one of them with what it thinks up; the replay calls all of them with the files of
+// the corpora.
 #pragma once
 
 #include <cstddef>

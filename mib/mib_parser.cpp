@@ -86,8 +86,8 @@ bool TakeMarkedLine(MibScan<Char>& scan) {
     return true;
 }
 
-// A mark that begins in front of the comment ends there too, since none holds two dashes in a row or ends in
-// one.
+// A mark that begins in front of the comment ends there too, since none holds two dashes in a row or ends
+// in one.
 template <typename Char>
 bool LineHolds(const MibScan<Char>& scan, MarkIndex mark) {
     return scan.marks[mark] < scan.lineEnd;
@@ -98,8 +98,8 @@ bool LineHolds(const MibScan<Char>& scan, char character) {
     return scan.line.find(static_cast<Char>(character)) != scan.line.npos;
 }
 
-// The value that the line starts, with the lines that it goes on in joined by blanks; empty when it does not
-// end.
+// The value that the line starts, with the lines that it goes on in joined by blanks; empty when it does
+// not end.
 template <typename Char>
 std::basic_string_view<Char> TakeStatement(MibScan<Char>& scan) {
     if (LineHolds(scan, '}')) {

@@ -14,8 +14,8 @@
 using MibText = std::variant<std::string, std::wstring>;
 
 // The whole file, as UTF-8 or else the ANSI code page; empty when it cannot be read or holds 2 GiB or more.
-// Kept: a byte-order mark stays in front as U+FEFF, and a UTF-16 file is read octet by octet and means
-// nothing.
+// Kept: a byte-order mark stays in front as U+FEFF, and a UTF-16 file is read octet by octet and
+// means nothing.
 MibText ReadMibText(const std::wstring& path);
 
 // The same for octets that were read already, fewer than 2 GiB.

@@ -176,8 +176,8 @@ void Descend(RowStates& states, Foothold foothold, std::vector<size_t>& way) {
 
 void LookupOidName(std::wstring_view oid, std::wstring& name) {
     const std::lock_guard lock(MibStoreLock);
-    // Without MIB files, as on a fresh installation, hashing would be an eighth of a trap's decoding, for
-    // nothing.
+    // Without MIB files, as on a fresh installation, hashing would be an eighth of a trap's decoding,
+    // for nothing.
     const auto* row = OidNameMap.Count() == 0 ? nullptr : OidNameMap.Find(oid);
     name.assign(row == nullptr ? std::wstring_view() : row->value.View());
 }
@@ -255,10 +255,10 @@ void StoreNamedOid(std::wstring_view name, std::wstring_view oid) {
     NameOidUnlessNamed(keptOid, keptName);
 }
 
-// What a name stands for is worked out once and its children build on it, so the time is linear however long
-// the chains are. Whether a name resolves depends on its distance to a name that was known before, not on
-// what was resolved first: otherwise a chain of n definitions could make identifiers of n arcs, n times n in
-// all.
+// What a name stands for is worked out once and its children build on it, so the time is linear however
+// long the chains are. Whether a name resolves depends on its distance to a name that was known before, not
+// on what was resolved first: otherwise a chain of n definitions could make identifiers of n arcs, n times
+// n in all.
 void StoreResolvedDefinitions() {
     const auto& rows = PendingDefinitions.Rows();
     RowStates states(rows.size());

@@ -5,7 +5,7 @@
 #include <string_view>
 
 // True: `octets` are well-formed UTF-8 (no overlong forms, no surrogates, nothing above U+10FFFF) and
-// replaced `text`. False: one sequence or more is invalid; `text` is unspecified. A byte-order mark is a
-// character like any other. Characters above U+FFFF become surrogate pairs where wide characters have 16
-// bits.
+// replaced `text`. False: one sequence or more is invalid; `text` is unspecified. A byte-order mark is
+// a character like any other. Characters above U+FFFF become surrogate pairs where wide characters have
+// 16 bits.
 bool DecodeUtf8(std::string_view octets, std::wstring& text);

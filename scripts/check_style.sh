@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Checks the C++ sources' shape (clang-format), or what clang-tidy says of the portable ones.
+# Checks the C++ sources' shape (clang-format, and the wrapping of comments), or what clang-tidy says of the portable ones.
 # Usage: scripts/check_style.sh format | tidy BUILD_FOLDER. Prints the command that mends the shape.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -8,8 +8,23 @@ Sources() {
     find "$@" -type f \( -name '*.cpp' -o -name '*.h' \) | sort
 }
 
+# clang-format leaves comments as they are: this sees to what it would otherwise see to.
+CheckComments() {
+    xargs awk -v limit=110 '
+        function Report(fault) { print FILENAME ":" FNR ": " fault ":" $0; faults++ }
+        FNR == 1 { inComment = 0 }
+        length > limit && /\/\// { Report("comment longer than " limit " columns") }
+        /^ *\/\/ *[^ ]+$/ && inComment { Report("comment line of one word") }
+        { inComment = /^ *\/\/ *[^ ]/ }
+        END { exit faults > 0 }'
+}
+
 CheckFormat() {
     local folders=(bench config core fuzz mib platform tests trap ui)
+    if ! Sources "${folders[@]}" | CheckComments; then
+        echo "To mend it: wrap the whole comment anew, so that its last line holds two words or more."
+        return 1
+    fi
     if ! Sources "${folders[@]}" | xargs clang-format --dry-run --Werror; then
         echo "To mend it: find ${folders[*]} -name '*.cpp' -o -name '*.h' | xargs clang-format -i"
         return 1

@@ -17,8 +17,8 @@ struct TlvHeader {
 };
 
 // Reads the header at `position` inside [position, end).
-// True: *header is filled and its whole content lies inside the range; content that ends exactly at `end` is
-//   fine.
+// True: *header is filled and its whole content lies inside the range; content that ends exactly at `end`
+//   is fine.
 // False, *header untouched: fewer than two octets left, an indefinite length (0x80), a long form of more than
 //   four length octets, length octets cut off, or content running past `end`.
 // Never looks at `end` or beyond.
@@ -33,6 +33,5 @@ uint64_t DecodeBerInteger(const uint8_t* octets, size_t count);
 
 // Replaces `text` by the identifier in dotted decimal; no octets give empty text. Cannot fail.
 // Kept: the first octet alone gives the first two arcs as v / 40 and v mod 40, whatever it is; arcs wrap in
-// 64
-//   bits; octets of an arc that the content ends in the middle of are dropped.
+//   64 bits; octets of an arc that the content ends in the middle of are dropped.
 void DecodeOidText(const uint8_t* octets, size_t count, std::wstring& text);

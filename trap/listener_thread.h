@@ -3,6 +3,6 @@
 
 #include "platform/udp_socket.h"
 
-// Body of the worker for UDP 161: logs datagrams until its socket is closed or the receiver stops. Throws
-// nothing.
+// Body of the worker for UDP 161: logs datagrams until its socket is closed or the receiver stops.
+// Throws nothing.
 void ListenerThread(UdpSocket& listenerSocket);

@@ -13,8 +13,8 @@ struct ServerHooks {
 };
 extern ServerHooks ServerEvents;
 
-// True: the receiver runs afterwards. False: it could not be started, the log says why, and nothing stays
-// open.
+// True: the receiver runs afterwards. False: it could not be started, the log says why, and nothing
+// stays open.
 bool StartServer();
 
 // Closes the sockets and waits for the workers, at most 1500 ms each, the trap thread first. A worker that

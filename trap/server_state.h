@@ -21,9 +21,9 @@ struct ServerStateFields {
     WorkerThreadHandle trapThreadHandle;
     WorkerThreadHandle listenerThreadHandle;
 
-    // The last datagram on 162, kept over stops and starts.
-    std::atomic<uint64_t> lastTrapTick{
-        0};                       // ReadTickCount at its arrival, 0: none yet. Trap thread exchanges.
+    // The last datagram on 162, kept over stops and starts: ReadTickCount at its arrival (0: none yet), which
+    // the trap thread exchanges, and its sender.
+    std::atomic<uint64_t> lastTrapTick{0};
     std::wstring lastTrapSender;  // "10.1.2.3:49152". Trap thread replaces; under LastTrapSenderLock.
 };
 extern ServerStateFields ServerState;

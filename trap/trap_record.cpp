@@ -17,8 +17,8 @@ wchar_t* Write(wchar_t* out, std::wstring_view text) {
     return std::copy(text.begin(), text.end(), out);
 }
 
-// Written into room made once for the whole line: composing takes half the time that appending piece by piece
-// takes.
+// Written into room made once for the whole line: composing takes half the time that appending piece by
+// piece takes.
 void AppendBindingLine(std::wstring& record, size_t number, const VarbindRecord& binding) {
     const size_t start = record.size();
     record.resize(start + kMostFrameCharacters + binding.oid.size() + binding.name.size() +

@@ -16,9 +16,9 @@ struct TrapWorkspace {
     std::wstring logLine;
 };
 
-// Everything that happens to one datagram of `count` octets (0 included), from noting its arrival to
-// forwarding it. Writes ServerState.lastTrapTick and lastTrapSender, SNMP.txt and log.txt. May throw
-// std::bad_alloc.
+// Everything that happens to one datagram of `count` octets (0 included), from noting its arrival
+// to forwarding it. Writes ServerState.lastTrapTick and lastTrapSender, SNMP.txt and log.txt. May
+// throw std::bad_alloc.
 void RecordTrap(const uint8_t* octets, size_t count, const Ipv4Endpoint& sender, UdpSocket* forwardSocket,
                 TrapWorkspace& workspace);
 

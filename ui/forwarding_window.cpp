@@ -20,8 +20,8 @@ HWND ForwardPortEdit = nullptr;
 constexpr int SaveCommand = 200;
 constexpr int CancelCommand = 201;
 
-// Kept: the port field takes any text, and no control is a tab stop; what is typed is judged when it is
-// saved.
+// Kept: the port field takes any text, and no control is a tab stop; what is typed is judged when it
+// is saved.
 constexpr ControlRow ForwardingControls[] = {
     {L"STATIC", L"Forwarding enabled:", 0, 0, 20, 20, 150, 20, 0, nullptr},
     {L"BUTTON", L"On/Off", BS_AUTOCHECKBOX, 0, 180, 18, 100, 22, 0, &ForwardEnabledCheck},

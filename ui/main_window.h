@@ -7,6 +7,6 @@
 extern HWND StartButtonHandle;
 
 // Makes the buttons at WM_CREATE and posts itself the click of the first: the receiver starts by itself as
-// soon as messages are dispatched. At WM_DESTROY stops the receiver, saves the settings and ends the message
-// loop.
+// soon as messages are dispatched. At WM_DESTROY stops the receiver, saves the settings and ends the
+// message loop.
 LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);

@@ -1,5 +1,5 @@
-// The live summary of the receiver and the list of imported MIB files, refreshed every 700 ms. GUI thread
-// only.
+// The live summary of the receiver and the list of imported MIB files, refreshed every 700 ms. GUI
+// thread only.
 #pragma once
 
 #include "platform/windows/windows_headers.h"

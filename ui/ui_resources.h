@@ -13,8 +13,8 @@ extern HFONT UiFont;
 // Set by wWinMain once the window exists, null until then.
 extern HWND MainWindowHandle;
 
-// Each makes what is still missing. A refusal by the system leaves the null handle, which everyone can live
-// with.
+// Each makes what is still missing. A refusal by the system leaves the null handle, which everyone can
+// live with.
 void CreateBackgroundBrush();
 void CreateUiFont();
 

@@ -89,8 +89,8 @@ uint64_t QueryViewedSize(const ViewerKind& kind) {
 // outside ASCII can look different in the part shown at opening and in the part that came later; the file is
 // what counts.
 //
-// A file too large for memory leaves the view empty but the window usable: its clear button is what helps
-// then.
+// A file too large for memory leaves the view empty but the window usable: its clear button is what
+// helps then.
 void ShowWholeFile(const ViewerKind& kind) {
     *kind.shownSize = QueryViewedSize(kind);
     RunGuarded([&kind] { SetWindowTextW(*kind.edit, ReadWholeFile(*kind.file).c_str()); });

@@ -6,8 +6,8 @@
 
 #include "platform/windows/windows_headers.h"
 
-// One control as data; positions are client pixels. Every control is a visible child besides what `style`
-// adds.
+// One control as data; positions are client pixels. Every control is a visible child besides what
+// `style` adds.
 struct ControlRow {
     const wchar_t* className;
     const wchar_t* text;
@@ -18,8 +18,8 @@ struct ControlRow {
     HWND* handle;  // where the control's handle is kept, or null
 };
 
-// A tool window as data: opened from the main window, owned by it and destroyed with it. The default
-// position.
+// A tool window as data: opened from the main window, owned by it and destroyed with it. The
+// default position.
 struct ToolWindow {
     const wchar_t* className;
     const wchar_t* title;
@@ -35,8 +35,8 @@ void RegisterWindowClass(const wchar_t* className, WNDPROC procedure);
 // Creates the controls in the order of the table and stores the handles that are to be kept. Not checked.
 void CreateControls(HWND parent, std::span<const ControlRow> rows);
 
-// Sends UiFont to the window and to each of its direct children, redrawing them. A null window or font:
-// nothing.
+// Sends UiFont to the window and to each of its direct children, redrawing them. A null window or
+// font: nothing.
 void ApplyUiFont(HWND window);
 
 // Black on opaque white: the answer to WM_CTLCOLOREDIT and WM_CTLCOLORSTATIC in every window.

@@ -96,8 +96,8 @@ Attempt TryReceive(UdpSocket& socket, uint8_t* buffer, size_t capacity, size_t* 
     }
     const int error = WSAGetLastError();
     if (error == WSAEMSGSIZE) {
-        // The buffer is full of the datagram's start and the sender is known: a long datagram is one all the
-        // same.
+        // The buffer is full of the datagram's start and the sender is known: a long datagram is one all
+        // the same.
         *size = capacity;
         return Attempt::Received;
     }

@@ -1,7 +1,7 @@
 // The hands and eyes of the desktop tests: a console program that stays alive beside the program under test,
 // in the same Wine prefix. Each line of its standard input is a request (request.h), each line of its
-// standard output one JSON reply: {"value": ...} or {"error": "..."}. It decides nothing; the recipes are the
-// tests'.
+// standard output one JSON reply: {"value": ...} or {"error": "..."}. It decides nothing; the recipes are
+// the tests'.
 //
 // It ends with its input and then ends what it started, so that a test that was broken off leaves nothing.
 
@@ -147,8 +147,8 @@ std::string ClickMouseAt(const Request& request) {
     return JsonNumber(SendInput(2, inputs, sizeof(INPUT)));
 }
 
-// Asks the window for the given number of milliseconds; the longest time that an answer took, in
-// microseconds.
+// Asks the window for the given number of milliseconds; the longest time that an answer took,
+// in microseconds.
 std::string MeasureLongestAnswer(const Request& request) {
     const HWND window = request.Window(0);
     LARGE_INTEGER frequency = {};

@@ -1,6 +1,6 @@
-// Loaded into the program under test by a message hook: reads what another process cannot see (a control's
-// font, a window class's brush, what a window answers to the colouring messages) and notes every timer
-// message.
+// Loaded into the program under test by a message hook: reads what another process cannot see (a
+// control's font, a window class's brush, what a window answers to the colouring messages) and notes
+// every timer message.
 #include "tests/desktop/spy_memory.h"
 
 namespace {

@@ -1,6 +1,6 @@
-// The receiver over data files that cannot be had: it runs on, says nothing (there is no other log to say it
-// in) and leaves what stands in its way alone. What needs permissions, links or a full disk is in
-// posix_fault_test.cpp.
+// The receiver over data files that cannot be had: it runs on, says nothing (there is no other log to
+// say it in) and leaves what stands in its way alone. What needs permissions, links or a full disk is
+// in posix_fault_test.cpp.
 #include <filesystem>
 #include <string>
 

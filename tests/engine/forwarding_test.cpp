@@ -24,9 +24,9 @@ class Forwarding : public EngineTest {
         ASSERT_TRUE(WaitForTraps(++sent));
     }
 
-    // Nothing was forwarded when the first thing to arrive is what the target sends itself. The datagram
-    // after the one in question is recorded first, so that its forwarding, done after its log line, has
-    // happened.
+    // Nothing was forwarded when the first thing to arrive is what the target sends itself. The
+    // datagram after the one in question is recorded first, so that its forwarding, done after its log
+    // line, has happened.
     void ExpectNothingForwarded() {
         ForwardingSettings.forwardingEnabled = false;
         SendAndWait({});

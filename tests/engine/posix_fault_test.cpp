@@ -305,8 +305,8 @@ TEST_F(Killed, FiftyTimesInAStormItCutsAtMostTheRecordInFlightAndTheNextStartApp
     int cut = 0;
     for (int round = 0; round < kKills; ++round) {
         const pid_t child = StartReceiverProcess(CountStarts());
-        // The storm goes on up to the kill and over it; how far the receiver gets differs from round to
-        // round.
+        // The storm goes on up to the kill and over it; how far the receiver gets differs from round
+        // to round.
         const size_t enough = before.size() + static_cast<size_t>(1 + round % 5) * expected.size();
         while (QueryFileSize(AppPaths.trapFilePath).value_or(0) < enough) {
             client.Send(trap);

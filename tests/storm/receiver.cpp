@@ -1,6 +1,6 @@
-// The receiver without its windows, for measurements: starts as the program does, prints a line when it runs,
-// and stops when its standard input ends. Its data folder is below the folder that the environment names
-// (platform/folders.h).
+// The receiver without its windows, for measurements: starts as the program does, prints a line when it
+// runs, and stops when its standard input ends. Its data folder is below the folder that the environment
+// names (platform/folders.h).
 // Usage: quillmont_storm_receiver [OCTETS]: with a number, the trap socket gets a receive buffer of that size
 // instead of the program's own.
 #include <cstdio>

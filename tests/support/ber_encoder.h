@@ -56,8 +56,8 @@ Octets EncodeOctetString(std::string_view octets);
 
 Octets EncodeNull();
 
-// `dotted` has two arcs or more, such as "1.3.6.1.2.1.1.3.0"; the empty text gives an identifier without
-// content.
+// `dotted` has two arcs or more, such as "1.3.6.1.2.1.1.3.0"; the empty text gives an identifier
+// without content.
 Octets EncodeOid(std::string_view dotted);
 
 Octets EncodeIpAddress(uint8_t first, uint8_t second, uint8_t third, uint8_t fourth);

@@ -1,5 +1,5 @@
-// Looking into the tables of the MIB name store, and filling them from text, with MibStoreLock held as in a
-// load.
+// Looking into the tables of the MIB name store, and filling them from text, with MibStoreLock held as in
+// a load.
 #pragma once
 
 #include <gtest/gtest.h>

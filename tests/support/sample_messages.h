@@ -21,6 +21,6 @@ const std::vector<SampleMessage>& SampleMessages();
 // The one of that name; a name that does not exist ends the test program.
 const SampleMessage& FindSample(std::string_view name);
 
-// The lines of a record behind its header line, the empty one included, as the record text holds them (CR
-// LF).
+// The lines of a record behind its header line, the empty one included, as the record text holds them
+// (CR LF).
 std::wstring BuildExpectedBody(const SampleMessage& sample);

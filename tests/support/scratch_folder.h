@@ -35,7 +35,7 @@ class AppPathsGuard {
     AppPathTexts old_;
 };
 
-// Whole files, octet for octet. A file that cannot be written fails the test; one that cannot be read is
-// empty.
+// Whole files, octet for octet. A file that cannot be written fails the test; one that cannot be read
+// is empty.
 void WriteOctets(const std::wstring& path, std::string_view octets);
 std::string ReadOctets(const std::wstring& path);

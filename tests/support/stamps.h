@@ -1,5 +1,5 @@
-// Time stamps in the program's files: checked for their shape, then taken off, since the hour is nobody's
-// promise.
+// Time stamps in the program's files: checked for their shape, then taken off, since the hour is
+// nobody's promise.
 #pragma once
 
 #include <cstddef>
