@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Checks the C++ sources' shape (clang-format, and the wrapping of comments), or what clang-tidy says of the portable ones.
-# Usage: scripts/check_style.sh format | tidy BUILD_FOLDER. Prints the command that mends the shape.
+# Checks the C++ sources: their shape (clang-format, and the wrapping of comments), what clang-tidy says of what ships,
+# or the direction of the includes between folders.
+# Usage: scripts/check_style.sh format | tidy BUILD_FOLDER | arrows. Prints how to mend the shape.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -44,8 +45,9 @@ CheckTidy() {
 case "${1:-}" in
     format) CheckFormat ;;
     tidy) CheckTidy "$2" ;;
+    arrows) python3 -B scripts/check_arrows.py ;;
     *)
-        sed -n '2,3s/^# //p' "$0"
+        sed -n '2,4s/^# //p' "$0"
         exit 2
         ;;
 esac
