@@ -23,14 +23,36 @@ constexpr int CancelCommand = 201;
 // Kept: the port field takes any text, and no control is a tab stop; what is typed is judged when it
 // is saved.
 constexpr ControlRow ForwardingControls[] = {
-    {L"STATIC", L"Forwarding enabled:", 0, 0, 20, 20, 150, 20, 0, nullptr},
-    {L"BUTTON", L"On/Off", BS_AUTOCHECKBOX, 0, 180, 18, 100, 22, 0, &ForwardEnabledCheck},
-    {L"STATIC", L"Forward IP:", 0, 0, 20, 60, 150, 20, 0, nullptr},
-    {L"EDIT", L"", ES_AUTOHSCROLL, WS_EX_CLIENTEDGE, 180, 58, 200, 24, 0, &ForwardIpEdit},
-    {L"STATIC", L"Forward Port:", 0, 0, 20, 95, 150, 20, 0, nullptr},
-    {L"EDIT", L"", ES_AUTOHSCROLL, WS_EX_CLIENTEDGE, 180, 93, 80, 24, 0, &ForwardPortEdit},
-    {L"BUTTON", L"Save", 0, 0, 180, 135, 90, 28, SaveCommand, nullptr},
-    {L"BUTTON", L"Cancel", 0, 0, 290, 135, 90, 28, CancelCommand, nullptr},
+    {.className = L"STATIC",
+     .text = L"Forwarding enabled:",
+     .place = {.x = 20, .y = 20, .width = 150, .height = 20}},
+    {.className = L"BUTTON",
+     .text = L"On/Off",
+     .style = BS_AUTOCHECKBOX,
+     .place = {.x = 180, .y = 18, .width = 100, .height = 22},
+     .handle = &ForwardEnabledCheck},
+    {.className = L"STATIC", .text = L"Forward IP:", .place = {.x = 20, .y = 60, .width = 150, .height = 20}},
+    {.className = L"EDIT",
+     .style = ES_AUTOHSCROLL,
+     .exStyle = WS_EX_CLIENTEDGE,
+     .place = {.x = 180, .y = 58, .width = 200, .height = 24},
+     .handle = &ForwardIpEdit},
+    {.className = L"STATIC",
+     .text = L"Forward Port:",
+     .place = {.x = 20, .y = 95, .width = 150, .height = 20}},
+    {.className = L"EDIT",
+     .style = ES_AUTOHSCROLL,
+     .exStyle = WS_EX_CLIENTEDGE,
+     .place = {.x = 180, .y = 93, .width = 80, .height = 24},
+     .handle = &ForwardPortEdit},
+    {.className = L"BUTTON",
+     .text = L"Save",
+     .place = {.x = 180, .y = 135, .width = 90, .height = 28},
+     .id = SaveCommand},
+    {.className = L"BUTTON",
+     .text = L"Cancel",
+     .place = {.x = 290, .y = 135, .width = 90, .height = 28},
+     .id = CancelCommand},
 };
 
 void FillForwardingControls() {
@@ -117,11 +139,14 @@ LRESULT CALLBACK ForwardingWindowProc(HWND window, UINT message, WPARAM wParam, 
     return DefWindowProcW(window, message, wParam, lParam);
 }
 
-constexpr DWORD ForwardingStyle = WS_CAPTION | WS_SYSMENU;
-
 constexpr ToolWindow ForwardingTool = {
-    L"SNMP_FWD_WND",         L"Forwarding", ForwardingStyle, 420, 210, GuardedProc<ForwardingWindowProc>,
-    &ForwardingWindowHandle,
+    .className = L"SNMP_FWD_WND",
+    .title = L"Forwarding",
+    .style = WS_CAPTION | WS_SYSMENU,
+    .width = 420,
+    .height = 210,
+    .procedure = GuardedProc<ForwardingWindowProc>,
+    .handle = &ForwardingWindowHandle,
 };
 
 }  // namespace

@@ -11,9 +11,9 @@
 #include "ui/viewer_window.h"
 #include "ui/window_helpers.h"
 
-HWND StartButtonHandle = nullptr;
-
 namespace {
+
+HWND StartButtonHandle = nullptr;  // "Start server" or "Stop server"
 
 constexpr int StartCommand = 100;
 constexpr int ForwardingCommand = 101;
@@ -23,11 +23,27 @@ constexpr int StatusCommand = 104;
 
 // Kept: the gaps between the buttons are 10, 8, 12 and 8 pixels; operators know the strip as it is.
 constexpr ControlRow MainControls[] = {
-    {L"BUTTON", L"Start server", 0, 0, 44, 10, 140, 32, StartCommand, &StartButtonHandle},
-    {L"BUTTON", L"Forwarding", 0, 0, 194, 10, 140, 32, ForwardingCommand, nullptr},
-    {L"BUTTON", L"Monitor", 0, 0, 342, 10, 140, 32, MonitorCommand, nullptr},
-    {L"BUTTON", L"Log", 0, 0, 494, 10, 82, 32, LogCommand, nullptr},
-    {L"BUTTON", L"Status", 0, 0, 584, 10, 80, 32, StatusCommand, nullptr},
+    {.className = L"BUTTON",
+     .text = L"Start server",
+     .place = {.x = 44, .y = 10, .width = 140, .height = 32},
+     .id = StartCommand,
+     .handle = &StartButtonHandle},
+    {.className = L"BUTTON",
+     .text = L"Forwarding",
+     .place = {.x = 194, .y = 10, .width = 140, .height = 32},
+     .id = ForwardingCommand},
+    {.className = L"BUTTON",
+     .text = L"Monitor",
+     .place = {.x = 342, .y = 10, .width = 140, .height = 32},
+     .id = MonitorCommand},
+    {.className = L"BUTTON",
+     .text = L"Log",
+     .place = {.x = 494, .y = 10, .width = 82, .height = 32},
+     .id = LogCommand},
+    {.className = L"BUTTON",
+     .text = L"Status",
+     .place = {.x = 584, .y = 10, .width = 80, .height = 32},
+     .id = StatusCommand},
 };
 
 void ShowRunning(bool running) {
@@ -95,8 +111,6 @@ void OnDestroy() {
     PostQuitMessage(0);
 }
 
-}  // namespace
-
 LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_CREATE:
@@ -123,4 +137,28 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
             break;
     }
     return DefWindowProcW(window, message, wParam, lParam);
+}
+
+constexpr wchar_t MainClass[] = L"SNMP_MAIN_WND";
+constexpr wchar_t MainTitle[] = L"Quillmont PRO v1.0 (SNMP v1 and v2c) -  \u00A9 2026 Quillmont";
+
+// No sizing border and no maximize box: the strip has one size.
+constexpr DWORD MainStyle = WS_CAPTION | WS_SYSMENU | WS_MINIMIZEBOX;
+constexpr int MainWidth = 694;  // outer size in pixels
+constexpr int MainHeight = 90;
+
+}  // namespace
+
+bool OpenMainWindow(int showCommand) {
+    RegisterWindowClass(MainClass, GuardedProc<MainWindowProc>);
+    MainWindowHandle =
+        CreateWindowExW(0, MainClass, MainTitle, MainStyle, CW_USEDEFAULT, CW_USEDEFAULT, MainWidth,
+                        MainHeight, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
+    if (!MainWindowHandle) {
+        return false;
+    }
+    ApplyUiFont(MainWindowHandle);
+    ShowWindow(MainWindowHandle, showCommand);
+    UpdateWindow(MainWindowHandle);
+    return true;
 }

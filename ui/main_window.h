@@ -1,12 +1,8 @@
 // The operator's control strip: starts and stops the receiver, opens the tool windows, shows green or red.
+// GUI thread only.
 #pragma once
 
-#include "platform/windows/windows_headers.h"
-
-// "Start server" or "Stop server"; null until the main window is being created.
-extern HWND StartButtonHandle;
-
-// Makes the buttons at WM_CREATE and posts itself the click of the first: the receiver starts by itself as
-// soon as messages are dispatched. At WM_DESTROY stops the receiver, saves the settings and ends the
-// message loop.
-LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+// Makes the window, stores it in MainWindowHandle and shows it. The receiver starts by itself as soon as
+// messages are dispatched: the window posts itself the click of its start button. Its end stops the
+// receiver, saves the settings and ends the message loop. False: the system refused to make it.
+bool OpenMainWindow(int showCommand);

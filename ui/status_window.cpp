@@ -1,5 +1,6 @@
 #include "ui/status_window.h"
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -31,18 +32,65 @@ constexpr int DeleteCommand = 501;
 constexpr UINT_PTR RefreshTimer = 1003;
 constexpr UINT RefreshMilliseconds = 700;
 
-constexpr ControlRow StatusControls[] = {
-    {L"STATIC", L"", 0, 0, 12, 12, 680, 20, 0, &StatusServerLabel},
-    {L"STATIC", L"", 0, 0, 12, 36, 680, 20, 0, &StatusListenLabel},
-    {L"STATIC", L"", 0, 0, 12, 60, 680, 20, 0, &StatusForwardLabel},
-    {L"STATIC", L"", 0, 0, 12, 84, 680, 20, 0, &StatusLastTrapLabel},
-    {L"STATIC", L"", 0, 0, 12, 112, 680, 44, 0, &StatusPathsLabel},
-    {L"STATIC", L"", 0, 0, 12, 164, 680, 20, 0, &StatusCountsLabel},
-    {L"STATIC", L"Imported MIB files:", 0, 0, 12, 190, 200, 20, 0, nullptr},
-    {L"LISTBOX", L"", WS_VSCROLL | LBS_NOTIFY, WS_EX_CLIENTEDGE, 12, 212, 680, 240, 0, &MibListBox},
-    {L"BUTTON", L"Import MIB Files", 0, 0, 12, 466, 150, 30, ImportCommand, nullptr},
-    {L"BUTTON", L"Delete all MIBs", 0, 0, 172, 466, 150, 30, DeleteCommand, nullptr},
+// Places one below the other: a line put in between moves all that stands below it.
+class Stack {
+  public:
+    struct Step {
+        int gap;
+        int height = 20;  // one line of text
+        int width = 680;
+    };
+    constexpr ControlPlace Below(Step step) {
+        top_ = bottom_ + step.gap;
+        bottom_ = top_ + step.height;
+        right_ = Left + step.width;
+        return {.x = Left, .y = top_, .width = step.width, .height = step.height};
+    }
+
+    struct SideStep {
+        int gap;
+        int width;
+    };
+    constexpr ControlPlace Beside(SideStep step) {
+        const int left = right_ + step.gap;
+        right_ = left + step.width;
+        return {.x = left, .y = top_, .width = step.width, .height = bottom_ - top_};
+    }
+
+  private:
+    static constexpr int Left = 12;
+    int top_ = 0;
+    int bottom_ = 0;
+    int right_ = 0;
 };
+
+constexpr auto StatusControls = [] {
+    Stack stack;
+    return std::to_array<ControlRow>({
+        {.className = L"STATIC", .place = stack.Below({.gap = 12}), .handle = &StatusServerLabel},
+        {.className = L"STATIC", .place = stack.Below({.gap = 4}), .handle = &StatusListenLabel},
+        {.className = L"STATIC", .place = stack.Below({.gap = 4}), .handle = &StatusForwardLabel},
+        {.className = L"STATIC", .place = stack.Below({.gap = 4}), .handle = &StatusLastTrapLabel},
+        {.className = L"STATIC", .place = stack.Below({.gap = 8, .height = 44}), .handle = &StatusPathsLabel},
+        {.className = L"STATIC", .place = stack.Below({.gap = 8}), .handle = &StatusCountsLabel},
+        {.className = L"STATIC",
+         .text = L"Imported MIB files:",
+         .place = stack.Below({.gap = 6, .width = 200})},
+        {.className = L"LISTBOX",
+         .style = WS_VSCROLL | LBS_NOTIFY,
+         .exStyle = WS_EX_CLIENTEDGE,
+         .place = stack.Below({.gap = 2, .height = 240}),
+         .handle = &MibListBox},
+        {.className = L"BUTTON",
+         .text = L"Import MIB Files",
+         .place = stack.Below({.gap = 14, .height = 30, .width = 150}),
+         .id = ImportCommand},
+        {.className = L"BUTTON",
+         .text = L"Delete all MIBs",
+         .place = stack.Beside({.gap = 10, .width = 150}),
+         .id = DeleteCommand},
+    });
+}();
 
 size_t SumLengths(const std::vector<std::wstring>& names) {
     size_t characters = 0;
@@ -160,11 +208,15 @@ LRESULT CALLBACK StatusWindowProc(HWND window, UINT message, WPARAM wParam, LPAR
     return DefWindowProcW(window, message, wParam, lParam);
 }
 
-// The frame can be resized while the controls keep their places: there is nothing to show more of.
-constexpr DWORD StatusStyle = WS_CAPTION | WS_SYSMENU | WS_THICKFRAME;
-
 constexpr ToolWindow StatusTool = {
-    L"SNMP_STATUS_WND", L"Status", StatusStyle, 720, 560, GuardedProc<StatusWindowProc>, &StatusWindowHandle,
+    .className = L"SNMP_STATUS_WND",
+    .title = L"Status",
+    // The frame can be resized while the controls keep their places: there is nothing to show more of.
+    .style = WS_CAPTION | WS_SYSMENU | WS_THICKFRAME,
+    .width = 720,
+    .height = 560,
+    .procedure = GuardedProc<StatusWindowProc>,
+    .handle = &StatusWindowHandle,
 };
 
 }  // namespace

@@ -10,7 +10,7 @@ extern HBRUSH BackgroundBrush;
 // Null: the controls keep the system's font.
 extern HFONT UiFont;
 
-// Set by wWinMain once the window exists, null until then.
+// Set by OpenMainWindow once the window exists, null until then.
 extern HWND MainWindowHandle;
 
 // Each makes what is still missing. A refusal by the system leaves the null handle, which everyone can

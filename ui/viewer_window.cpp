@@ -32,13 +32,29 @@ constexpr UINT PollMilliseconds = 400;
 // No horizontal scrolling, so long lines wrap.
 constexpr DWORD ViewStyle = WS_VSCROLL | ES_MULTILINE | ES_AUTOVSCROLL | ES_READONLY;
 
+constexpr ControlPlace ViewPlace = {.x = 12, .y = 12, .width = 940, .height = 460};
+
 constexpr ControlRow MonitorControls[] = {
-    {L"EDIT", L"", ViewStyle, WS_EX_CLIENTEDGE, 12, 12, 940, 460, 0, &MonitorEdit},
-    {L"BUTTON", L"Clear SNMP Traps", 0, 0, 12, 482, 160, 30, ClearMonitorCommand, nullptr},
+    {.className = L"EDIT",
+     .style = ViewStyle,
+     .exStyle = WS_EX_CLIENTEDGE,
+     .place = ViewPlace,
+     .handle = &MonitorEdit},
+    {.className = L"BUTTON",
+     .text = L"Clear SNMP Traps",
+     .place = {.x = 12, .y = 482, .width = 160, .height = 30},
+     .id = ClearMonitorCommand},
 };
 constexpr ControlRow LogControls[] = {
-    {L"EDIT", L"", ViewStyle, WS_EX_CLIENTEDGE, 12, 12, 940, 460, 0, &LogEdit},
-    {L"BUTTON", L"Clear Log", 0, 0, 12, 482, 120, 30, ClearLogCommand, nullptr},
+    {.className = L"EDIT",
+     .style = ViewStyle,
+     .exStyle = WS_EX_CLIENTEDGE,
+     .place = ViewPlace,
+     .handle = &LogEdit},
+    {.className = L"BUTTON",
+     .text = L"Clear Log",
+     .place = {.x = 12, .y = 482, .width = 120, .height = 30},
+     .id = ClearLogCommand},
 };
 
 // All in which the twins differ.
@@ -58,22 +74,40 @@ LRESULT CALLBACK LogWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM 
 
 // The frame can be resized while the controls keep their places.
 constexpr DWORD ViewerStyle = WS_CAPTION | WS_SYSMENU | WS_THICKFRAME;
-
-constexpr ToolWindow MonitorTool = {
-    L"SNMP_MON_WND",      L"Monitor (SNMP.txt)", ViewerStyle, 980, 560, GuardedProc<MonitorWindowProc>,
-    &MonitorWindowHandle,
-};
-constexpr ToolWindow LogTool = {
-    L"SNMP_LOG_WND", L"Log (log.txt)", ViewerStyle, 980, 560, GuardedProc<LogWindowProc>, &LogWindowHandle,
-};
+constexpr int ViewerWidth = 980;
+constexpr int ViewerHeight = 560;
 
 constexpr ViewerKind MonitorKind = {
-    MonitorTool,  MonitorControls,     &MonitorEdit,         &MonitorShownSize, &AppPaths.trapFilePath,
-    MonitorTimer, ClearMonitorCommand, L"SNMP.txt cleared.",
+    .tool = {.className = L"SNMP_MON_WND",
+             .title = L"Monitor (SNMP.txt)",
+             .style = ViewerStyle,
+             .width = ViewerWidth,
+             .height = ViewerHeight,
+             .procedure = GuardedProc<MonitorWindowProc>,
+             .handle = &MonitorWindowHandle},
+    .controls = MonitorControls,
+    .edit = &MonitorEdit,
+    .shownSize = &MonitorShownSize,
+    .file = &AppPaths.trapFilePath,
+    .pollTimer = MonitorTimer,
+    .clearCommand = ClearMonitorCommand,
+    .clearedLine = L"SNMP.txt cleared.",
 };
 constexpr ViewerKind LogKind = {
-    LogTool,         LogControls,         &LogEdit, &LogShownSize, &AppPaths.logFilePath, LogTimer,
-    ClearLogCommand, L"log.txt cleared.",
+    .tool = {.className = L"SNMP_LOG_WND",
+             .title = L"Log (log.txt)",
+             .style = ViewerStyle,
+             .width = ViewerWidth,
+             .height = ViewerHeight,
+             .procedure = GuardedProc<LogWindowProc>,
+             .handle = &LogWindowHandle},
+    .controls = LogControls,
+    .edit = &LogEdit,
+    .shownSize = &LogShownSize,
+    .file = &AppPaths.logFilePath,
+    .pollTimer = LogTimer,
+    .clearCommand = ClearLogCommand,
+    .clearedLine = L"log.txt cleared.",
 };
 
 // The size is asked without FileLock: a poll that finds nothing new costs one attribute query and holds

@@ -16,9 +16,9 @@ namespace {
 
 void CreateControl(HWND parent, const ControlRow& row) {
     const HMENU id = reinterpret_cast<HMENU>(static_cast<UINT_PTR>(row.id));
-    const HWND control =
-        CreateWindowExW(row.exStyle, row.className, row.text, WS_CHILD | WS_VISIBLE | row.style, row.x, row.y,
-                        row.width, row.height, parent, id, GetModuleHandleW(nullptr), nullptr);
+    const HWND control = CreateWindowExW(
+        row.exStyle, row.className, row.text, WS_CHILD | WS_VISIBLE | row.style, row.place.x, row.place.y,
+        row.place.width, row.place.height, parent, id, GetModuleHandleW(nullptr), nullptr);
     if (row.handle) {
         *row.handle = control;
     }

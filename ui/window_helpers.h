@@ -6,16 +6,20 @@
 
 #include "platform/windows/windows_headers.h"
 
-// One control as data; positions are client pixels. Every control is a visible child besides what
-// `style` adds.
+// In client pixels.
+struct ControlPlace {
+    int x, y, width, height;
+};
+
+// One control as data. Every control is a visible child besides what `style` adds.
 struct ControlRow {
     const wchar_t* className;
-    const wchar_t* text;
-    DWORD style;
-    DWORD exStyle;
-    int x, y, width, height;
-    int id;
-    HWND* handle;  // where the control's handle is kept, or null
+    const wchar_t* text = L"";
+    DWORD style = 0;
+    DWORD exStyle = 0;
+    ControlPlace place;
+    int id = 0;
+    HWND* handle = nullptr;  // where the control's handle is kept, or null
 };
 
 // A tool window as data: opened from the main window, owned by it and destroyed with it. The
