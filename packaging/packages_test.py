@@ -1,7 +1,6 @@
 """What people download, tried as they would: unpacked, installed, upgraded while it runs, uninstalled.
 
-Runs where run_on_private_desktop.sh put it. QUILLMONT_PACKAGES names the folder with the packages, QUILLMONT_DRIVER
-the driver of the desktop tests.
+Runs where run_on_private_desktop.sh put it. QUILLMONT_PACKAGES names the folder with the packages.
 """
 
 import hashlib
@@ -9,21 +8,18 @@ import os
 import re
 import shutil
 import struct
-import subprocess
-import sys
 import zipfile
 from pathlib import Path
 
 import pytest
 
-ROOT = Path(__file__).resolve().parent.parent
-sys.path.insert(0, str(ROOT / "tests" / "desktop"))
+from harness import traps
+from harness.places import ROOT, drive_c, windows_path
+from harness.processes import ask_wine, run_wine, wine_processes
+from harness.waiting import wait_until
+from harness.window import Window
 
-from conftest import data, driver  # noqa: E402, F401
-from harness import traps  # noqa: E402
-from harness.program import Program  # noqa: E402
-from harness.waiting import wait_until  # noqa: E402
-from harness.window import Window  # noqa: E402
+pytest_plugins = ["harness.fixtures"]
 
 VERSION = re.search(r"^project\(Quillmont VERSION ([0-9.]+)", (ROOT / "CMakeLists.txt").read_text(), re.M)[1]
 CONTENT = ["CHANGELOG.txt", "Quillmont.exe", "user-guide.html"]
@@ -42,32 +38,6 @@ def package(suffix):
     return Path(os.environ["QUILLMONT_PACKAGES"], f"Quillmont-{VERSION}-{suffix}")
 
 
-def drive():
-    return Path(os.environ["WINEPREFIX"], "drive_c")
-
-
-def run_wine(*command):
-    """The exit code. No pipes: what a command leaves running would hold them open."""
-    return subprocess.run(
-        ["wine", *command], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=120, check=False
-    ).returncode
-
-
-def ask_wine(*command):
-    return subprocess.run(["wine", *command], capture_output=True, text=True, timeout=120, check=False).stdout
-
-
-def running_programs():
-    """The command lines of all Quillmonts that run on this private desktop."""
-    lines = []
-    for process in Path("/proc").glob("[0-9]*"):
-        try:
-            lines.append((process / "cmdline").read_bytes().rstrip(b"\0").decode())
-        except OSError:
-            pass  # it has just ended
-    return [line for line in lines if line.endswith("\\Quillmont.exe")]
-
-
 def registry_value(key, name):
     """The value as `reg` prints it; None when there is none."""
     found = re.search(rf"^\s+{re.escape(name)}\s+REG_\w+\s+(.*?)\s*$", ask_wine("reg", "query", key), re.M)
@@ -75,16 +45,16 @@ def registry_value(key, name):
 
 
 class Installation:
-    folder = property(lambda self: drive() / "Program Files" / "Quillmont")
+    folder = property(lambda self: drive_c() / "Program Files" / "Quillmont")
     program = property(lambda self: self.folder / "Quillmont.exe")
     notes = property(lambda self: self.folder / "setup-notes.txt")
     menu = property(
-        lambda self: drive() / "ProgramData/Microsoft/Windows/Start Menu/Programs" / "Quillmont PRO"
+        lambda self: drive_c() / "ProgramData/Microsoft/Windows/Start Menu/Programs" / "Quillmont PRO"
     )
 
     def install(self, *switches):
         """The exit code of the installer in silent mode."""
-        return run_wine("Z:" + str(package("setup.exe")), "/S", *switches)
+        return run_wine(windows_path(package("setup.exe")), "/S", *switches)
 
     def uninstall(self, *switches):
         """The uninstaller goes on as a copy of itself, which removes what was started: wait for that."""
@@ -94,7 +64,7 @@ class Installation:
     def traces(self):
         """What speaks of it in the folders of all users and where programs announce themselves to Windows."""
         assert run_wine("reg", "export", CURRENT_VERSION, r"C:\current.reg", "/y") == 0
-        announced = (drive() / "current.reg").read_bytes().decode("utf-16")
+        announced = (drive_c() / "current.reg").read_bytes().decode("utf-16")
         lines = [line for line in announced.splitlines() if "quillmont" in line.lower()]
         return lines + [str(path) for path in (self.folder, self.menu) if path.exists()]
 
@@ -105,21 +75,6 @@ def installation():
     yield installation
     if installation.folder.exists():
         installation.uninstall()
-
-
-@pytest.fixture
-def start(driver, monkeypatch):
-    """A function that starts the program at a path; whatever it started is gone after the test."""
-    started = []
-
-    def start_program(path):
-        monkeypatch.setenv("QUILLMONT_EXE", str(path))
-        started.append(Program(driver))
-        return started[-1].wait_running()
-
-    yield start_program
-    for program in started:
-        program.end()
 
 
 def check_that_it_records(data):
@@ -170,10 +125,10 @@ def test_the_change_log_begins_with_this_version():
 
 
 def test_the_zip_runs_from_a_folder_with_a_blank_and_an_umlaut(data, start):
-    folder = drive() / "M\u00fcller \u00fc Traps"
+    folder = drive_c() / "M\u00fcller \u00fc Traps"
     with zipfile.ZipFile(package("windows-x64.zip")) as archive:
         archive.extractall(folder)
-    program = start(folder / "Quillmont.exe")
+    program = start(folder / "Quillmont.exe").wait_running()
     check_that_it_records(data)
     assert program.close() == 0
     shutil.rmtree(folder)
@@ -185,8 +140,8 @@ def test_the_guides_own_names_name_what_it_says(data, start):
     names = re.search(r"^```\n(system .*?)^```$", guide, re.M | re.S)[1]
     data.add_mib("my-names.mib", names)
     with zipfile.ZipFile(package("windows-x64.zip")) as archive:
-        archive.extract("Quillmont.exe", drive() / "names")
-    program = start(drive() / "names" / "Quillmont.exe")
+        archive.extract("Quillmont.exe", drive_c() / "names")
+    program = start(drive_c() / "names" / "Quillmont.exe").wait_running()
     data.wait_for_start()
     traps.send_v2c(MEM_TOTAL_REAL, "i", "8029184")
     data.wait_for_traps(1)
@@ -206,7 +161,7 @@ def test_installing_puts_everything_in_place(installation):
 
 
 def test_the_wizard_installs_what_is_ticked_and_starts_the_program(data, driver, installation):
-    process = driver("start", "Z:" + str(package("setup.exe")))
+    process = driver("start", windows_path(package("setup.exe")))
 
     def find_wizard():
         found = [facts for facts in driver("windows", process) if facts["text"] == "Quillmont PRO Setup"]
@@ -228,12 +183,12 @@ def test_the_wizard_installs_what_is_ticked_and_starts_the_program(data, driver,
     assert driver("wait_for_exit", process, 20000) == 0
     assert registry_value(RUN_KEY, "Quillmont") == RUN_COMMAND
     data.wait_for_start()
-    assert len(running_programs()) == 1
+    assert len(wine_processes("Quillmont.exe")) == 1
 
 
 def test_the_installed_program_records(data, installation, start):
     installation.install()
-    program = start(installation.program)
+    program = start(installation.program).wait_running()
     check_that_it_records(data)
     assert program.close() == 0
 
@@ -243,27 +198,27 @@ def test_an_upgrade_closes_the_program_through_its_window_and_starts_it_again(da
     new_octets = installation.program.read_bytes()
     with installation.program.open("ab") as file:
         file.write(b"an older version")
-    old = start(installation.program)
+    old = start(installation.program).wait_running()
     data.wait_for_start()
     assert installation.install() == 0
     assert old.wait_for_exit() == 0
     assert data.log_messages().count("Config saved.") == 1
     assert installation.program.read_bytes() == new_octets
     data.wait_for_start(2)
-    assert len(running_programs()) == 1
+    assert len(wine_processes("Quillmont.exe")) == 1
     installation.uninstall()
     assert data.log_messages().count("Server stopped.") == 2
-    assert not running_programs()
+    assert not wine_processes("Quillmont.exe")
 
 
 def test_a_silent_installation_starts_nothing_that_did_not_run(data, installation):
     installation.install()
-    assert not running_programs()
+    assert not wine_processes("Quillmont.exe")
     assert not data.folder.exists()
 
 
 def test_another_folder_is_kept_by_an_upgrade(installation):
-    folder = drive() / "Tools" / "Quillmont"
+    folder = drive_c() / "Tools" / "Quillmont"
     installation.install(r"/D=C:\Tools\Quillmont")
     (folder / "CHANGELOG.txt").unlink()
     installation.install()
@@ -293,7 +248,7 @@ def test_what_is_declined_later_goes_away(installation):
 
 
 def test_a_firewall_that_cannot_be_changed_is_reported_and_breaks_nothing(installation):
-    netsh = drive() / "windows" / "system32" / "netsh.exe"
+    netsh = drive_c() / "windows" / "system32" / "netsh.exe"
     octets = netsh.read_bytes()
     netsh.unlink()
     try:
@@ -335,7 +290,7 @@ def test_a_program_that_cannot_be_replaced_is_left_alone(driver, installation):
 def test_uninstalling_leaves_no_trace_but_the_operators_files(data, installation, start):
     installation.install()
     assert len(installation.traces()) > 5
-    program = start(installation.program)
+    program = start(installation.program).wait_running()
     check_that_it_records(data)
     data.add_mib("MY-MIB.txt", b"")
     installation.uninstall()
@@ -356,7 +311,7 @@ def test_uninstalling_leaves_what_others_put_into_the_folder(installation):
 
 def test_uninstalling_takes_the_operators_files_when_told_to(data, installation, start):
     installation.install()
-    start(installation.program).close()
+    start(installation.program).wait_running().close()
     assert data.config.exists()
     installation.uninstall("/DELETEDATA=yes")
     wait_until(lambda: not data.folder.exists(), "the data folder to be gone")

@@ -20,8 +20,6 @@ cp "$program" "$folder/copy.exe"
 )
 diff --recursive "$folder/first" "$folder/other/second"
 
-# Without a UTF-8 locale Wine cannot name a folder with an umlaut.
-export LC_ALL=C.UTF-8
 export QUILLMONT_DRIVER QUILLMONT_PACKAGES="$folder/first"
-tests/support/run_on_private_desktop.sh \
+scripts/run_on_private_desktop.sh \
     /usr/bin/python3 -B -m pytest -q -p no:cacheprovider packaging/packages_test.py

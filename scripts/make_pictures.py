@@ -1,25 +1,24 @@
 """Takes the pictures of docs/pictures/ on the virtual display that make_pictures.sh has prepared.
 
-Stands on the harness of the desktop tests. Every picture shows what the program really did with traps that snmptrap
+Every picture shows what the program really did with traps that snmptrap
 really sent; only the places of the windows are arranged.
 """
 
-import os
 import shutil
 import subprocess
 import sys
 from pathlib import Path
 
-ROOT = Path(__file__).resolve().parent.parent
-sys.path.insert(0, str(ROOT / "tests" / "desktop"))
+from harness import traps
+from harness.data_folder import find_data_folder
+from harness.driver import Driver
+from harness.mib_dialogs import ID_NO, ask_to_delete
+from harness.pictures import look_at_display
+from harness.places import ROOT
+from harness.program import Program
+from harness.tool_windows import MONITOR, STATUS, TOOL_WINDOWS
+from harness.waiting import wait_until
 
-from harness import program as quillmont  # noqa: E402
-from harness import traps  # noqa: E402
-from harness.data_folder import DataFolder  # noqa: E402
-from harness.driver import Driver  # noqa: E402
-from harness.waiting import wait_until  # noqa: E402
-
-BUILD = ROOT / "build" / "windows"
 PICTURES = ROOT / "docs" / "pictures"
 COLOURS = "64"  # enough for text with smoothed edges
 
@@ -44,9 +43,6 @@ IF_INDEX = "1.3.6.1.2.1.2.2.1.1.3"
 IF_DESCRIPTION = "1.3.6.1.2.1.2.2.1.2.3"
 IF_PHYSICAL_ADDRESS = "1.3.6.1.2.1.2.2.1.6.3"
 
-DIALOG_CLASS = "#32770"
-ANSWER_NO = 7
-
 
 def send_traps(data):
     traps.send_v2c(HEARTBEAT_RATE, "i", "30", HEARTBEAT_NAME, "s", "backup-server")
@@ -67,16 +63,12 @@ def send_traps(data):
     data.wait_for_traps(5)
 
 
-def screen():
-    return subprocess.run(["xwd", "-root", "-silent"], check=True, capture_output=True).stdout
-
-
 def still_screen():
     """The display, once two looks in a row show the same."""
     seen = [None]
 
     def is_still():
-        last, seen[0] = seen[0], screen()
+        last, seen[0] = seen[0], look_at_display()
         return seen[0] == last
 
     wait_until(is_still, "the windows to be painted")
@@ -103,8 +95,8 @@ def save_window(window, name):
     save(name, [window], *window.facts.rect)
 
 
-def open_at(program, button, class_name, x, y):
-    window = program.open(button, class_name)
+def open_at(program, tool, x, y):
+    window = tool.open(program)
     window.move(x, y)
     return window
 
@@ -115,23 +107,17 @@ def close(window):
 
 
 def take_tool_windows(program):
-    for name, button, class_name in [
-        ("forwarding_window", quillmont.FORWARDING_BUTTON, "SNMP_FWD_WND"),
-        ("monitor_window", quillmont.MONITOR_BUTTON, "SNMP_MON_WND"),
-        ("log_window", quillmont.LOG_BUTTON, "SNMP_LOG_WND"),
-        ("status_window", quillmont.STATUS_BUTTON, "SNMP_STATUS_WND"),
-    ]:
-        window = open_at(program, button, class_name, 40, 130)
-        save_window(window, name)
+    for tool in TOOL_WINDOWS:
+        window = open_at(program, tool, 40, 130)
+        save_window(window, f"{tool.name}_window")
         close(window)
 
 
 def take_delete_question(program):
-    status = open_at(program, quillmont.STATUS_BUTTON, "SNMP_STATUS_WND", 40, 130)
-    status.control(501).click()
-    question = program.wait_for_window(DIALOG_CLASS, "Delete MIBs")
+    status = open_at(program, STATUS, 40, 130)
+    question = ask_to_delete(program, status)
     save_window(question, "delete_question")
-    question.command(ANSWER_NO)
+    question.control(ID_NO).click()
     question.wait_closed()
     close(status)
 
@@ -146,22 +132,21 @@ def take_main_window(program):
 def take_overview(program):
     """The strip above, the status window over the right lower corner of the monitor."""
     program.main.move(12, 12)
-    monitor = open_at(program, quillmont.MONITOR_BUTTON, "SNMP_MON_WND", 12, 112)
-    status = open_at(program, quillmont.STATUS_BUTTON, "SNMP_STATUS_WND", 460, 292)
+    monitor = open_at(program, MONITOR, 12, 112)
+    status = open_at(program, STATUS, 460, 292)
     save("overview", [program.main, monitor, status], 0, 0, 1192, 864)
     close(status)
     close(monitor)
 
 
 def main():
-    os.environ["QUILLMONT_EXE"] = str(BUILD / "Quillmont.exe")
     PICTURES.mkdir(parents=True, exist_ok=True)
-    data = DataFolder(Path(os.environ["WINEPREFIX"], "drive_c/users/Operator/AppData/Local"))
+    driver = Driver()
+    data = find_data_folder(driver)
     data.mibs.mkdir(parents=True)
     for name in SAMPLES:
         shutil.copy(MIB_SAMPLES / name, data.mibs)
-    driver = Driver(next(BUILD.rglob("quillmont_desktop_driver.exe")))
-    program = quillmont.Program(driver).wait_running()
+    program = Program(driver).wait_running()
     data.wait_for_start()
     program.main.move(40, 20)
     send_traps(data)

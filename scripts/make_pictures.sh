@@ -7,7 +7,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 if [[ ${1:-} != --inside ]]; then
     scripts/packages.sh build run picture
     scripts/build.sh windows Quillmont quillmont_desktop_driver quillmont_desktop_spy
-    exec tests/support/run_on_private_desktop.sh scripts/make_pictures.sh --inside
+    exec scripts/run_on_private_desktop.sh scripts/make_pictures.sh --inside
 fi
 
 # The pictures must not show who made them: the data folder of a user called Operator, whose registry says so

@@ -1,23 +1,20 @@
 """Starts the program, sends it real traps, prints what it wrote, saves pictures of its windows and closes it.
 
-Stands on the harness of the desktop tests. WINEPREFIX and DISPLAY are set by show_receiver.sh.
+WINEPREFIX, DISPLAY and where the harness is are set by show_receiver.sh.
 """
 
-import os
 import shutil
 import sys
 from pathlib import Path
 
-ROOT = Path(__file__).resolve().parent.parent
-sys.path.insert(0, str(ROOT / "tests" / "desktop"))
+from harness import traps
+from harness.data_folder import find_data_folder
+from harness.driver import Driver
+from harness.pictures import save_picture
+from harness.places import ROOT
+from harness.program import Program
+from harness.tool_windows import TOOL_WINDOWS
 
-from harness import program as quillmont  # noqa: E402
-from harness import traps  # noqa: E402
-from harness.data_folder import DataFolder  # noqa: E402
-from harness.driver import Driver  # noqa: E402
-from harness.pictures import save_picture  # noqa: E402
-
-BUILD = ROOT / "build" / "windows"
 PICTURES = ROOT / "build" / "pictures"
 MIB_SAMPLES = Path("/usr/share/snmp/mibs")
 SAMPLES = ["NET-SNMP-AGENT-MIB.txt", "NET-SNMP-MIB.txt", "UCD-DISKIO-MIB.txt", "UCD-SNMP-MIB.txt"]
@@ -26,13 +23,6 @@ SAMPLES = ["NET-SNMP-AGENT-MIB.txt", "NET-SNMP-MIB.txt", "UCD-DISKIO-MIB.txt", "
 MEM_TOTAL_REAL = "1.3.6.1.4.1.2021.4.5"
 MEM_TOTAL_FREE = "1.3.6.1.4.1.2021.4.11"
 LOAD_AVERAGE = "1.3.6.1.4.1.2021.10.1.3.1"
-
-TOOL_WINDOWS = [
-    ("forwarding_window", quillmont.FORWARDING_BUTTON, "SNMP_FWD_WND"),
-    ("monitor_window", quillmont.MONITOR_BUTTON, "SNMP_MON_WND"),
-    ("log_window", quillmont.LOG_BUTTON, "SNMP_LOG_WND"),
-    ("status_window", quillmont.STATUS_BUTTON, "SNMP_STATUS_WND"),
-]
 
 
 def say(text):
@@ -62,25 +52,25 @@ def send_traps(data):
 def take_pictures(program):
     PICTURES.mkdir(parents=True, exist_ok=True)
     program.main.move(40, 20)
-    windows = [("main_window", program.main)]
-    for name, button, class_name in TOOL_WINDOWS:
-        window = program.open(button, class_name)
+
+    def save(window, name):
+        save_picture(window, PICTURES / f"{name}_window.png")
+        say(f"Picture: build/pictures/{name}_window.png")
+
+    for tool in TOOL_WINDOWS:
+        window = tool.open(program)
         window.move(40, 130)
-        windows.append((name, window))
-        save_picture(window, PICTURES / f"{name}.png")
+        save(window, tool.name)
         window.close()
         window.wait_closed()
-    save_picture(program.main, PICTURES / "main_window.png")
-    for name, _ in windows:
-        say(f"Picture: build/pictures/{name}.png")
+    save(program.main, "main")
 
 
 def main():
-    os.environ["QUILLMONT_EXE"] = str(BUILD / "Quillmont.exe")
-    data = DataFolder()
+    driver = Driver()
+    data = find_data_folder(driver)
     import_samples(data)
-    driver = Driver(next(BUILD.rglob("quillmont_desktop_driver.exe")))
-    program = quillmont.Program(driver)
+    program = Program(driver)
     data.wait_for_log("Server started.")
     send_traps(data)
     take_pictures(program)

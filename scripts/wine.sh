@@ -7,6 +7,10 @@
 project_root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 wine_folder="${QUILLMONT_WINE_FOLDER:-$project_root/build/wine}"
 
+# Where every Python script finds the harness package.
+export PYTHONPATH="$project_root/tests"
+# Wine names no file beyond ASCII in a system without a locale, as a bare container is; this one is always there.
+export LC_ALL=C.UTF-8
 export WINEDEBUG="${WINEDEBUG:--all}"
 # Without these a fresh prefix asks to install .NET and a browser engine, and programs make menu entries.
 export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"

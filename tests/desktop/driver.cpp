@@ -14,6 +14,10 @@
 
 #include "platform/windows/scoped_handle.h"
 #include "platform/windows/windows_headers.h"
+
+// Behind the system's own header, whose types it uses.
+#include <shlobj.h>
+
 #include "tests/desktop/json_text.h"
 #include "tests/desktop/request.h"
 #include "tests/desktop/spy.h"
@@ -186,6 +190,17 @@ std::string ReleaseFiles(const Request&) {
     return "null";
 }
 
+// Asked anew each time, as a program asks that starts now.
+std::string LocalApplicationData(const Request&) {
+    wchar_t folder[MAX_PATH] = {};
+    const HRESULT result =
+        SHGetFolderPathW(nullptr, CSIDL_LOCAL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, folder);
+    if (result != S_OK) {
+        throw RequestError("SHGetFolderPathW failed: " + std::to_string(result));
+    }
+    return JsonText(folder);
+}
+
 std::string ForegroundWindow(const Request&) {
     return JsonNumber(reinterpret_cast<INT_PTR>(GetForegroundWindow()));
 }
@@ -223,6 +238,7 @@ const std::map<std::string, Handler> handlers = {
     {"longest_answer", MeasureLongestAnswer},
     {"hold_file", HoldFile},
     {"release_files", ReleaseFiles},
+    {"local_application_data", LocalApplicationData},
     {"foreground", ForegroundWindow},
     {"ansi_code_page", [](const Request&) { return JsonNumber(GetACP()); }},
     {"spy_attach", [](const Request& r) { return AttachSpy(r.Window(0)); }},

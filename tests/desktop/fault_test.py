@@ -8,11 +8,18 @@ import shutil
 import subprocess
 import threading
 from contextlib import contextmanager
-from pathlib import Path
 
 import pytest
 
-from harness.data_folder import LINE_END, DataFolder, config, mask_stamps, record
+from harness.data_folder import (
+    LINE_END,
+    DataFolder,
+    config,
+    local_application_data,
+    mask_stamps,
+    record,
+)
+from harness.places import drive_c, unix_path
 from harness.traps import (
     LOOPBACK,
     TRAP_PORT,
@@ -26,33 +33,6 @@ from harness.traps import (
 from harness.waiting import wait_until
 
 KILLS = 50 if os.environ.get("QUILLMONT_LONG") == "1" else 3
-SHELL_FOLDERS = r"HKCU\Software\Microsoft\Windows\CurrentVersion\Explorer\User Shell Folders"
-
-
-@contextmanager
-def local_application_data(value):
-    def set_folder(text):
-        command = [
-            "wine",
-            "reg",
-            "add",
-            SHELL_FOLDERS,
-            "/v",
-            "Local AppData",
-            "/t",
-            "REG_EXPAND_SZ",
-            "/d",
-            text,
-            "/f",
-        ]
-        # No pipes: the first program of a prefix starts Wine's services, which would hold them open.
-        subprocess.run(command, check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=60)
-
-    set_folder(value)
-    try:
-        yield
-    finally:
-        set_folder("%USERPROFILE%\\AppData\\Local")
 
 
 def mount(*arguments):
@@ -102,13 +82,12 @@ def relay():
 @pytest.mark.parametrize("length", [200, 240, 246])
 def test_a_data_path_of_nearly_260_characters_is_used_as_it_is(data, start, length):
     del data
-    drive = Path(os.environ["WINEPREFIX"], "drive_c")
     name = "C:"
     while length - len(name) > 60:
         name += "\\" + "d" * 49
     name += "\\" + "e" * (length - len(name) - 1)
     assert len(name) == length
-    parent = drive / name[3:].replace("\\", "/")
+    parent = unix_path(name)
     parent.mkdir(parents=True)
     with local_application_data(name):
         elsewhere = DataFolder(parent)
@@ -119,7 +98,7 @@ def test_a_data_path_of_nearly_260_characters_is_used_as_it_is(data, start, leng
         assert elsewhere.masked_traps() == record(integer_line(1))
         assert program.close() == 0
     assert elsewhere.config.read_bytes() == config()
-    shutil.rmtree(drive / ("d" * 49), ignore_errors=True)
+    shutil.rmtree(drive_c() / ("d" * 49), ignore_errors=True)
 
 
 def test_a_data_path_beyond_260_characters_stops_nothing(data, start):

@@ -5,17 +5,16 @@ QUILLMONT_LONG=1 in the environment turns the short rounds into the long ones.
 """
 
 import os
-import re
 import shutil
 from dataclasses import astuple, dataclass, fields
 from pathlib import Path
 
 import pytest
 
-from harness.processes import find_wine_process
+from harness.mib_dialogs import delete_all, import_files, mib
+from harness.processes import descriptor_count, find_wine_process, memory_kilobytes, thread_count
 from harness.tool_windows import FORWARDING, LOG, MONITOR, STATUS
 from harness.traps import LISTENER_PORT, LOOPBACK, TRAP_PORT, integer_binding, message, udp_socket
-from mib_import_test import delete_all, import_files, mib, samples  # noqa: F401
 
 LONG = os.environ.get("QUILLMONT_LONG") == "1"
 MIB_SAMPLES = Path("/usr/share/snmp/mibs")
@@ -48,7 +47,7 @@ class Observer:
     def __init__(self, program):
         program.attach_spy()
         self._program = program
-        self._process = Path("/proc", str(find_wine_process("Quillmont.exe")))
+        self._process = find_wine_process("Quillmont.exe")
 
     def look(self):
         self._program.settle()
@@ -56,14 +55,13 @@ class Observer:
         windows = sum(
             1 + len(self._program.driver("descendants", top["handle"])) for top in self._program.windows()
         )
-        status = (self._process / "status").read_text()
         return Held(
             main.kernel_handles(),
             main.gdi_objects(),
             windows,
-            len(list((self._process / "fd").iterdir())),
-            len(list((self._process / "task").iterdir())),
-            int(re.search(r"VmRSS:\s+(\d+)", status).group(1)),
+            descriptor_count(self._process),
+            thread_count(self._process),
+            memory_kilobytes(self._process),
         )
 
 
@@ -162,7 +160,7 @@ def test_reloading_the_mib_files_leaves_nothing_behind(observer, program, data):
     assert data.log_messages().count("Delete MIBs failed.") > rounds(10, 50)
 
 
-def test_an_import_leaves_no_more_behind_than_the_dialog_of_the_system_does(observer, program, samples):  # noqa: F811
+def test_an_import_leaves_no_more_behind_than_the_dialog_of_the_system_does(observer, program, samples):
     status = STATUS.open(program)
     path = samples.add("one.mib", mib("one", 9999))
     import_files(program, status, path)

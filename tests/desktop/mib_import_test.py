@@ -1,34 +1,27 @@
 """Importing and deleting MIB files through the real dialogs."""
 
-import os
-import shutil
-from pathlib import Path
-
 import pytest
 
 from harness.data_folder import record
-from harness.program import STATUS_BUTTON
+from harness.mib_dialogs import (
+    ID_FILTER,
+    ID_NO,
+    ID_YES,
+    IMPORT_TITLE,
+    QUESTION_TITLE,
+    FileDialog,
+    ask_to_delete,
+    delete_all,
+    import_files,
+    mib,
+)
+from harness.program import DIALOG_CLASS, STATUS_BUTTON
 from harness.tool_windows import STATUS
 from harness.traps import V2C_HEAD, integer_binding, message, send_raw, send_v2c
 from harness.waiting import wait_until
 from harness.window import Window
 
-DIALOG_CLASS = "#32770"
-IMPORT_TITLE = "Import MIB files"
-QUESTION_TITLE = "Delete MIBs"
 QUESTION = "Alle MIB Dateien im MIB-Ordner l\u00c3\u00b6schen?"
-
-IMPORT_BUTTON = 500
-DELETE_BUTTON = 501
-
-# Control ids of the system's file dialog and message box.
-ID_OK = 1
-ID_CANCEL = 2
-ID_YES = 6
-ID_NO = 7
-ID_FILE_NAME = 0x47C
-ID_FILTER = 0x470
-ID_LOOK_IN = 0x471
 
 CB_GETCURSEL = 0x0147
 CB_SETCURSEL = 0x014E
@@ -39,109 +32,10 @@ CBN_SELCHANGE = 1
 MAPPINGS = "MIBs loaded. OID mappings: "
 
 
-def mib(name, number):
-    return f"{name} OBJECT IDENTIFIER ::= {{ enterprises {number} }}\n".encode()
-
-
-class Samples:
-    """A folder of files that the operator picks from."""
-
-    def __init__(self, folder):
-        self.folder = folder
-        self.windows_folder = "C:\\" + folder.name
-
-    def add(self, name, octets):
-        (self.folder / name).write_bytes(octets)
-        return self.path(name)
-
-    def path(self, name):
-        return f"{self.windows_folder}\\{name}"
-
-
-@pytest.fixture
-def samples():
-    folder = Path(os.environ["WINEPREFIX"], "drive_c", "samples")
-    folder.mkdir()
-    yield Samples(folder)
-    shutil.rmtree(folder)
-
-
 @pytest.fixture
 def status(program, data):
     data.wait_for_start()
     return STATUS.open(program)
-
-
-class FileDialog:
-    def __init__(self, program, status):
-        status.control(IMPORT_BUTTON).click()
-        self.program = program
-        self.window = program.wait_for_window(DIALOG_CLASS, IMPORT_TITLE)
-        self._file_name()
-
-    def _descendant(self, class_name, number):
-        """A control of the dialog; it makes some of them after it has become visible."""
-
-        def find():
-            for facts in self.window.descendants():
-                if (facts.__dict__["class"], facts.id, facts.visible) == (class_name, number, True):
-                    return Window(self.program.driver, facts.handle)
-            return None
-
-        return wait_until(find, f"{class_name} {number:#x} of the dialog")
-
-    def _file_name(self):
-        return self._descendant("Edit", ID_FILE_NAME)
-
-    def type_name(self, text):
-        field = self._file_name()
-        field.set_text(text)
-        assert field.text == text
-
-    def press_open(self):
-        self._descendant("Button", ID_OK).click()
-
-    def go_to(self, folder):
-        """Typing a folder's name and pressing Open shows that folder."""
-        self.type_name(folder)
-        self.press_open()
-        self._descendant("ComboBox", ID_LOOK_IN).wait_text(folder.rsplit("\\", 1)[1])
-
-    def choose(self, *paths):
-        """Chooses one file by its path, or several in one folder by folder and names."""
-        if len(paths) == 1:
-            self.type_name(paths[0])
-        else:
-            self.go_to(paths[0])
-            self.type_name(" ".join(f'"{name}"' for name in paths[1:]))
-        self.press_open()
-        self.window.wait_closed()
-
-    def cancel(self):
-        self._descendant("Button", ID_CANCEL).click()
-        self.window.wait_closed()
-
-    @property
-    def filter(self):
-        return self._descendant("ComboBox", ID_FILTER)
-
-
-def import_files(program, status, *paths):
-    FileDialog(program, status).choose(*paths)
-    # The reload and the refresh follow before anything else is handled.
-    program.settle()
-
-
-def ask_to_delete(program, status):
-    status.control(DELETE_BUTTON).click()
-    return program.wait_for_window(DIALOG_CLASS, QUESTION_TITLE)
-
-
-def delete_all(program, status):
-    question = ask_to_delete(program, status)
-    question.control(ID_YES).click()
-    question.wait_closed()
-    program.settle()
 
 
 def new_messages(data, before):

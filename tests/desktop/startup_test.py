@@ -1,13 +1,11 @@
 """Start-up and the end: the data directory, the settings file, the first lines of the log."""
 
-import os
 import struct
-import subprocess
-from pathlib import Path
 
 import pytest
 
-from harness.data_folder import LINE_END, DataFolder, config, mask_stamps
+from harness.data_folder import LINE_END, DataFolder, config, local_application_data, mask_stamps
+from harness.places import drive_c, program_file
 from harness.program import START_LINES
 from harness.traps import TRAP_PORT, hold_port
 
@@ -64,24 +62,15 @@ def test_a_deleted_mibs_folder_comes_back_at_the_next_start(data, start):
 def test_a_data_path_outside_ascii_is_kept_exactly(data, start):
     del data
     name = "Grüße \u0416\u4e2d"
-    parent = os.path.join(os.environ["WINEPREFIX"], "drive_c", name)
-    os.makedirs(parent, exist_ok=True)
-    key = r"HKCU\Software\Microsoft\Windows\CurrentVersion\Explorer\User Shell Folders"
-
-    def set_local_application_data(value):
-        command = ["wine", "reg", "add", key, "/v", "Local AppData", "/t", "REG_EXPAND_SZ", "/d", value, "/f"]
-        subprocess.run(command, check=True, capture_output=True, timeout=60)
-
-    set_local_application_data("C:\\" + name)
-    try:
+    parent = drive_c() / name
+    parent.mkdir(exist_ok=True)
+    with local_application_data("C:\\" + name):
         elsewhere = DataFolder(parent)
         program = start().wait_running()
         assert elsewhere.mibs.is_dir()
         assert program.close() == 0
         assert elsewhere.config.read_bytes() == config()
         assert elsewhere.log_messages()[-1] == "Config saved."
-    finally:
-        set_local_application_data("%USERPROFILE%\\AppData\\Local")
 
 
 def test_a_data_directory_that_cannot_be_made_stops_nothing(data, start):
@@ -172,7 +161,7 @@ def test_a_settings_file_that_cannot_be_written_is_passed_over_in_silence(data, 
 
 
 def test_each_thread_has_the_stack_of_its_receive_buffer_from_the_start():
-    octets = Path(os.environ["QUILLMONT_EXE"]).read_bytes()
+    octets = program_file().read_bytes()
     (header,) = struct.unpack_from("<I", octets, 0x3C)
     assert octets[header : header + 4] == b"PE\0\0"
     (committed,) = struct.unpack_from("<Q", octets, header + 24 + 80)

@@ -14,10 +14,10 @@ import threading
 import time
 
 from receivers import DEFAULT_BUFFER, FORWARDING_PORT, NativeReceiver, WindowsProgram, WineReceiver
-from receivers import resident_kilobytes, thread_count
 
 from harness.data_folder import LINE_END, STAMP
 from harness.driver import Driver
+from harness.processes import memory_kilobytes, thread_count
 from harness.tool_windows import LOG, MONITOR, STATUS
 from harness.traps import LISTENER_PORT, TRAP_PORT, udp_socket
 from harness.waiting import wait_until
@@ -234,7 +234,7 @@ def measure_buffers(driver, _):
         ("8 MiB", NativeReceiver),
         ("the default", lambda: NativeReceiver(DEFAULT_BUFFER)),
         ("8 MiB", lambda: WindowsProgram(driver)),
-        ("the default", lambda: WineReceiver(DEFAULT_BUFFER)),
+        ("the default", lambda: WineReceiver(driver, DEFAULT_BUFFER)),
     ):
         receiver = make()
         granted = granted_buffer(TRAP_PORT)
@@ -273,7 +273,7 @@ def sustain(receiver, rate, seconds):
     memory = []
 
     def report(second):
-        memory.append(resident_kilobytes(receiver.pid))
+        memory.append(memory_kilobytes(receiver.pid))
         row(receiver.name, second, traps.look(), dropped(TRAP_PORT), memory[-1], thread_count(receiver.pid))
 
     step = min(60, seconds // 4)
@@ -328,7 +328,7 @@ def main():
     arguments.add_argument("--long", action="store_true", help="ten minutes of sustained load instead of 20 s")
     arguments.add_argument("parts", nargs="*", metavar="PART", help=f"some of {', '.join(PARTS)}")
     options = arguments.parse_args()
-    driver = Driver(os.environ["QUILLMONT_DRIVER"])
+    driver = Driver()
     for name in options.parts or PARTS:
         PARTS[name](driver, 600 if options.long else 20)
     driver.close()

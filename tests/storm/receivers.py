@@ -1,18 +1,15 @@
 """The receivers that are measured, each with its data folder and its process."""
 
 import os
-import re
 import subprocess
-import sys
 import tempfile
-from pathlib import Path
 
-sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "desktop"))
+from harness.data_folder import DataFolder, config, find_data_folder
+from harness.processes import find_wine_process
+from harness.program import Program
+from harness.traps import LOOPBACK
 
-from harness.data_folder import DataFolder  # noqa: E402
-from harness.processes import find_wine_process  # noqa: E402
-from harness.program import Program  # noqa: E402
-
+FORWARDING_PORT = 9162
 # What asks for the system's usual buffer of 212,992 octets, since Linux doubles what is asked for.
 DEFAULT_BUFFER = 106496
 
@@ -30,7 +27,7 @@ class NativeReceiver:
 
     def _start(self, command, buffer, **environment):
         self.data.folder.mkdir(parents=True, exist_ok=True)
-        self.data.config.write_bytes(forwarding_config())
+        self.data.config.write_bytes(config(1, LOOPBACK, FORWARDING_PORT))
         arguments = [] if buffer is None else [str(buffer)]
         self._process = subprocess.Popen(
             command + arguments,
@@ -52,8 +49,8 @@ class WineReceiver(NativeReceiver):
 
     name = "wine"
 
-    def __init__(self, buffer=None):
-        self.data = DataFolder()
+    def __init__(self, driver, buffer=None):
+        self.data = find_data_folder(driver)
         self.data.remove()
         self._start(["wine", os.environ["QUILLMONT_RECEIVER_EXE"]], buffer)
         self.pid = find_wine_process("quillmont_storm_receiver.exe")
@@ -65,34 +62,12 @@ class WindowsProgram:
     name = "Quillmont.exe"
 
     def __init__(self, driver):
-        self.data = DataFolder()
+        self.data = find_data_folder(driver)
         self.data.remove()
-        self.data.write_config(forwarding_config())
+        self.data.write_config(config(1, LOOPBACK, FORWARDING_PORT))
         self.program = Program(driver)
         self.data.wait_for_start()
         self.pid = find_wine_process("Quillmont.exe")
 
     def close(self):
         assert self.program.close() == 0
-
-
-FORWARDING_PORT = 9162
-
-
-def forwarding_config():
-    lines = [
-        "<config>",
-        "  <forwardingEnabled>1</forwardingEnabled>",
-        "  <forwardingIp>127.0.0.1</forwardingIp>",
-        f"  <forwardingPort>{FORWARDING_PORT}</forwardingPort>",
-        "</config>",
-    ]
-    return "\r\n".join(lines).encode("ascii")
-
-
-def resident_kilobytes(pid):
-    return int(re.search(r"VmRSS:\s+(\d+)", Path(f"/proc/{pid}/status").read_text()).group(1))
-
-
-def thread_count(pid):
-    return len(list(Path(f"/proc/{pid}/task").iterdir()))

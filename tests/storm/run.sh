@@ -16,4 +16,4 @@ export QUILLMONT_DRIVER="$PWD/build/windows/tests/desktop/quillmont_desktop_driv
 export QUILLMONT_RECEIVER="$PWD/build/storm/tests/storm/quillmont_storm_receiver"
 export QUILLMONT_RECEIVER_EXE="$PWD/build/windows/tests/storm/quillmont_storm_receiver.exe"
 export QUILLMONT_SENDER="$PWD/build/storm/tests/storm/quillmont_storm_sender"
-exec tests/support/run_on_private_desktop.sh /usr/bin/python3 -B tests/storm/measure.py "$@"
+exec scripts/run_on_private_desktop.sh /usr/bin/python3 -B tests/storm/measure.py "$@"

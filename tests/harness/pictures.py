@@ -7,13 +7,17 @@ import time
 STILL_SECONDS = 5
 
 
+def look_at_display():
+    """Everything on the display, as a file of the X window dump's kind."""
+    return subprocess.run(["xwd", "-root", "-silent"], check=True, capture_output=True).stdout
+
+
 def _look(window):
     """The window's pixels on the display, as a PPM file."""
     left, top, right, bottom = window.facts.rect
-    screen = subprocess.run(["xwd", "-root", "-silent"], check=True, capture_output=True).stdout
     crop = f"{right - left}x{bottom - top}+{left}+{top}"
     command = ["convert", "xwd:-", "-crop", crop, "+repage", "ppm:-"]
-    return subprocess.run(command, input=screen, check=True, capture_output=True).stdout
+    return subprocess.run(command, input=look_at_display(), check=True, capture_output=True).stdout
 
 
 def save_picture(window, path):

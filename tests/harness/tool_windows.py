@@ -1,9 +1,14 @@
-"""The four tool windows as they were designed: one description each, which the recipes compare with the screen."""
+"""The four tool windows as they were designed: one description each, which the desktop tests compare with the screen
+and by which everybody else opens them."""
 
 from dataclasses import dataclass
 
 from harness.program import FORWARDING_BUTTON, LOG_BUTTON, MONITOR_BUTTON, STATUS_BUTTON
 from harness.window import WS_CHILD, WS_VISIBLE
+
+# Of the status window.
+IMPORT_BUTTON = 500
+DELETE_BUTTON = 501
 
 WS_THICKFRAME = 0x00040000
 WS_SYSMENU = 0x00080000
@@ -78,8 +83,8 @@ STATUS = ToolWindow(
         _label(None, 12, 164, 680, 20),
         _label("Imported MIB files:", 12, 190, 200, 20),
         ("ListBox", "", CHILD | WS_VSCROLL | LBS_NOTIFY, WS_EX_CLIENTEDGE, (12, 212, 680, 240), 0),
-        _button("Import MIB Files", 12, 466, 150, 30, 500),
-        _button("Delete all MIBs", 172, 466, 150, 30, 501),
+        _button("Import MIB Files", 12, 466, 150, 30, IMPORT_BUTTON),
+        _button("Delete all MIBs", 172, 466, 150, 30, DELETE_BUTTON),
     ),
     1003,
     700,

@@ -1,13 +1,13 @@
 """Quillmont.exe itself: starting it, finding its windows, closing it."""
 
-import os
-from pathlib import Path
-
+from harness.places import program_file, windows_path
 from harness.waiting import DEFAULT_SECONDS, wait_until
 from harness.window import Window
 
 TITLE = "Quillmont PRO v1.0 (SNMP v1 and v2c) -  \u00a9 2026 Quillmont"
 MAIN_CLASS = "SNMP_MAIN_WND"
+# Of the system: message boxes and the file dialog.
+DIALOG_CLASS = "#32770"
 
 START_BUTTON = 100
 FORWARDING_BUTTON = 101
@@ -29,14 +29,10 @@ STOP_LINES = sorted(
 )
 
 
-def executable():
-    return "Z:" + str(Path(os.environ["QUILLMONT_EXE"]).resolve()).replace("/", "\\")
-
-
 class Program:
-    def __init__(self, driver):
+    def __init__(self, driver, executable=None):
         self.driver = driver
-        self.process = driver("start", executable())
+        self.process = driver("start", windows_path(executable or program_file()))
         self.main = self.wait_for_window(MAIN_CLASS)
 
     def windows(self):

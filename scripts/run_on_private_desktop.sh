@@ -5,13 +5,12 @@
 set -euo pipefail
 
 here="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
-scripts="$here/../../scripts"
 if [[ ${1:-} != --inside ]]; then
-    exec "$scripts/in_private_network.sh" "$here/$(basename "$0")" --inside "$@"
+    exec "$here/in_private_network.sh" "$here/$(basename "$0")" --inside "$@"
 fi
 shift
 
-source "$scripts/wine.sh"
+source "$here/wine.sh"
 trap 'StopWine; StopDisplay; RemoveTemporaryPrefix' EXIT
 StartDisplay
 UseTemporaryPrefix

@@ -1,11 +1,12 @@
 """The program's data directory, seen from outside: its files as bytes, its log as messages."""
 
-import pwd
-import os
 import re
 import shutil
+from contextlib import contextmanager
 from pathlib import Path
 
+from harness.places import unix_path, windows_path
+from harness.processes import run_wine
 from harness.waiting import wait_until
 
 LINE_END = b"\r\r\n"
@@ -36,15 +37,34 @@ def config(enabled=0, ip="127.0.0.1", port=162, line_end=LINE_END):
     return b"".join(line.encode("latin-1") + line_end for line in lines)
 
 
-def local_application_data():
-    return Path(
-        os.environ["WINEPREFIX"], "drive_c", "users", pwd.getpwuid(os.getuid()).pw_name, "AppData", "Local"
-    )
+SHELL_FOLDERS = r"HKCU\Software\Microsoft\Windows\CurrentVersion\Explorer\User Shell Folders"
+
+
+@contextmanager
+def local_application_data(value):
+    """Programs that start inside find their data below this folder."""
+
+    def set_folder(text):
+        arguments = ["/v", "Local AppData", "/t", "REG_EXPAND_SZ", "/d", text, "/f"]
+        assert run_wine("reg", "add", SHELL_FOLDERS, *arguments) == 0
+
+    set_folder(value)
+    try:
+        yield
+    finally:
+        set_folder("%USERPROFILE%\\AppData\\Local")
+
+
+def find_data_folder(driver):
+    """The folder of a program that starts now. Asked of the system that the program asks: whose name Wine gives to the
+    user's folder is its own affair."""
+    return DataFolder(unix_path(driver("local_application_data")))
 
 
 class DataFolder:
-    def __init__(self, parent=None):
-        self.folder = Path(parent or local_application_data()) / "Quillmont"
+    def __init__(self, parent):
+        """parent: the folder for programs' data, in which each has one of its own."""
+        self.folder = Path(parent) / "Quillmont"
         self.mibs = self.folder / "mibs"
         self.config = self.folder / "config.xml"
         self.traps = self.folder / "SNMP.txt"
@@ -58,8 +78,7 @@ class DataFolder:
 
     def windows_path(self, path=None):
         """The same path as the program names it."""
-        drive = Path(os.environ["WINEPREFIX"], "drive_c")
-        return "C:\\" + str((path or self.folder).relative_to(drive)).replace("/", "\\")
+        return windows_path(path or self.folder)
 
     def add_mib(self, name, text):
         self.mibs.mkdir(parents=True, exist_ok=True)

@@ -2,7 +2,9 @@
 
 import json
 import select
-import subprocess
+
+from harness.places import driver_file
+from harness.processes import start_wine
 
 ANSWER_SECONDS = 120
 
@@ -20,10 +22,8 @@ def _escape(argument):
 class Driver:
     """One driver process in the prefix that WINEPREFIX names."""
 
-    def __init__(self, executable):
-        self._process = subprocess.Popen(
-            ["wine", executable], stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL
-        )
+    def __init__(self):
+        self._process = start_wine(driver_file())
 
     def __call__(self, verb, *arguments):
         line = "\t".join([verb, *(_escape(argument) for argument in arguments)]) + "\n"

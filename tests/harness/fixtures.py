@@ -1,0 +1,56 @@
+"""The pytest fixtures of whatever drives the program in its windows."""
+
+import shutil
+
+import pytest
+
+from harness.data_folder import find_data_folder
+from harness.driver import Driver
+from harness.mib_dialogs import Samples
+from harness.places import drive_c
+from harness.program import Program
+
+
+@pytest.fixture(scope="session")
+def driver():
+    driver = Driver()
+    yield driver
+    driver.close()
+
+
+@pytest.fixture
+def data(driver):
+    """A data directory that does not exist yet."""
+    data = find_data_folder(driver)
+    data.remove()
+    return data
+
+
+@pytest.fixture
+def start(driver):
+    """A function that starts the program; whatever it started is gone after the test."""
+    started = []
+
+    def start_program(executable=None):
+        started.append(Program(driver, executable))
+        return started[-1]
+
+    yield start_program
+    for program in started:
+        program.end()
+
+
+@pytest.fixture
+def program(data, start):
+    """The program with a fresh data directory and a running receiver."""
+    del data
+    return start().wait_running()
+
+
+@pytest.fixture
+def samples():
+    """A folder of files that the operator picks from."""
+    folder = drive_c() / "samples"
+    folder.mkdir()
+    yield Samples(folder)
+    shutil.rmtree(folder)

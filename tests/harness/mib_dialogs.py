@@ -1,0 +1,110 @@
+"""Importing and deleting MIB files by hand: the system's file dialog and the question before the deletion."""
+
+from harness.places import windows_path
+from harness.program import DIALOG_CLASS
+from harness.tool_windows import DELETE_BUTTON, IMPORT_BUTTON
+from harness.waiting import wait_until
+from harness.window import Window
+
+IMPORT_TITLE = "Import MIB files"
+QUESTION_TITLE = "Delete MIBs"
+
+# Control ids of the system's file dialog and message box.
+ID_OK = 1
+ID_CANCEL = 2
+ID_YES = 6
+ID_NO = 7
+ID_FILE_NAME = 0x47C
+ID_FILTER = 0x470
+ID_LOOK_IN = 0x471
+
+
+def mib(name, number):
+    return f"{name} OBJECT IDENTIFIER ::= {{ enterprises {number} }}\n".encode()
+
+
+class Samples:
+    """A folder of files that the operator picks from."""
+
+    def __init__(self, folder):
+        self.folder = folder
+        self.windows_folder = windows_path(folder)
+
+    def add(self, name, octets):
+        (self.folder / name).write_bytes(octets)
+        return self.path(name)
+
+    def path(self, name):
+        return f"{self.windows_folder}\\{name}"
+
+
+class FileDialog:
+    def __init__(self, program, status):
+        status.control(IMPORT_BUTTON).click()
+        self.program = program
+        self.window = program.wait_for_window(DIALOG_CLASS, IMPORT_TITLE)
+        self._file_name()
+
+    def _descendant(self, class_name, number):
+        """A control of the dialog; it makes some of them after it has become visible."""
+
+        def find():
+            for facts in self.window.descendants():
+                if (facts.__dict__["class"], facts.id, facts.visible) == (class_name, number, True):
+                    return Window(self.program.driver, facts.handle)
+            return None
+
+        return wait_until(find, f"{class_name} {number:#x} of the dialog")
+
+    def _file_name(self):
+        return self._descendant("Edit", ID_FILE_NAME)
+
+    def type_name(self, text):
+        field = self._file_name()
+        field.set_text(text)
+        assert field.text == text
+
+    def press_open(self):
+        self._descendant("Button", ID_OK).click()
+
+    def go_to(self, folder):
+        """Typing a folder's name and pressing Open shows that folder."""
+        self.type_name(folder)
+        self.press_open()
+        self._descendant("ComboBox", ID_LOOK_IN).wait_text(folder.rsplit("\\", 1)[1])
+
+    def choose(self, *paths):
+        """Chooses one file by its path, or several in one folder by folder and names."""
+        if len(paths) == 1:
+            self.type_name(paths[0])
+        else:
+            self.go_to(paths[0])
+            self.type_name(" ".join(f'"{name}"' for name in paths[1:]))
+        self.press_open()
+        self.window.wait_closed()
+
+    def cancel(self):
+        self._descendant("Button", ID_CANCEL).click()
+        self.window.wait_closed()
+
+    @property
+    def filter(self):
+        return self._descendant("ComboBox", ID_FILTER)
+
+
+def import_files(program, status, *paths):
+    FileDialog(program, status).choose(*paths)
+    # The reload and the refresh follow before anything else is handled.
+    program.settle()
+
+
+def ask_to_delete(program, status):
+    status.control(DELETE_BUTTON).click()
+    return program.wait_for_window(DIALOG_CLASS, QUESTION_TITLE)
+
+
+def delete_all(program, status):
+    question = ask_to_delete(program, status)
+    question.control(ID_YES).click()
+    question.wait_closed()
+    program.settle()

@@ -1,0 +1,39 @@
+"""Where the programs are that the harness starts."""
+
+import os
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+BUILD = ROOT / "build" / "windows"
+
+
+def program_file():
+    """Quillmont.exe: the one that QUILLMONT_EXE names, or the one built last."""
+    return Path(os.environ.get("QUILLMONT_EXE") or BUILD / "Quillmont.exe").resolve()
+
+
+def driver_file():
+    """The driver's executable, likewise."""
+    return Path(os.environ.get("QUILLMONT_DRIVER") or BUILD / "tests/desktop/quillmont_desktop_driver.exe").resolve()
+
+
+def drive_c():
+    """The drive C: of the Wine prefix, as a folder of this machine."""
+    return Path(os.environ["WINEPREFIX"], "drive_c")
+
+
+def windows_path(path):
+    """The same path as a Windows program names it."""
+    path = Path(path)
+    if path.is_relative_to(drive_c()):
+        drive, path = "C:\\", path.relative_to(drive_c())
+    else:
+        drive, path = "Z:", path.absolute()
+    return drive + str(path).replace("/", "\\")
+
+
+def unix_path(path):
+    """The same path, one of drive C:, as this machine names it."""
+    drive, _, rest = path.partition("\\")
+    assert drive.upper() == "C:", f"{path} is not on drive C:"
+    return drive_c() / rest.replace("\\", "/")

@@ -1,0 +1,74 @@
+"""Windows processes under Wine: starting them, and their Unix side."""
+
+import os
+import re
+import subprocess
+from pathlib import Path
+
+
+def start_wine(*command, **options):
+    """A Windows program that this process talks to through pipes; its errors are Wine's own chatter."""
+    return subprocess.Popen(
+        ["wine", *map(str, command)],
+        stdin=subprocess.PIPE,
+        stdout=subprocess.PIPE,
+        stderr=subprocess.DEVNULL,
+        **options,
+    )
+
+
+def run_wine(*command, seconds=120):
+    """The exit code. No pipes: what a command leaves running would hold them open, and so would Wine's services,
+    which the first program of a prefix starts."""
+    return subprocess.run(
+        ["wine", *map(str, command)],
+        stdin=subprocess.DEVNULL,
+        stdout=subprocess.DEVNULL,
+        stderr=subprocess.DEVNULL,
+        timeout=seconds,
+        check=False,
+    ).returncode
+
+
+def ask_wine(*command, seconds=120):
+    """What a command prints that leaves nothing running."""
+    return subprocess.run(
+        ["wine", *map(str, command)], capture_output=True, text=True, timeout=seconds, check=False
+    ).stdout
+
+
+def wine_processes(executable):
+    """The Unix process numbers of the programs of that file name in our prefix, each with its command line."""
+    prefix = f"WINEPREFIX={os.environ['WINEPREFIX']}".encode()
+    found = {}
+    for folder in Path("/proc").glob("[0-9]*"):
+        try:
+            command = (folder / "cmdline").read_bytes().rstrip(b"\0").split(b"\0")
+            environment = (folder / "environ").read_bytes().split(b"\0")
+        except OSError:
+            continue  # it has just ended, or is somebody else's
+        name = command[0].replace(b"\\", b"/").rpartition(b"/")[2]
+        if name == executable.encode() and prefix in environment:
+            found[int(folder.name)] = b" ".join(command).decode(errors="replace")
+    return found
+
+
+def find_wine_process(executable):
+    """The Unix process number of the program of that file name in our prefix."""
+    for pid in wine_processes(executable):
+        return pid
+    raise AssertionError(f"no process {executable}")
+
+
+def memory_kilobytes(pid, field="VmRSS"):
+    """Memory of the process: VmRSS is what is resident now, VmHWM the most that ever was."""
+    status = Path("/proc", str(pid), "status").read_text(encoding="ascii", errors="replace")
+    return int(re.search(rf"^{field}:\s+(\d+)", status, re.M)[1])
+
+
+def thread_count(pid):
+    return len(list(Path("/proc", str(pid), "task").iterdir()))
+
+
+def descriptor_count(pid):
+    return len(list(Path("/proc", str(pid), "fd").iterdir()))
