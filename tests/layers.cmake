@@ -31,7 +31,7 @@ else()
   add_test(NAME style.format COMMAND ${CMAKE_SOURCE_DIR}/scripts/check_style.sh format)
   add_test(NAME style.arrows COMMAND ${CMAKE_SOURCE_DIR}/scripts/check_style.sh arrows)
   add_test(NAME style.tidy COMMAND ${CMAKE_SOURCE_DIR}/scripts/check_style.sh tidy ${CMAKE_BINARY_DIR})
-  set_tests_properties(style.format style.tidy PROPERTIES TIMEOUT 400)
+  set_tests_properties(style.tidy PROPERTIES TIMEOUT 900)
 endif()
 
 foreach(layer ${ENGINE_LAYERS})
