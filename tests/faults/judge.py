@@ -1,0 +1,101 @@
+"""Judging one fault: does it compile, does it change the program, and which layer finds it, the cheapest asked first."""
+
+import shutil
+import time
+from dataclasses import dataclass
+
+from faults.layers import own_tests, read_layers, run_layer
+from faults.tree_copy import BuildError, fingerprint
+
+REFUSED = "does not compile"
+NOTHING = "changes nothing"
+FOUND = "found"
+SURVIVED = "survived"
+
+
+@dataclass(frozen=True)
+class Verdict:
+    outcome: str
+    by: str = ""  # the layer that found it
+    seconds: float = 0.0
+
+
+class Bench:
+    """One build of the copy and the layers that run on it."""
+
+    def __init__(self, copy, preset, scratch):
+        self.build = copy.configure(preset)
+        self.layers = []
+        self._tree = copy.path
+        self._scratch = scratch
+        self._bounded_memory = preset == "faults"  # a sanitizer and Wine reserve more than any limit
+        self._right = {}
+
+    def prepare(self, say):
+        """Builds everything and runs it once: what fails without a fault can judge none."""
+        self.build.make(["all"])
+        self.layers = read_layers(self.build)
+        self.right_program = self.build.program_fingerprint()
+        for layer in self.layers:
+            layer.seconds = 120.0
+            run = self._run(layer)
+            if not run.passed:
+                raise SystemExit(f"{layer.name} fails without any fault:\n{run.output}")
+            layer.seconds = run.seconds
+            self._right[layer.name] = self._fingerprint(layer)
+            say(f"{self.build.name}: {layer.name} passes in {run.seconds:.1f} s")
+        self.layers.sort(key=lambda layer: layer.seconds)
+
+    def find(self, path):
+        """Which layer fails with what is planted now, and whether it hung; None: all of them pass."""
+        asked = set()
+        first = list(own_tests(path, self._tree, self.layers))
+        for layer, filter_ in [*first, *((layer, None) for layer in self.layers)]:
+            if (layer.name, filter_) in asked or not self._sees_it(layer):
+                continue
+            asked.add((layer.name, filter_))
+            run = self._run(layer, filter_)
+            # Twice, so that a test that fails now and then, or on a busy machine, finds nothing.
+            if not run.passed and (run.hung or not self._run(layer, filter_).passed):
+                return layer.name + (" (hangs)" if run.hung else "")
+        return None
+
+    def _sees_it(self, layer):
+        """Whether what the layer runs is another program than it is without the fault."""
+        self.build.make(layer.targets)
+        return not layer.targets or self._fingerprint(layer) != self._right[layer.name]
+
+    def _fingerprint(self, layer):
+        return fingerprint([self.build.folder / target for target in layer.targets])
+
+    def _run(self, layer, filter_=None):
+        shutil.rmtree(self._scratch, ignore_errors=True)
+        self._scratch.mkdir(parents=True)
+        return run_layer(layer, self._scratch, filter_, self._bounded_memory)
+
+
+class Judge:
+    def __init__(self, copy, benches):
+        self._copy = copy
+        self._benches = benches
+
+    def judge(self, fault):
+        started = time.monotonic()
+        with self._copy.planted(fault):
+            outcome, by = self._judge_planted(fault)
+        return Verdict(outcome, by, round(time.monotonic() - started, 1))
+
+    def _judge_planted(self, fault):
+        for bench in self._benches:
+            try:
+                bench.build.make_program()
+                if bench.build.program_fingerprint() == bench.right_program:
+                    if bench is self._benches[0]:
+                        return NOTHING, ""
+                    continue
+                found = bench.find(fault.path)
+            except BuildError:
+                return REFUSED, ""
+            if found:
+                return FOUND, f"{bench.build.name}: {found}"
+        return SURVIVED, ""

@@ -1,0 +1,137 @@
+"""The layers of the tests, as CTest lists them for one build folder, and the running of one."""
+
+import contextlib
+import json
+import os
+import re
+import signal
+import subprocess
+import time
+from dataclasses import dataclass, field
+from pathlib import Path
+
+# These look at the sources' shape, or make the packages from what the other layers have judged.
+_NO_JUDGES = re.compile(r"style\.|packages|planted_faults|tools?\.")
+
+# The sources whose tests are not called like them.
+_TESTED_BY = {
+    "utf8": ["text_decoding"],
+    "text": ["text_decoding"],
+    "text_pool": ["name_store"],
+    "text_table": ["name_store"],
+    "ipv4_text": ["trap_record", "snmp_message"],
+    "varbind_list": ["trap_record", "snmp_message"],
+    "receive_loop": ["trap_reception", "posix_fault", "exception"],
+    "listener_thread": ["listener"],
+    "trap_thread": ["trap_reception", "exception"],
+    "server_state": ["server_control", "race"],
+    "scoped_descriptor": ["udp_socket", "files"],
+    "scoped_handle": ["udp_socket", "files"],
+    "thread": ["thread_failure", "server_control"],
+    "clock": ["activity_log"],
+    "viewer_window": ["viewer"],
+    "window_helpers": ["tool_windows", "main_window"],
+    "ui_resources": ["main_window", "tool_windows"],
+    "scoped_gdi": ["main_window"],
+    "win_main": ["startup"],
+}
+
+_LARGEST_MEMORY = 4 << 30
+
+
+@dataclass
+class Layer:
+    name: str
+    command: list
+    environment: dict
+    folder: str
+    targets: list = field(default_factory=list)  # what it runs, relative to the build folder
+    seconds: float = 0.0  # how long it takes when nothing is wrong
+    gtest: bool = False
+
+    @property
+    def limit(self):
+        """A machine that is busy with other things may take this long; whoever takes longer hangs."""
+        return 20 + 5 * self.seconds
+
+
+def _property(test, name, default):
+    return next((entry["value"] for entry in test.get("properties", []) if entry["name"] == name), default)
+
+
+def read_layers(build):
+    """The layers of the build folder. Tests that differ in their GoogleTest filter only are one layer."""
+    listed = subprocess.run(
+        ["ctest", "--test-dir", build.folder, "--show-only=json-v1"], check=True, capture_output=True
+    )
+    layers = {}
+    for test in json.loads(listed.stdout)["tests"]:
+        command = [part for part in test["command"] if not part.startswith("--gtest_")]
+        name = test["name"] if command == test["command"] else test["name"].split(".")[0]
+        if _NO_JUDGES.match(name) or tuple(command) in layers:
+            continue
+        environment = dict(entry.split("=", 1) for entry in _property(test, "ENVIRONMENT", []))
+        folder = _property(test, "WORKING_DIRECTORY", str(build.folder))
+        layer = Layer(name, command, environment, folder)
+        paths = [Path(part) for part in [*command, *environment.values()] if part.startswith(str(build.folder))]
+        layer.targets = [path.relative_to(build.folder) for path in paths]
+        layer.gtest = any(path.stem.startswith("quillmont_") and path.stem.endswith("_tests") for path in paths)
+        layers[tuple(command)] = layer
+    return list(layers.values())
+
+
+def own_tests(source, tree, layers):
+    """The layers, each with a GoogleTest filter or None, that are there for this source file: asked first."""
+    stem = Path(source).stem
+    names = [stem, *_TESTED_BY.get(stem, [])]
+    for name in names:
+        for layer in layers:
+            if layer.name.split(".")[-1] in (f"{name}_test", name):
+                yield layer, None
+        for path in sorted((tree / "tests").glob(f"*/{name}_test.cpp")):
+            suites = re.findall(r"^\s*(?:TYPED_)?TEST(?:_[FP])?\((\w+)\s*,", path.read_text(), re.MULTILINE)
+            patterns = ":".join(f"{suite}.*:*/{suite}.*:{suite}/*" for suite in dict.fromkeys(suites))
+            for layer in layers:
+                if suites and layer.gtest and layer.name.split(".")[-1] == path.parent.name:
+                    yield layer, patterns
+
+
+def _limits(bounded_memory):
+    import resource  # not there on Windows, where nothing of this runs
+
+    resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+    if bounded_memory:
+        resource.setrlimit(resource.RLIMIT_AS, (_LARGEST_MEMORY, _LARGEST_MEMORY))
+
+
+@dataclass(frozen=True)
+class Run:
+    passed: bool
+    hung: bool
+    seconds: float
+    output: str
+
+
+def run_layer(layer, scratch, filter_=None, bounded_memory=False):
+    """Runs the layer, stopping at its first failure. Whatever it starts is gone afterwards."""
+    environment = dict(os.environ, **layer.environment, TMPDIR=str(scratch))
+    environment.update(GTEST_FAIL_FAST="1", GTEST_BRIEF="1", GTEST_FILTER=filter_ or "*", PYTEST_ADDOPTS="-x")
+    note = Path(scratch) / "output.txt"
+    started = time.monotonic()
+    with note.open("wb") as output:
+        process = subprocess.Popen(
+            layer.command, cwd=layer.folder, env=environment, stdin=subprocess.DEVNULL,
+            stdout=output, stderr=subprocess.STDOUT, start_new_session=True,
+            preexec_fn=lambda: _limits(bounded_memory),
+        )  # fmt: skip
+        hung = False
+        try:
+            process.wait(layer.limit)
+        except subprocess.TimeoutExpired:
+            hung = True
+        finally:
+            with contextlib.suppress(ProcessLookupError):
+                os.killpg(process.pid, signal.SIGKILL)
+            process.wait()
+    text = note.read_bytes()[-4000:].decode(errors="replace")
+    return Run(process.returncode == 0 and not hung, hung, time.monotonic() - started, text)
