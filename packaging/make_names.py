@@ -1,0 +1,111 @@
+#!/usr/bin/env python3
+"""Makes a MIB file that names instances, such as ifIndex-3 for 1.3.6.1.2.1.2.2.1.1.3, from a table of objects.
+
+A trap carries instances, and a name is shown for exactly the identifier that a MIB file defines. The file needs no
+other one, and no other one can break it: every line builds on a name that the program knows by itself or on one of the
+file's own, which end in an underscore, as no name of a MIB file does. So an operator can write lines below them, too.
+
+Usage: packaging/make_names.py TABLE FILE. What a table looks like: packaging/standard_names.txt.
+"""
+
+import re
+import sys
+from pathlib import Path
+
+NAME_STORE = Path(__file__).resolve().parent.parent / "mib" / "name_store.cpp"
+STEP = "_"
+
+HEAD = """\
+-- Names for what the notifications of the standards carry: sysUpTime-0, ifIndex-3 and the like.
+-- Names that end in an underscore are steps on the way to them. Your own lines belong into a file of your own:
+--     ifIndex-1000 OBJECT IDENTIFIER ::= { ifIndex_ 1000 }
+"""
+
+
+class TableError(Exception):
+    pass
+
+
+def builtin_names():
+    """The names that the program knows without any file, by their identifiers."""
+    rows = re.findall(r'\{L"([\w-]+)", L"([\d.]+)"\}', NAME_STORE.read_text(encoding="utf-8"))
+    return {identifier: name for name, identifier in rows}
+
+
+def read_table(text):
+    """Each row with an identifier and instances, as words, and each title of a section (it begins with ##), as one;
+    both with the number of their line."""
+    for number, line in enumerate(text.splitlines(), 1):
+        words = line.split()
+        if line.startswith("##"):
+            yield number, [line.lstrip("# ")]
+        elif words and not line.startswith("#") and words[2:3] != [":"]:
+            yield number, words
+
+
+def expand_instances(instances):
+    """The instances as lists of arcs: 0, 1-128, 1.1-64; none for -."""
+    found = re.fullmatch(r"((?:\d+\.)*)(\d+)(?:-(\d+))?", instances, re.ASCII)
+    if instances != "-" and not found:
+        raise TableError(f"no instances: {instances}")
+    if not found:
+        return []
+    front = found[1].split(".")[:-1]
+    return [[*front, str(last)] for last in range(int(found[2]), int(found[3] or found[2]) + 1)]
+
+
+class Definitions:
+    """Lines, each one step down from a name that is there already."""
+
+    def __init__(self):
+        self.names = builtin_names()  # by identifier: what a line can build on
+        self.lines = []
+
+    def add(self, name, identifier):
+        parent, _, arc = identifier.rpartition(".")
+        if not re.fullmatch(r"[A-Za-z][\w-]*", name, re.ASCII):
+            raise TableError(f"not a name: {name}")
+        if parent not in self.names:
+            raise TableError(f"{name}: the table lacks a row for {parent}")
+        if identifier in self.names or name in self.names.values():
+            raise TableError(f"{name}, {identifier}: the name or the identifier is taken")
+        self.names[identifier] = name
+        self.lines.append(f"{name:41} OBJECT IDENTIFIER ::= {{ {self.names[parent]} {arc} }}")
+
+    def add_row(self, name, identifier, instances):
+        self.add(name + STEP, identifier)
+        for arcs in expand_instances(instances):
+            for depth in range(1, len(arcs)):
+                step = ".".join([identifier, *arcs[:depth]])
+                if step not in self.names:
+                    self.add("-".join([name, *arcs[:depth]]) + STEP, step)
+            self.add("-".join([name, *arcs]), ".".join([identifier, *arcs]))
+
+
+def make_names(table):
+    definitions = Definitions()
+    for number, row in read_table(table):
+        try:
+            if len(row) == 1:
+                definitions.lines += ["", f"-- {row[0]}"]
+            elif len(row) == 3:
+                definitions.add_row(*row)
+            else:
+                raise TableError("not a name, an identifier and instances")
+        except TableError as error:
+            raise TableError(f"line {number}: {error}") from None
+    return "".join(line + "\r\n" for line in [*HEAD.splitlines(), *definitions.lines])
+
+
+def main():
+    if len(sys.argv) != 3:
+        sys.exit(__doc__)
+    table, file = map(Path, sys.argv[1:])
+    try:
+        file.write_bytes(make_names(table.read_text(encoding="utf-8")).encode("ascii"))
+    except (TableError, OSError, UnicodeError) as error:
+        sys.exit(f"{table}: {error}")
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,17 @@
+"""standard-names.mib, as the packages bring it."""
+
+import subprocess
+import sys
+
+from harness.places import ROOT
+
+FILE_NAME = "standard-names.mib"
+
+
+def make_standard_names(folder):
+    """Writes the file into the folder; its path."""
+    packaging = ROOT / "packaging"
+    file = folder / FILE_NAME
+    maker = [sys.executable, "-B", packaging / "make_names.py", packaging / "standard_names.txt", file]
+    subprocess.run(maker, check=True, timeout=60)
+    return file
