@@ -1,6 +1,7 @@
 """The kinds of faults: each function yields (start, end, replacement) for every place where its fault can stand."""
 
 import re
+from collections import Counter
 from dataclasses import replace
 
 from faults.cpp_source import CppSource
@@ -180,14 +181,11 @@ MUTATORS = {
 def find_faults(path, text):
     """Every fault that can be planted into the file, in the order of its lines."""
     source = CppSource(text)
-    seen = {}
+    alike = Counter()
     faults = []
     for kind, mutator in MUTATORS.items():
         for start, end, replacement in mutator(source):
             fault = make_fault(path, kind, text, start, end, replacement)
-            again = seen.setdefault((fault.before, fault.after), [])
-            # A "+ 1" that becomes "- 1" by two roads is one fault; the same line further down is another.
-            if (start, fault.plant(text)) not in again:
-                faults.append(replace(fault, occurrence=len(again)))
-                again.append((start, fault.plant(text)))
+            faults.append(replace(fault, occurrence=alike[fault.before, fault.after]))
+            alike[fault.before, fault.after] += 1
     return sorted(faults, key=lambda fault: fault.start)

@@ -2,6 +2,7 @@
 
 import subprocess
 import sys
+import time
 from pathlib import Path
 
 import pytest
@@ -166,6 +167,23 @@ def test_what_does_not_compile_does_not_count(small):
 def test_a_run_that_hangs_is_killed_and_counts_as_found(small, monkeypatch):
     monkeypatch.setattr(layers.Layer, "limit", 1)
     assert judge(small, "--value;", '__asm__ volatile("");').by == "faults: unit (hangs)"
+
+
+def test_a_run_that_hangs_leaves_nothing_behind(tmp_path, monkeypatch):
+    monkeypatch.setattr(layers.Layer, "limit", 1)
+    layer = layers.Layer("endless", ["sh", "-c", "sleep 300 & echo $!; wait"], {}, str(tmp_path))
+    run = layers.run_layer(layer, tmp_path)
+    assert run.hung and not run.passed
+    deadline = time.monotonic() + 10
+    while is_alive(int(run.output)):
+        assert time.monotonic() < deadline
+
+
+def is_alive(pid):
+    try:
+        return ") Z " not in Path("/proc", str(pid), "stat").read_text()
+    except FileNotFoundError:
+        return False
 
 
 def test_the_file_is_right_again_when_the_judging_breaks_off(small):
