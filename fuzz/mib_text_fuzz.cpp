@@ -4,6 +4,7 @@
 // file made wide.
 #include <mutex>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 

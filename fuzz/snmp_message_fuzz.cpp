@@ -1,6 +1,7 @@
 // Promises about a datagram: it decodes exactly when there is a record; the same octets give the same
 // records; octets behind the message change nothing; there are no more records than the octets have room for;
 // and the record text has the shape that docs/file-formats.md states and stays in proportion to the datagram.
+#include <algorithm>
 #include <cwchar>
 #include <string>
 #include <vector>

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <mutex>
 #include <new>
+#include <utility>
 
 #include "platform/posix/scoped_descriptor.h"
 

@@ -160,10 +160,40 @@ def test_a_settings_file_that_cannot_be_written_is_passed_over_in_silence(data, 
     assert data.config.is_dir()
 
 
+RELOCATIONS_STRIPPED = 0x0001
+LARGE_ADDRESS_AWARE = 0x0020
+HIGH_ENTROPY_VA = 0x0020
+DYNAMIC_BASE = 0x0040
+NX_COMPAT = 0x0100
+TERMINAL_SERVER_AWARE = 0x8000
+BASE_RELOCATIONS = 5  # of the header's directories
+
+
+class Header:
+    """The header of the shipped file, as the loader reads it."""
+
+    def __init__(self):
+        octets = program_file().read_bytes()
+        (start,) = struct.unpack_from("<I", octets, 0x3C)
+        assert octets[start : start + 4] == b"PE\0\0"
+        optional = start + 24
+        assert struct.unpack_from("<H", octets, optional) == (0x20B,), "no 64-bit program"
+        (self.characteristics,) = struct.unpack_from("<H", octets, start + 22)
+        self.promises, self.stack_reserve, self.stack_commit = struct.unpack_from("<HQQ", octets, optional + 70)
+        directory = optional + 112 + 8 * BASE_RELOCATIONS
+        _, self.relocations_size = struct.unpack_from("<II", octets, directory)
+
+
 def test_each_thread_has_the_stack_of_its_receive_buffer_from_the_start():
-    octets = program_file().read_bytes()
-    (header,) = struct.unpack_from("<I", octets, 0x3C)
-    assert octets[header : header + 4] == b"PE\0\0"
-    (committed,) = struct.unpack_from("<Q", octets, header + 24 + 80)
+    header = Header()
+    assert header.stack_reserve == 2 * 1024 * 1024
     # Backed later, page by page, it would end the process when memory is short.
-    assert committed >= 128 * 1024
+    assert header.stack_commit == 256 * 1024
+
+
+def test_the_program_runs_at_any_address_never_runs_data_and_serves_a_terminal_server():
+    header = Header()
+    assert header.promises == HIGH_ENTROPY_VA | DYNAMIC_BASE | NX_COMPAT | TERMINAL_SERVER_AWARE
+    # Without these two the first two promises are empty.
+    assert header.characteristics & (RELOCATIONS_STRIPPED | LARGE_ADDRESS_AWARE) == LARGE_ADDRESS_AWARE
+    assert header.relocations_size > 0

@@ -1,5 +1,6 @@
 // Faults that a test can bring about on POSIX only: files without permissions, links, pipes, a full disk, and
 // a process that is killed while it writes.
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>

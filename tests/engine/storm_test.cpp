@@ -1,6 +1,7 @@
 // Bursts that come faster than records can be written: what the socket's buffer holds is recorded whole
 // and in order, and what it does not hold is lost without a trace of it anywhere. The long measurements
 // are in tests/storm.
+#include <algorithm>
 #include <mutex>
 
 #include "config/forwarding_settings.h"

@@ -1,5 +1,6 @@
 // A system that has no thread left to give. The thread seam is replaced by linking: this file answers for it.
 #include <thread>
+#include <utility>
 
 #include "platform/thread.h"
 #include "tests/engine/engine_fixture.h"

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <utility>
 
 #include "mib/name_store.h"
 #include "tests/support/ber_encoder.h"
