@@ -16,6 +16,7 @@ from harness.mib_dialogs import ID_NO, ask_to_delete
 from harness.pictures import look_at_display
 from harness.places import ROOT
 from harness.program import Program
+from harness.standard_names import make_standard_names
 from harness.tool_windows import MONITOR, STATUS, TOOL_WINDOWS
 from harness.waiting import wait_until
 
@@ -38,26 +39,16 @@ MEM_TOTAL_FREE = "1.3.6.1.4.1.2021.4.11"
 MEM_SWAP_ERROR = "1.3.6.1.4.1.2021.4.101"
 HEARTBEAT_RATE = "1.3.6.1.4.1.8072.2.3.2.1"
 HEARTBEAT_NAME = "1.3.6.1.4.1.8072.2.3.2.2"
-# Instances of table columns, which no definition names.
-IF_INDEX = "1.3.6.1.2.1.2.2.1.1.3"
-IF_DESCRIPTION = "1.3.6.1.2.1.2.2.1.2.3"
-IF_PHYSICAL_ADDRESS = "1.3.6.1.2.1.2.2.1.6.3"
+IF_ENTRY = "1.3.6.1.2.1.2.2.1"
+IF_ALIAS = "1.3.6.1.2.1.31.1.1.1.18"
 
 
 def send_traps(data):
-    traps.send_v2c(HEARTBEAT_RATE, "i", "30", HEARTBEAT_NAME, "s", "backup-server")
+    link = [f"{IF_ENTRY}.1.3", "i", "3", f"{IF_ENTRY}.7.3", "i", "1", f"{IF_ENTRY}.8.3", "i", "2"]
+    names = [f"{IF_ENTRY}.2.3", "s", "GigabitEthernet0/3", f"{IF_ALIAS}.3", "s", "to the server room"]
+    traps.send_v2c(*link, *names)
     traps.send_v1(MEM_TOTAL_REAL, "i", "8029184", MEM_AVAIL_REAL, "i", "1204")
-    traps.send_v2c(
-        IF_INDEX,
-        "i",
-        "3",
-        IF_DESCRIPTION,
-        "s",
-        "GigabitEthernet0/3",
-        IF_PHYSICAL_ADDRESS,
-        "x",
-        "00 1b 21 3c 9d f8",
-    )
+    traps.send_v2c(HEARTBEAT_RATE, "i", "30", HEARTBEAT_NAME, "s", "backup-server")
     traps.send_v2c(MEM_TOTAL_FREE, "i", "1204", MEM_SWAP_ERROR, "s", "Running out of swap space (1204)")
     traps.send_raw(b"not an SNMP message")
     data.wait_for_traps(5)
@@ -133,8 +124,8 @@ def take_overview(program):
     """The strip above, the status window over the right lower corner of the monitor."""
     program.main.move(12, 12)
     monitor = open_at(program, MONITOR, 12, 112)
-    status = open_at(program, STATUS, 460, 292)
-    save("overview", [program.main, monitor, status], 0, 0, 1192, 864)
+    status = open_at(program, STATUS, 460, 312)
+    save("overview", [program.main, monitor, status], 0, 0, 1192, 884)
     close(status)
     close(monitor)
 
@@ -146,6 +137,7 @@ def main():
     data.mibs.mkdir(parents=True)
     for name in SAMPLES:
         shutil.copy(MIB_SAMPLES / name, data.mibs)
+    make_standard_names(data.mibs)
     program = Program(driver).wait_running()
     data.wait_for_start()
     program.main.move(40, 20)
@@ -157,7 +149,7 @@ def main():
     take_main_window(program)
     code = program.close()
     driver.close()
-    for name in (b"(memTotalReal)", b"(netSnmpExampleHeartbeatRate)"):
+    for name in (b"(ifAlias-3)", b"(memTotalReal)", b"(netSnmpExampleHeartbeatRate)"):
         if name not in data.trap_octets():
             sys.exit(f"The pictures lack the name {name.decode()}.")
     return code
