@@ -162,6 +162,34 @@ def test_one_file_that_cannot_be_read_is_logged_as_failed(program, data, status,
     assert list(data.mibs.iterdir()) == []
 
 
+def test_a_file_of_the_folder_itself_cannot_be_imported_and_stays(program, data, status):
+    data.add_mib("one.mib", mib("one", 9991))
+    before = len(data.log_messages())
+    import_files(program, status, data.windows_path(data.mibs / "one.mib"))
+    assert new_messages(data, before) == ["MIB import failed.", MAPPINGS + "1"]
+    assert (data.mibs / "one.mib").read_bytes() == mib("one", 9991)
+
+
+def test_a_folder_of_its_name_is_in_a_files_way(program, data, status, samples):
+    (data.mibs / "one.mib").mkdir()
+    before = len(data.log_messages())
+    import_files(program, status, samples.add("one.mib", mib("one", 9991)))
+    assert new_messages(data, before) == ["MIB import failed.", MAPPINGS + "0"]
+
+
+def test_without_the_folder_imports_fail_until_the_next_start(program, data, status, start, samples):
+    data.mibs.rmdir()
+    before = len(data.log_messages())
+    path = samples.add("one.mib", mib("one", 9991))
+    import_files(program, status, path)
+    assert new_messages(data, before) == ["MIB import failed.", MAPPINGS + "0"]
+    program.close()
+    program = start().wait_running()
+    before = len(data.log_messages())
+    import_files(program, STATUS.open(program), path)
+    assert new_messages(data, before) == ["MIB imported: one.mib", MAPPINGS + "1"]
+
+
 def test_the_unreadable_one_of_three_is_passed_over_in_silence(program, data, status, samples, driver):
     samples.add("a.mib", mib("a", 9991))
     held = samples.add("b.mib", mib("b", 9992))
