@@ -25,10 +25,12 @@ bool ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octe
 // The size in octets as the folder tells it, without opening the file; nothing when there is no such file.
 std::optional<uint64_t> QueryFileSize(const std::wstring& path);
 
-// Copies a file's content over `target`, whether that exists or not. The copy is never read-only: a file
-// taken from a read-only medium must not become one that can be neither replaced nor removed. False:
-// something is in the way, and the target is unchanged, or the disk is full, and the target is gone or cut.
+// Copies a file's content over `target`, whether that exists or not. Hidden, system and read-only files are
+// copied and replaced like any other, and the copy is none of the three: Windows would let it be neither
+// replaced nor removed. False: something is in the way, and the target is unchanged, or the disk is full,
+// and the target is gone or cut.
 bool CopyFileOver(const std::wstring& source, const std::wstring& target);
 
-// True: no file stands there any more, whoever removed it. False: it may not be removed.
+// True: no file stands there any more, whoever removed it; a read-only file is removed like any other.
+// False: it may not be removed, and is unchanged.
 bool RemoveFile(const std::wstring& path);

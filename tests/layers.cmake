@@ -11,7 +11,8 @@ if(WIN32)
   add_test(NAME windows.unit COMMAND ${RUNNER} $<TARGET_FILE:quillmont_unit_tests>)
   add_test(NAME windows.memory COMMAND ${RUNNER} $<TARGET_FILE:quillmont_memory_tests>)
   add_test(NAME windows.broken_walk COMMAND ${RUNNER} $<TARGET_FILE:quillmont_broken_walk_tests>)
-  set_tests_properties(windows.unit windows.memory windows.broken_walk PROPERTIES TIMEOUT 300)
+  add_test(NAME windows.attributes COMMAND ${RUNNER} $<TARGET_FILE:quillmont_attribute_tests>)
+  set_tests_properties(windows.unit windows.memory windows.broken_walk windows.attributes PROPERTIES TIMEOUT 300)
   if(NOT CMAKE_HOST_WIN32)
     add_test(NAME packages
         COMMAND ${CMAKE_SOURCE_DIR}/packaging/test_packages.sh

@@ -9,6 +9,10 @@ namespace {
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 constexpr size_t kLargestTransfer = size_t{1} << 30;
 
+// A file that has one of these is not copied over, one that is read-only is not removed, and a copy has those
+// of what it was made from.
+constexpr DWORD kProtecting = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_READONLY;
+
 ScopedHandle OpenFile(const std::wstring& path, DWORD access, DWORD disposition) {
     return ScopedHandle(
         CreateFileW(path.c_str(), access, kShareAll, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr));
@@ -52,6 +56,35 @@ bool ReadRange(HANDLE file, uint64_t offset, uint64_t end, std::string& octets) 
     return true;
 }
 
+// Takes the protecting attributes from a file until the end of the scope, or for good once what they were in
+// the way of has happened.
+class ScopedUnprotection {
+  public:
+    explicit ScopedUnprotection(const std::wstring& path)
+        : path_(path), before_(GetFileAttributesW(path.c_str())) {
+        if (IsProtected()) {
+            const DWORD left = before_ & ~kProtecting;
+            SetFileAttributesW(path_.c_str(), left != 0 ? left : FILE_ATTRIBUTE_NORMAL);
+        }
+    }
+    ~ScopedUnprotection() {
+        if (!forGood_ && IsProtected()) {
+            SetFileAttributesW(path_.c_str(), before_);
+        }
+    }
+    ScopedUnprotection(const ScopedUnprotection&) = delete;
+    ScopedUnprotection& operator=(const ScopedUnprotection&) = delete;
+
+    void KeepForGood() { forGood_ = true; }
+
+  private:
+    bool IsProtected() const { return before_ != INVALID_FILE_ATTRIBUTES && (before_ & kProtecting) != 0; }
+
+    const std::wstring& path_;
+    const DWORD before_;
+    bool forGood_ = false;
+};
+
 }  // namespace
 
 bool AppendOctets(const std::wstring& path, std::string_view octets) {
@@ -93,16 +126,20 @@ std::optional<uint64_t> QueryFileSize(const std::wstring& path) {
 }
 
 bool CopyFileOver(const std::wstring& source, const std::wstring& target) {
+    ScopedUnprotection former(target);
     if (!CopyFileW(source.c_str(), target.c_str(), FALSE)) {
         return false;
     }
-    const DWORD attributes = GetFileAttributesW(target.c_str());
-    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0) {
-        SetFileAttributesW(target.c_str(), attributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY));
-    }
+    former.KeepForGood();
+    ScopedUnprotection(target).KeepForGood();
     return true;
 }
 
 bool RemoveFile(const std::wstring& path) {
-    return DeleteFileW(path.c_str()) || GetLastError() == ERROR_FILE_NOT_FOUND;
+    ScopedUnprotection file(path);
+    if (DeleteFileW(path.c_str())) {
+        file.KeepForGood();
+        return true;
+    }
+    return GetLastError() == ERROR_FILE_NOT_FOUND;
 }
