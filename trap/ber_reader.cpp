@@ -2,29 +2,15 @@
 
 #include "core/decimal_text.h"
 
-bool ReadTlvHeader(const uint8_t* position, const uint8_t* end, TlvHeader* header) {
-    if (end - position < 2) {
+bool TakeLongLength(OctetRange& left, uint8_t lengthOctet, uint64_t* length) {
+    const uint8_t count = lengthOctet & 0x7F;
+    const uint8_t* octet = nullptr;
+    if (count < 1 || count > 4 || !TakeOctets(left, count, &octet)) {
         return false;
     }
-    const uint8_t tag = position[0];
-    const uint8_t lengthOctet = position[1];
-    const uint8_t* content = position + 2;
-    uint64_t length = lengthOctet;
-    if ((lengthOctet & 0x80) != 0) {
-        const int lengthOctets = lengthOctet & 0x7F;
-        if (lengthOctets < 1 || lengthOctets > 4 || lengthOctets > end - content) {
-            return false;
-        }
-        length = 0;
-        for (const uint8_t* contentStart = content + lengthOctets; content != contentStart; ++content) {
-            length = (length << 8) | *content;
-        }
+    for (*length = 0; octet != left.position; ++octet) {
+        *length = (*length << 8) | *octet;
     }
-    // Wanted against remaining, never a sum of a pointer and a length that a stranger chose.
-    if (length > static_cast<uint64_t>(end - content)) {
-        return false;
-    }
-    *header = {tag, content, content + length};
     return true;
 }
 

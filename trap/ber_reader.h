@@ -7,6 +7,14 @@
 #include <cstdint>
 #include <string>
 
+// What is left to read of a message, or of the content of an element.
+struct OctetRange {
+    const uint8_t* position = nullptr;
+    const uint8_t* end = nullptr;
+
+    size_t size() const { return static_cast<size_t>(end - position); }
+};
+
 // One element: its tag octet, taken whole, and its content.
 struct TlvHeader {
     uint8_t tag = 0;
@@ -14,7 +22,24 @@ struct TlvHeader {
     const uint8_t* contentEnd = nullptr;  // also where the next element begins
 
     size_t size() const { return static_cast<size_t>(contentEnd - content); }
+    OctetRange elements() const { return {content, contentEnd}; }
 };
+
+// Takes `count` octets off the front: true, *octets is the first of them. False, nothing touched: fewer are
+// left.
+// The one place that compares wanted with remaining, never a sum of a pointer and a length that a stranger
+// chose. Inline like what follows: it takes a tenth to a quarter off the decoding of a trap.
+inline bool TakeOctets(OctetRange& left, uint64_t count, const uint8_t** octets) {
+    if (count > left.size()) {
+        return false;
+    }
+    *octets = left.position;
+    left.position += count;
+    return true;
+}
+
+// The length whose octets follow `lengthOctet`, the long form's first. False: as below, or cut off.
+bool TakeLongLength(OctetRange& left, uint8_t lengthOctet, uint64_t* length);
 
 // Reads the header at `position` inside [position, end).
 // True: *header is filled and its whole content lies inside the range; content that ends exactly at `end`
@@ -23,7 +48,32 @@ struct TlvHeader {
 //   four length octets, length octets cut off, or content running past `end`.
 // Never looks at `end` or beyond.
 // Kept: lengths longer than necessary are accepted, since agents in the field send them.
-bool ReadTlvHeader(const uint8_t* position, const uint8_t* end, TlvHeader* header);
+inline bool ReadTlvHeader(const uint8_t* position, const uint8_t* end, TlvHeader* header) {
+    OctetRange left = {position, end};
+    const uint8_t* start = nullptr;
+    if (!TakeOctets(left, 2, &start)) {
+        return false;
+    }
+    uint64_t length = start[1];
+    if (length >= 0x80 && !TakeLongLength(left, start[1], &length)) {
+        return false;
+    }
+    const uint8_t* content = nullptr;
+    if (!TakeOctets(left, length, &content)) {
+        return false;
+    }
+    *header = {start[0], content, left.position};
+    return true;
+}
+
+// The same for the element at the front of `left`; what is left begins behind it. False: both are untouched.
+inline bool TakeElement(OctetRange& left, TlvHeader* element) {
+    if (!ReadTlvHeader(left.position, left.end, element)) {
+        return false;
+    }
+    left.position = element->contentEnd;
+    return true;
+}
 
 // The octets as a big-endian two's complement number; no octets give 0. Callers print it signed or unsigned.
 // Kept: every multiple of eight octets is sign-extended by a shift of 0, so that a negative number of eight

@@ -1,6 +1,8 @@
 #include "trap/snmp_message.h"
 
 #include <algorithm>
+#include <array>
+#include <iterator>
 
 #include "core/decimal_text.h"
 #include "mib/name_store.h"
@@ -12,19 +14,8 @@ using namespace std::string_view_literals;
 
 namespace {
 
-constexpr uint8_t kIntegerTag = 0x02;
-constexpr uint8_t kOctetStringTag = 0x04;
-constexpr uint8_t kNullTag = 0x05;
 constexpr uint8_t kOidTag = 0x06;
 constexpr uint8_t kSequenceTag = 0x30;
-constexpr uint8_t kIpAddressTag = 0x40;
-constexpr uint8_t kCounter32Tag = 0x41;
-constexpr uint8_t kGauge32Tag = 0x42;
-constexpr uint8_t kTimeTicksTag = 0x43;
-constexpr uint8_t kCounter64Tag = 0x46;
-
-// No header fits into fewer.
-constexpr ptrdiff_t kSmallestElement = 2;
 
 void AppendHexOctet(std::wstring& text, uint8_t octet) {
     constexpr wchar_t kDigits[] = L"0123456789ABCDEF";
@@ -32,103 +23,94 @@ void AppendHexOctet(std::wstring& text, uint8_t octet) {
     text.push_back(kDigits[octet & 0x0F]);
 }
 
-// Moves *position behind the element that stands there, whatever it is. False: it cannot be read, or nothing
-// that could be an element follows it.
-bool SkipHeaderField(const uint8_t** position, const uint8_t* end) {
-    TlvHeader field;
-    if (!ReadTlvHeader(*position, end, &field)) {
-        return false;
-    }
-    *position = field.contentEnd;
-    return end - *position >= kSmallestElement;
-}
-
 // The PDU's last readable element is the candidate for the list: octets that form no element behind it do no
 // harm, while a readable one takes its place.
-bool FindLastElement(const TlvHeader& pdu, TlvHeader* last) {
-    const uint8_t* position = pdu.content;
-    if (!ReadTlvHeader(position, pdu.contentEnd, last)) {
-        return false;
+bool TakeLastElement(OctetRange left, TlvHeader* last) {
+    const bool found = TakeElement(left, last);
+    while (TakeElement(left, last)) {
     }
-    do {
-        position = last->contentEnd;
-    } while (ReadTlvHeader(position, pdu.contentEnd, last));
-    return true;
+    return found;
 }
 
 bool FindVarbindList(const uint8_t* octets, size_t count, TlvHeader* list) {
-    TlvHeader message;
-    if (!ReadTlvHeader(octets, octets + count, &message) || message.tag != kSequenceTag) {
+    OctetRange left = {octets, octets + count};
+    TlvHeader element;
+    if (!TakeElement(left, &element) || element.tag != kSequenceTag) {
         return false;
     }
-    const uint8_t* position = message.content;
-    TlvHeader pdu;
-    return SkipHeaderField(&position, message.contentEnd) &&     // version
-           SkipHeaderField(&position, message.contentEnd) &&     // community
-           ReadTlvHeader(position, message.contentEnd, &pdu) &&  //
-           FindLastElement(pdu, list) && list->tag == kSequenceTag;
+    left = element.elements();
+    return TakeElement(left, &element) &&  // version
+           TakeElement(left, &element) &&  // community
+           TakeElement(left, &element) &&  // PDU
+           TakeLastElement(element.elements(), list) && list->tag == kSequenceTag;
 }
 
-void RenderUnsigned(const TlvHeader& value, std::wstring_view type, VarbindRecord& record) {
-    record.type = type;
-    AppendDecimal(record.value, DecodeBerInteger(value.content, value.size()));
+void RenderInteger(const uint8_t* octets, size_t count, std::wstring& text) {
+    AppendSignedDecimal(text, static_cast<int64_t>(DecodeBerInteger(octets, count)));
 }
+
+void RenderUnsigned(const uint8_t* octets, size_t count, std::wstring& text) {
+    AppendDecimal(text, DecodeBerInteger(octets, count));
+}
+
+void RenderNull(const uint8_t*, size_t, std::wstring& text) {
+    text.append(L"NULL"sv);
+}
+
+struct ValueType {
+    uint8_t tag;
+    std::wstring_view label;
+    void (*render)(const uint8_t* octets, size_t count, std::wstring& text);  // given empty text
+};
+
+// Any other tag is a type of its own, shown as an octet string.
+constexpr ValueType kValueTypes[] = {
+    {.tag = 0x02, .label = L"INTEGER"sv, .render = RenderInteger},
+    {.tag = 0x04, .label = L"OCTET STRING"sv, .render = RenderOctetString},
+    {.tag = 0x05, .label = L"NULL"sv, .render = RenderNull},
+    {.tag = kOidTag, .label = L"OID"sv, .render = DecodeOidText},
+    {.tag = 0x40, .label = L"IpAddress"sv, .render = RenderIpAddress},
+    {.tag = 0x41, .label = L"Counter32"sv, .render = RenderUnsigned},
+    {.tag = 0x42, .label = L"Gauge32"sv, .render = RenderUnsigned},
+    {.tag = 0x43, .label = L"TimeTicks"sv, .render = RenderUnsigned},
+    {.tag = 0x46, .label = L"Counter64"sv, .render = RenderUnsigned},
+};
+
+constexpr size_t kNoRow = std::size(kValueTypes);
+
+// The row of each tag. Searching the table instead adds a twentieth to the decoding of a trap.
+constexpr auto kRowOfTag = [] {
+    std::array<uint8_t, 256> rows{};
+    rows.fill(kNoRow);
+    for (size_t row = 0; row < kNoRow; ++row) {
+        rows[kValueTypes[row].tag] = static_cast<uint8_t>(row);
+    }
+    return rows;
+}();
 
 void RenderValue(const TlvHeader& value, VarbindRecord& record) {
     record.value.clear();
-    switch (value.tag) {
-        case kIntegerTag:
-            record.type = L"INTEGER"sv;
-            AppendSignedDecimal(record.value,
-                                static_cast<int64_t>(DecodeBerInteger(value.content, value.size())));
-            break;
-        case kOctetStringTag:
-            record.type = L"OCTET STRING"sv;
-            RenderOctetString(value.content, value.size(), record.value);
-            break;
-        case kNullTag:
-            record.type = L"NULL"sv;
-            record.value = L"NULL"sv;
-            break;
-        case kOidTag:
-            record.type = L"OID"sv;
-            DecodeOidText(value.content, value.size(), record.value);
-            break;
-        case kIpAddressTag:
-            record.type = L"IpAddress"sv;
-            RenderIpAddress(value.content, value.size(), record.value);
-            break;
-        case kCounter32Tag:
-            RenderUnsigned(value, L"Counter32"sv, record);
-            break;
-        case kGauge32Tag:
-            RenderUnsigned(value, L"Gauge32"sv, record);
-            break;
-        case kTimeTicksTag:
-            RenderUnsigned(value, L"TimeTicks"sv, record);
-            break;
-        case kCounter64Tag:
-            RenderUnsigned(value, L"Counter64"sv, record);
-            break;
-        default:
-            record.type = L"TAG 0x"sv;
-            AppendHexOctet(record.type, value.tag);
-            RenderOctetString(value.content, value.size(), record.value);
-            break;
+    if (const size_t row = kRowOfTag[value.tag]; row != kNoRow) {
+        record.type = kValueTypes[row].label;
+        kValueTypes[row].render(value.content, value.size(), record.value);
+    } else {
+        record.type = L"TAG 0x"sv;
+        AppendHexOctet(record.type, value.tag);
+        RenderOctetString(value.content, value.size(), record.value);
     }
 }
 
 // A binding without a readable identifier is passed over.
-void DecodeBinding(const TlvHeader& binding, VarbindList& records) {
+void DecodeBinding(OctetRange binding, VarbindList& records) {
     TlvHeader identifier;
-    if (!ReadTlvHeader(binding.content, binding.contentEnd, &identifier) || identifier.tag != kOidTag) {
+    if (!TakeElement(binding, &identifier) || identifier.tag != kOidTag) {
         return;
     }
     VarbindRecord& record = records.Append();
     DecodeOidText(identifier.content, identifier.size(), record.oid);
     LookupOidName(record.oid, record.name);
     TlvHeader value;
-    if (ReadTlvHeader(identifier.contentEnd, binding.contentEnd, &value)) {
+    if (TakeElement(binding, &value)) {
         RenderValue(value, record);
     } else {
         record.type = L"(no value)"sv;
@@ -170,11 +152,11 @@ bool DecodeSnmpMessage(const uint8_t* octets, size_t count, VarbindList& records
     if (!FindVarbindList(octets, count, &list)) {
         return false;
     }
+    OctetRange left = list.elements();
     TlvHeader binding;
-    for (const uint8_t* position = list.content; ReadTlvHeader(position, list.contentEnd, &binding);
-         position = binding.contentEnd) {
+    while (TakeElement(left, &binding)) {
         if (binding.tag == kSequenceTag) {
-            DecodeBinding(binding, records);
+            DecodeBinding(binding.elements(), records);
         }
     }
     return !records.empty();
