@@ -46,7 +46,7 @@ Octets FillTrap(const Octets& unit, size_t octets) {
 
 Octets MakeTrap(size_t bindings) {
     std::vector<Binding> list{
-        {"1.3.6.1.2.1.1.3.0", EncodeTimeTicks(123456789)},
+        {"1.3.6.1.2.1.1.3.0", EncodeTimeTicks(kSampleTicks)},
         {"1.3.6.1.6.3.1.1.4.1.0", EncodeElement(ber::kOid, {0x2B, 6, 1, 6, 3, 1, 1, 5, 3})},
     };
     for (size_t place = 0; list.size() < bindings; ++place) {

@@ -2,8 +2,12 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "tests/support/ber_encoder.h"
+
+// sysUpTime in these messages; four octets long.
+constexpr uint32_t kSampleTicks = 123456789;
 
 // A v2c trap as equipment sends it: sysUpTime, snmpTrapOID (linkDown), then ifIndex, ifAdminStatus,
 // ifOperStatus, ifDescr, ifInOctets, ifHCInOctets and an address, over and over, until there are `bindings`

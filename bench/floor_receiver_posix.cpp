@@ -1,7 +1,9 @@
-// The least that any receiver of this kind can do, natively: take a datagram from UDP 162, append a block of
-// octets to each of two files, opening and closing each. Nothing is decoded; what Quillmont needs beyond
-// this program's time is Quillmont's own. Usage: floor_receiver FOLDER RECORD_OCTETS LINE_OCTETS. Ends when
-// it is killed.
+// Floors for a receiver, natively; they end when they are killed.
+// Usage: floor_receiver [FOLDER RECORD_OCTETS LINE_OCTETS].
+//
+// With its arguments the least that one can do that writes each trap by itself: take a datagram from UDP 162,
+// append a block of octets to each of two files, opening and closing each. Without them the least that any
+// can do: take it. Nothing is decoded; what Quillmont needs beyond these programs' time is Quillmont's own.
 #include <arpa/inet.h>
 #include <fcntl.h>
 #include <sys/socket.h>
@@ -42,18 +44,8 @@ std::string MakeBlock(const char* size) {
     return std::string(std::strtoul(size, nullptr, 10) - 1, '.') + '\n';
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-    if (argc != 4) {
-        std::fputs("usage: floor_receiver FOLDER RECORD_OCTETS LINE_OCTETS\n", stderr);
-        return 2;
-    }
-    const std::string folder = argv[1];
-    const std::string trapFile = folder + "/SNMP.txt";
-    const std::string logFile = folder + "/log.txt";
-    const std::string record = MakeBlock(argv[2]);
-    const std::string line = MakeBlock(argv[3]);
+template <typename Handler>
+[[noreturn]] void ReceiveForever(Handler handle) {
     const int descriptor = BindTrapSocket();
     std::vector<char> buffer(65535);
     for (;;) {
@@ -61,8 +53,28 @@ int main(int argc, char** argv) {
         socklen_t senderSize = sizeof sender;
         if (recvfrom(descriptor, buffer.data(), buffer.size(), 0, reinterpret_cast<sockaddr*>(&sender),
                      &senderSize) >= 0) {
-            Append(trapFile, record);
-            Append(logFile, line);
+            handle();
         }
     }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc == 1) {
+        ReceiveForever([] {});
+    }
+    if (argc != 4) {
+        std::fputs("usage: floor_receiver [FOLDER RECORD_OCTETS LINE_OCTETS]\n", stderr);
+        return 2;
+    }
+    const std::string folder = argv[1];
+    const std::string trapFile = folder + "/SNMP.txt";
+    const std::string logFile = folder + "/log.txt";
+    const std::string record = MakeBlock(argv[2]);
+    const std::string line = MakeBlock(argv[3]);
+    ReceiveForever([&] {
+        Append(trapFile, record);
+        Append(logFile, line);
+    });
 }

@@ -1,7 +1,10 @@
-// The least that any receiver of this kind can do on Windows: take a datagram from UDP 162 with a receive
-// call that blocks, append a block of octets to each of two files, opening and closing each. Nothing is
-// decoded; what Quillmont needs beyond this program's time is Quillmont's own. Usage: floor_receiver.exe
-// FOLDER RECORD_OCTETS LINE_OCTETS. Ends when it is killed.
+// Floors for a receiver on Windows; they end when they are killed.
+// Usage: floor_receiver.exe [FOLDER RECORD_OCTETS LINE_OCTETS].
+//
+// With its arguments the least that one can do that writes each trap by itself: take a datagram from UDP 162
+// with a receive call that blocks, append a block of octets to each of two files, opening and closing each.
+// Without them the least that any can do: take it. Nothing is decoded; what Quillmont needs beyond these
+// programs' time is Quillmont's own.
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -44,29 +47,39 @@ std::string MakeBlock(const char* size) {
     return std::string(std::strtoul(size, nullptr, 10) - 1, '.') + '\n';
 }
 
+template <typename Handler>
+[[noreturn]] void ReceiveForever(Handler handle) {
+    const SOCKET socket = BindTrapSocket();
+    std::vector<char> buffer(65535);
+    for (;;) {
+        sockaddr_in sender{};
+        int senderSize = sizeof sender;
+        if (recvfrom(socket, buffer.data(), static_cast<int>(buffer.size()), 0,
+                     reinterpret_cast<sockaddr*>(&sender), &senderSize) >= 0) {
+            handle();
+        }
+    }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+    ShowEmptyWindow();
+    if (argc == 1) {
+        ReceiveForever([] {});
+    }
     if (argc != 4) {
-        std::fputs("usage: floor_receiver FOLDER RECORD_OCTETS LINE_OCTETS\n", stderr);
+        std::fputs("usage: floor_receiver [FOLDER RECORD_OCTETS LINE_OCTETS]\n", stderr);
         return 2;
     }
-    ShowEmptyWindow();
     const std::string narrowFolder = argv[1];
     const std::wstring folder(narrowFolder.begin(), narrowFolder.end());
     const std::wstring trapFile = folder + L"\\SNMP.txt";
     const std::wstring logFile = folder + L"\\log.txt";
     const std::string record = MakeBlock(argv[2]);
     const std::string line = MakeBlock(argv[3]);
-    const SOCKET handle = BindTrapSocket();
-    std::vector<char> buffer(65535);
-    for (;;) {
-        sockaddr_in sender{};
-        int senderSize = sizeof sender;
-        if (recvfrom(handle, buffer.data(), static_cast<int>(buffer.size()), 0,
-                     reinterpret_cast<sockaddr*>(&sender), &senderSize) >= 0) {
-            Append(trapFile, record);
-            Append(logFile, line);
-        }
-    }
+    ReceiveForever([&] {
+        Append(trapFile, record);
+        Append(logFile, line);
+    });
 }

@@ -1,0 +1,1 @@
+"""What compare.sh holds side by side."""

@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# Installs and builds what is measured and runs a script of this folder on a desktop of its own. compare.sh and storm.sh
+# call it. Usage: measure.sh SCRIPT.py [ARGUMENT...]
+# QUILLMONT_BENCH_BUILT in the environment: nothing is built, what stands in build/ is measured.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+scripts/packages.sh build run bench
+if [[ -z ${QUILLMONT_BENCH_BUILT:-} ]]; then
+    scripts/build.sh bench bench/all
+    scripts/build.sh windows Quillmont bench/all quillmont_desktop_driver quillmont_desktop_spy
+fi
+script=$1
+shift
+exec scripts/run_on_private_desktop.sh /usr/bin/python3 -B "bench/$script" "$@"

@@ -1,0 +1,1 @@
+"""What both commands of this folder measure with."""

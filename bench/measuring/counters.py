@@ -1,0 +1,74 @@
+"""What the system counts: datagrams at sockets, processor time, and what has come to a growing file."""
+
+import os
+import re
+import subprocess
+from pathlib import Path
+
+TICKS_A_SECOND = os.sysconf("SC_CLK_TCK")
+
+
+def sockets(port):
+    """The lines of the port's sockets in the system's table."""
+    for line in Path("/proc/net/udp").read_text(encoding="ascii").splitlines()[1:]:
+        fields = line.split()
+        if int(fields[1].split(":")[1], 16) == port:
+            yield fields
+
+
+def listens(port):
+    return any(sockets(port))
+
+
+def dropped(port):
+    """Datagrams that the system dropped because the buffer of the port's socket was full."""
+    return sum(int(fields[-1]) for fields in sockets(port))
+
+
+def taken_from_sockets():
+    """Datagrams that were taken from any socket of this network."""
+    names, values = (
+        line.split()[1:]
+        for line in Path("/proc/net/snmp").read_text(encoding="ascii").splitlines()
+        if line.startswith("Udp:")
+    )
+    return int(values[names.index("InDatagrams")])
+
+
+def granted_buffer(port):
+    """The receive buffer of the port's socket in octets, as the system counts it."""
+    command = ["/usr/bin/ss", "-uamnH", f"sport = :{port}"]
+    text = subprocess.run(command, check=True, capture_output=True, text=True).stdout
+    return int(re.search(r"\brb(\d+)", text)[1])
+
+
+def largest_buffer():
+    """The most that the system grants to who asks; it counts twice what was asked for."""
+    return int(Path("/proc/sys/net/core/rmem_max").read_text(encoding="ascii"))
+
+
+def cpu_seconds(pid):
+    """Processor time of the process so far, its system calls included."""
+    fields = Path("/proc", str(pid), "stat").read_text(encoding="ascii", errors="replace").rpartition(")")[2].split()
+    return (int(fields[11]) + int(fields[12])) / TICKS_A_SECOND
+
+
+class TextCounter:
+    """Counts a text in the whole lines of a growing file, reading each octet once."""
+
+    def __init__(self, path, text):
+        self.path, self._text = path, text
+        self._offset = 0
+        self.count = 0
+
+    def look(self):
+        """How often the text stands in the file by now; 0 while there is none."""
+        if not self.path.exists():
+            return self.count
+        with open(self.path, "rb") as file:
+            file.seek(self._offset)
+            octets = file.read()
+        end = octets.rfind(b"\n") + 1
+        self.count += octets.count(self._text, 0, end)
+        self._offset += end
+        return self.count

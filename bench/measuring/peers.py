@@ -1,0 +1,96 @@
+"""What Quillmont is held against on UDP 162: programs that do the least that is possible, and what an operator would
+run instead."""
+
+import os
+import shutil
+import signal
+import subprocess
+import tempfile
+from pathlib import Path
+
+from harness.data_folder import LINE_END, find_data_folder
+from harness.processes import find_wine_process, start_wine
+from harness.traps import TRAP_PORT
+from harness.waiting import wait_until
+
+from measuring.counters import TextCounter, listens
+from measuring.places import native_tool, windows_tool
+from measuring.receivers import Receiver, UnderWine
+
+# What Quillmont asks for.
+BUFFER = 8 * 1024 * 1024
+# What a floor program writes for a trap of two bindings: as many octets as Quillmont.
+RECORD_OCTETS = 159
+LOG_LINE_OCTETS = len("2026-03-07 09:05:02.047  Trap received (127.0.0.1).") + len(LINE_END)
+
+
+class NativeFloor(Receiver):
+    """A program that only receives, or only receives and appends to two files."""
+
+    mark = b"\n"
+
+    def __init__(self, appends):
+        self.name = "floor: two appends" if appends else "floor: receiving alone"
+        self.writes = appends
+
+    def _arguments(self, folder, name):
+        if not self.writes:
+            return []
+        self.recorder = TextCounter(folder / "SNMP.txt", self.mark)
+        return [name, str(RECORD_OCTETS), str(LOG_LINE_OCTETS)]
+
+    def start(self):
+        self._folder = Path(tempfile.mkdtemp(prefix="quillmont-measured-"))
+        words = [native_tool("floor_receiver"), *self._arguments(self._folder, self._folder)]
+        self._process = subprocess.Popen(words, stderr=subprocess.DEVNULL)
+        self.pid = self._process.pid
+
+    def end(self):
+        os.kill(self.pid, signal.SIGKILL)
+        self._process.communicate()
+        shutil.rmtree(self._folder)
+
+
+class WineFloor(UnderWine, NativeFloor):
+    """The same as a Windows program, in the folder that Quillmont would write to; with an empty window if it shall
+    have one."""
+
+    def __init__(self, driver, appends, program="floor_receiver.exe"):
+        super().__init__(appends)
+        self._driver = driver
+        self._program = windows_tool(program)
+
+    def start(self):
+        data = find_data_folder(self._driver)
+        data.remove()
+        data.folder.mkdir(parents=True)
+        self._folder = data.folder
+        self._process = start_wine(self._program, *self._arguments(data.folder, data.windows_path()))
+        wait_until(lambda: listens(TRAP_PORT), f"{self.name} to listen")
+        self.pid = find_wine_process(self._program.name)
+
+
+class Snmptrapd(Receiver):
+    """The peer: it writes to one file that it keeps open."""
+
+    mark = b".1.3.6.1.6.3.1.1.4.1.0 ="
+
+    def __init__(self, buffer=BUFFER):
+        self.name = "snmptrapd, the same buffer" if buffer == BUFFER else "snmptrapd as installed"
+        self._settings = "disableAuthorization yes\n"
+        if buffer:
+            self._settings += f"[snmp] serverRecvBuf {buffer}\n"
+
+    def start(self):
+        self._folder = Path(tempfile.mkdtemp(prefix="quillmont-measured-"))
+        settings, traps = self._folder / "snmptrapd.conf", self._folder / "traps.txt"
+        settings.write_text(self._settings, encoding="ascii")
+        self.recorder = TextCounter(traps, self.mark)
+        command = ["snmptrapd", "-f", "-n", "-On", "-m", "", "-C", "-c", settings, "-Lf", traps, "udp:162"]
+        self._process = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.pid = self._process.pid
+
+    def end(self):
+        self._process.kill()
+        self._process.communicate()
+        shutil.rmtree(self._folder)

@@ -1,0 +1,60 @@
+// How long one trap alone takes from its sending to its record on disk, seen from outside: sends a trap,
+// looks at the file's size until it has grown, and rests until the next, so that each finds a receiver that
+// sleeps. Nothing else may write to the file.
+// Usage: trap_latency FILE COUNT. Prints "median nine-tenths longest" in microseconds. Linux.
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <thread>
+#include <vector>
+
+#include "bench/storm/trap_stream.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr size_t kBindings = 5;
+constexpr auto kRest = std::chrono::milliseconds(5);
+constexpr auto kDeadline = std::chrono::seconds(60);
+
+// 0 for a file that is not there yet.
+off_t FileSize(const char* path) {
+    struct stat status {};
+    return stat(path, &status) == 0 ? status.st_size : 0;
+}
+
+double MeasureTrap(TrapStream& stream, const char* path) {
+    const off_t before = FileSize(path);
+    const Clock::time_point start = Clock::now();
+    stream.Send(1);
+    while (FileSize(path) == before) {
+        if (Clock::now() - start > kDeadline) {
+            std::fputs("A trap was not recorded.\n", stderr);
+            std::exit(1);
+        }
+    }
+    return std::chrono::duration<double, std::micro>(Clock::now() - start).count();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const long count = argc == 3 ? std::strtol(argv[2], nullptr, 10) : 0;
+    if (count < 1) {
+        std::fputs("usage: trap_latency FILE COUNT\n", stderr);
+        return 2;
+    }
+    TrapStream stream(kTrapPort, kBindings, 0);
+    std::vector<double> taken;
+    for (long trap = 0; trap < count; ++trap) {
+        taken.push_back(MeasureTrap(stream, argv[1]));
+        std::this_thread::sleep_for(kRest);
+    }
+    std::sort(taken.begin(), taken.end());
+    std::printf("%.1f %.1f %.1f\n", taken[taken.size() / 2], taken[taken.size() * 9 / 10], taken.back());
+    return 0;
+}

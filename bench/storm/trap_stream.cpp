@@ -1,0 +1,70 @@
+#include "bench/storm/trap_stream.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+
+#include "bench/bench_messages.h"
+
+namespace {
+
+[[noreturn]] void EndWithSystemError(const char* what) {
+    std::perror(what);
+    std::exit(1);
+}
+
+ScopedDescriptor ConnectToLoopback(uint16_t port) {
+    ScopedDescriptor descriptor(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, IPPROTO_UDP));
+    sockaddr_in target{};
+    target.sin_family = AF_INET;
+    target.sin_port = htons(port);
+    target.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    if (connect(descriptor.get(), reinterpret_cast<const sockaddr*>(&target), sizeof target) != 0) {
+        EndWithSystemError("connect");
+    }
+    return descriptor;
+}
+
+size_t FindSampleTicks(const Octets& trap) {
+    const Octets ticks = EncodeUnsigned(ber::kTimeTicks, kSampleTicks);
+    const auto found = std::search(trap.begin(), trap.end(), ticks.begin(), ticks.end());
+    return static_cast<size_t>(found - trap.begin()) + ticks.size() - sizeof kSampleTicks;
+}
+
+}  // namespace
+
+TrapStream::TrapStream(uint16_t port, size_t bindings, uint32_t firstNumber)
+    : nextNumber_(firstNumber), socket_(ConnectToLoopback(port)) {
+    traps_.fill(MakeTrap(bindings));
+    numberPlace_ = FindSampleTicks(traps_[0]);
+    for (size_t place = 0; place < kPortion; ++place) {
+        octets_[place] = {traps_[place].data(), traps_[place].size()};
+        messages_[place].msg_hdr.msg_iov = &octets_[place];
+        messages_[place].msg_hdr.msg_iovlen = 1;
+    }
+}
+
+void TrapStream::NumberPortion(size_t count) {
+    for (size_t place = 0; place < count; ++place) {
+        const uint32_t number = htonl(nextNumber_ + static_cast<uint32_t>(place));
+        std::copy_n(reinterpret_cast<const uint8_t*>(&number), sizeof number,
+                    traps_[place].data() + numberPlace_);
+    }
+}
+
+void TrapStream::Send(size_t count) {
+    while (count > 0) {
+        const size_t portion = std::min(count, kPortion);
+        NumberPortion(portion);
+        const int taken = sendmmsg(socket_.get(), messages_.data(), static_cast<unsigned>(portion), 0);
+        // What the system says here is that nobody listened to an earlier one; this portion is still to go.
+        if (taken < 0 && errno != ECONNREFUSED) {
+            EndWithSystemError("sendmmsg");
+        }
+        const size_t sent = static_cast<size_t>(std::max(taken, 0));
+        count -= sent;
+        sent_ += sent;
+        nextNumber_ += static_cast<uint32_t>(sent);
+    }
+}

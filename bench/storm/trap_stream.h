@@ -1,0 +1,43 @@
+// What the storms send: traps of this machine to itself, each with a number of its own, so that what a
+// receiver writes can be held against what was sent. Linux.
+#pragma once
+
+#include <netinet/in.h>
+#include <sys/socket.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "platform/posix/scoped_descriptor.h"
+#include "tests/support/ber_encoder.h"
+
+constexpr uint16_t kTrapPort = 162;
+
+// Ends the program when the system refuses a socket: there is nothing to measure then.
+class TrapStream {
+  public:
+    // Traps of `bindings` bindings (two or more) to `port` of 127.0.0.1. The number stands in sysUpTime.0,
+    // the first of the bindings, and grows by one a trap.
+    TrapStream(uint16_t port, size_t bindings, uint32_t firstNumber);
+    TrapStream(const TrapStream&) = delete;  // the messages point into the object
+    TrapStream& operator=(const TrapStream&) = delete;
+
+    // Sends the next `count` back to back. One that nobody listens for counts as sent.
+    void Send(size_t count);
+
+    size_t sent() const { return sent_; }
+
+  private:
+    static constexpr size_t kPortion = 32;  // datagrams a system call
+
+    void NumberPortion(size_t count);
+
+    std::array<Octets, kPortion> traps_;
+    std::array<iovec, kPortion> octets_{};
+    std::array<mmsghdr, kPortion> messages_{};
+    size_t numberPlace_ = 0;
+    uint32_t nextNumber_;
+    ScopedDescriptor socket_;
+    size_t sent_ = 0;
+};
