@@ -30,8 +30,8 @@ export TMPDIR="$scratch"
 # Little memory kept back to catch late uses: clearing it would take most of the time.
 export ASAN_OPTIONS="quarantine_size_mb=8:${ASAN_OPTIONS:-}"
 
-cmake --preset fuzz >/dev/null
-cmake --build --preset fuzz
+scripts/packages.sh build test
+scripts/build.sh fuzz
 
 CountFindings() {
     find "$run/findings/$1" -type f | wc -l

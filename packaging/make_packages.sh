@@ -22,7 +22,7 @@ trap 'rm -rf "$content"' EXIT
 
 # One file, pictures and style inside.
 MakeGuide() {
-    pandoc docs/user-guide.md --from gfm --to html5 --standalone --self-contained --toc --toc-depth 2 \
+    pandoc docs/user-guide.md --from gfm --to html5 --no-highlight --standalone --self-contained --toc --toc-depth 2 \
         --resource-path docs --css packaging/user-guide.css \
         --metadata title="Quillmont PRO" --metadata subtitle="User guide, version $version" --metadata lang=en \
         --output "$content/user-guide.html"

@@ -10,7 +10,7 @@ build_packages=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix libgtest-dev)
 # Open Sans stands in for Segoe UI, and fonts-wine has the signs of the caption buttons.
 run_packages=(wine wine64 xvfb x11-apps imagemagick snmp libsnmp-base iproute2 util-linux python3
     fonts-open-sans fonts-wine)
-test_packages=(libclang-rt-14-dev clang-14 clang-format clang-tidy git python3-pytest)
+test_packages=(clang libclang-rt-dev clang-format clang-tidy git python3-pytest)
 
 # makensis (nsis) makes the installer, pandoc the guide's HTML.
 package_packages=(nsis pandoc zip unzip)

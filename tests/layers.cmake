@@ -31,7 +31,10 @@ else()
   gtest_discover_tests(quillmont_unit_tests TEST_PREFIX unit. PROPERTIES TIMEOUT 60)
   gtest_discover_tests(quillmont_memory_tests TEST_PREFIX memory. PROPERTIES TIMEOUT 60)
   gtest_discover_tests(quillmont_broken_walk_tests TEST_PREFIX broken_walk. PROPERTIES TIMEOUT 60)
-  add_test(NAME docs.user_guide COMMAND /usr/bin/python3 -B ${CMAKE_SOURCE_DIR}/tests/docs/check_user_guide.py)
+  foreach(check commands user_guide)
+    add_test(NAME docs.${check}
+        COMMAND /usr/bin/python3 -B ${CMAKE_SOURCE_DIR}/tests/docs/check_${check}.py ${CMAKE_BINARY_DIR})
+  endforeach()
   add_test(NAME planted_faults
       COMMAND /usr/bin/python3 -B -m pytest -q -p no:cacheprovider ${CMAKE_SOURCE_DIR}/tests/faults/planting_test.py)
   set_tests_properties(planted_faults PROPERTIES TIMEOUT 120)
