@@ -50,7 +50,7 @@ def is_command(text):
         return True
     if len(words) > 1:
         return "/" in first and first.split("/")[0] in top_folders()
-    return first.startswith("build/") and not first.endswith("/")
+    return first.startswith("build/") and first.count("/") > 1 and not first.endswith("/")
 
 
 def is_path(text):
