@@ -6,6 +6,7 @@
 // clang-format on
 
 #include <algorithm>
+#include <bit>
 #include <string>
 #include <vector>
 
@@ -33,19 +34,34 @@ constexpr wchar_t DialogFilter[] = L"MIB files (*.mib;*.txt)\0*.mib;*.txt;*.my\0
 // Kept: the umlaut stands as the two characters that its UTF-8 octets make; operators know the question so.
 constexpr wchar_t DeleteQuestion[] = L"Alle MIB Dateien im MIB-Ordner l\u00C3\u00B6schen?";
 
+// The dialog leaves the process in the folder of what was chosen, and a disk with a process in it is not
+// ejected. (The flag that should keep it from there means nothing to this dialog.)
+class ScopedCurrentFolder {
+  public:
+    ScopedCurrentFolder() : folder_(GetCurrentDirectoryW(0, nullptr), L'\0') {
+        GetCurrentDirectoryW(static_cast<DWORD>(folder_.size()), folder_.data());
+    }
+    ~ScopedCurrentFolder() { SetCurrentDirectoryW(folder_.c_str()); }
+    ScopedCurrentFolder(const ScopedCurrentFolder&) = delete;
+    ScopedCurrentFolder& operator=(const ScopedCurrentFolder&) = delete;
+
+  private:
+    std::wstring folder_;
+};
+
+using OpenFileDialog = decltype(&GetOpenFileNameW);
+
 // The dialog comes from a library that brings the printing system with it, megabytes that nothing else here
 // needs. So it is loaded for the first import, and then stays, since what the shell hangs into the dialog can
 // outlive it. Null: it cannot be loaded now.
-decltype(&GetOpenFileNameW) LoadOpenFileDialog() {
+OpenFileDialog LoadOpenFileDialog() {
     const HMODULE library = LoadLibraryExW(L"comdlg32.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
-    return library ? reinterpret_cast<decltype(&GetOpenFileNameW)>(
-                         reinterpret_cast<void*>(GetProcAddress(library, "GetOpenFileNameW")))
-                   : nullptr;
+    return library ? std::bit_cast<OpenFileDialog>(GetProcAddress(library, "GetOpenFileNameW")) : nullptr;
 }
 
-// False: cancelled, the selection did not fit, or there is no dialog.
-bool AskForFiles(std::wstring& buffer) {
-    const auto openFileDialog = LoadOpenFileDialog();
+// False: cancelled, or the selection did not fit.
+bool AskForFiles(OpenFileDialog openFileDialog, std::wstring& buffer) {
+    const ScopedCurrentFolder former;
     buffer.assign(DialogRoom, L'\0');
     OPENFILENAMEW dialog{};
     dialog.lStructSize = sizeof(dialog);
@@ -56,7 +72,7 @@ bool AskForFiles(std::wstring& buffer) {
     dialog.lpstrFile = buffer.data();
     dialog.nMaxFile = DialogCapacity;
     dialog.Flags = OFN_EXPLORER | OFN_ALLOWMULTISELECT | OFN_FILEMUSTEXIST;
-    return openFileDialog && openFileDialog(&dialog) != FALSE;
+    return openFileDialog(&dialog) != FALSE;
 }
 
 bool ImportFile(const ChosenFile& file) {
@@ -102,8 +118,14 @@ bool RemoveMibFiles() {
 }  // namespace
 
 void ImportMibFiles() {
+    const OpenFileDialog openFileDialog = LoadOpenFileDialog();
+    if (!openFileDialog) {
+        // A button that does nothing would be taken for broken.
+        LogMessage(L"MIB import failed.");
+        return;
+    }
     std::wstring buffer;
-    if (!AskForFiles(buffer)) {
+    if (!AskForFiles(openFileDialog, buffer)) {
         return;
     }
     ImportFiles(ParseOpenFileNames(buffer));

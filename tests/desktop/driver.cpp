@@ -190,6 +190,19 @@ std::string ReleaseFiles(const Request&) {
     return "null";
 }
 
+std::string ReadAttributes(const Request& request) {
+    const DWORD attributes = GetFileAttributesW(request.Text(0).c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES) {
+        throw RequestError("GetFileAttributesW failed: " + std::to_string(GetLastError()));
+    }
+    return JsonNumber(attributes);
+}
+
+std::string SetAttributes(const Request& request) {
+    return JsonBool(SetFileAttributesW(request.Text(0).c_str(), static_cast<DWORD>(request.Number(1))) !=
+                    FALSE);
+}
+
 // Asked anew each time, as a program asks that starts now.
 std::string LocalApplicationData(const Request&) {
     wchar_t folder[MAX_PATH] = {};
@@ -238,6 +251,8 @@ const std::map<std::string, Handler> handlers = {
     {"longest_answer", MeasureLongestAnswer},
     {"hold_file", HoldFile},
     {"release_files", ReleaseFiles},
+    {"attributes", ReadAttributes},
+    {"set_attributes", SetAttributes},
     {"local_application_data", LocalApplicationData},
     {"foreground", ForegroundWindow},
     {"ansi_code_page", [](const Request&) { return JsonNumber(GetACP()); }},
@@ -248,6 +263,7 @@ const std::map<std::string, Handler> handlers = {
          return AskSpy(r.Window(0), SpyQuestion::colouring, static_cast<UINT>(r.Number(1)));
      }},
     {"spy_timers", [](const Request&) { return ReadSpyTimers(); }},
+    {"spy_folder", [](const Request& r) { return AskSpy(r.Window(0), SpyQuestion::folder, 0); }},
     {"spy_resources", [](const Request& r) { return AskSpy(r.Window(0), SpyQuestion::resources, 0); }},
 };
 

@@ -15,8 +15,9 @@ from harness.mib_dialogs import (
     import_files,
     mib,
 )
+from harness.processes import run_wine
 from harness.program import DIALOG_CLASS, STATUS_BUTTON
-from harness.tool_windows import STATUS
+from harness.tool_windows import IMPORT_BUTTON, STATUS
 from harness.traps import V2C_HEAD, integer_binding, message, send_raw, send_v2c
 from harness.waiting import wait_until
 from harness.window import Window
@@ -110,6 +111,68 @@ def test_the_dialog_has_its_title_its_filters_and_the_status_window_as_owner(pro
     dialog.cancel()
 
 
+@pytest.mark.parametrize("leave", ["choose", "cancel"])
+def test_the_dialog_leaves_the_program_in_the_folder_where_it_was(program, status, samples, leave):
+    program.attach_spy()
+    before = program.main.current_folder()
+    dialog = FileDialog(program, status)
+    if leave == "choose":
+        dialog.choose(samples.add("one.mib", mib("one", 9991)))
+    else:
+        dialog.go_to(samples.windows_folder)
+        dialog.cancel()
+    program.settle()
+    assert program.main.current_folder() == before
+    assert before != samples.windows_folder
+
+
+PROTECTING = 0x1 | 0x2 | 0x4  # read-only, hidden, system
+
+
+def test_a_protected_file_is_imported_as_an_ordinary_one_over_a_protected_one(
+    program, data, status, samples, driver
+):
+    path = samples.add("one.mib", mib("one", 9991))
+    data.add_mib("one.mib", mib("old", 9990))
+    copy = data.windows_path(data.mibs / "one.mib")
+    for protected in (path, copy):
+        assert driver("set_attributes", protected, PROTECTING)
+        assert driver("attributes", protected) & PROTECTING == PROTECTING
+    before = len(data.log_messages())
+    import_files(program, status, path)
+    assert new_messages(data, before) == ["MIB imported: one.mib", MAPPINGS + "1"]
+    assert driver("attributes", copy) & PROTECTING == 0
+    assert driver("attributes", path) & PROTECTING == PROTECTING
+
+
+def test_a_protected_mib_file_is_deleted_like_any_other(program, data, status, driver):
+    for name in ("a.mib", "b.mib"):
+        data.add_mib(name, mib(name[0], 9991))
+    assert driver("set_attributes", data.windows_path(data.mibs / "a.mib"), PROTECTING)
+    before = len(data.log_messages())
+    delete_all(program, status)
+    assert new_messages(data, before) == ["All MIB files deleted.", MAPPINGS + "0"]
+    assert list(data.mibs.iterdir()) == []
+
+
+DLL_OVERRIDES = r"HKCU\Software\Wine\AppDefaults\Quillmont.exe\DllOverrides"
+
+
+def test_a_dialog_that_cannot_be_loaded_is_a_failed_import(data, start):
+    assert run_wine("reg", "add", DLL_OVERRIDES, "/v", "comdlg32", "/d", "", "/f") == 0
+    try:
+        program = start().wait_running()
+        data.wait_for_start()
+        before = len(data.log_messages())
+        STATUS.open(program).control(IMPORT_BUTTON).click()
+        data.wait_for_log("MIB import failed.")
+        program.settle()
+        assert new_messages(data, before) == ["MIB import failed."]
+        assert program.find_windows(DIALOG_CLASS) == []
+    finally:
+        assert run_wine("reg", "delete", DLL_OVERRIDES, "/f") == 0
+
+
 def test_cancelling_the_dialog_does_nothing(program, data, status, samples):
     before = data.log_octets()
     dialog = FileDialog(program, status)
@@ -185,6 +248,7 @@ def test_without_the_folder_imports_fail_until_the_next_start(program, data, sta
     assert new_messages(data, before) == ["MIB import failed.", MAPPINGS + "0"]
     program.close()
     program = start().wait_running()
+    data.wait_for_start(2)
     before = len(data.log_messages())
     import_files(program, STATUS.open(program), path)
     assert new_messages(data, before) == ["MIB imported: one.mib", MAPPINGS + "1"]

@@ -122,6 +122,7 @@ std::string AskSpy(HWND window, SpyQuestion question, UINT message) {
         .Add("colouring", ColouringText(answer))
         .Add("gdiObjects", JsonNumber(answer.gdiObjects))
         .Add("kernelHandles", JsonNumber(answer.kernelHandles))
+        .Add("currentFolder", JsonText(answer.currentFolder))
         .Text();
 }
 

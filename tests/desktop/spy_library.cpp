@@ -88,6 +88,9 @@ void AnswerQuestion(const CWPSTRUCT& message) {
             answer.gdiObjects = CountGdiObjects();
             answer.kernelHandles = CountKernelHandles();
             break;
+        case SpyQuestion::folder:
+            GetCurrentDirectoryW(MAX_PATH, answer.currentFolder);
+            break;
     }
     answer.answered = 1;
     memory->answer = answer;

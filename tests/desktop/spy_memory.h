@@ -14,6 +14,7 @@ enum class SpyQuestion : uint32_t {
     window = 1,     // font and class of the window
     colouring = 2,  // what its parent answers to the WM_CTLCOLOR message in lParam
     resources = 3,  // GDI objects and kernel handles of the program
+    folder = 4,     // the program's current folder
 };
 
 struct SpyBrush {
@@ -37,6 +38,7 @@ struct SpyAnswer {
     uint32_t textColour;
     uint32_t gdiObjects;
     uint32_t kernelHandles;
+    wchar_t currentFolder[MAX_PATH];
 };
 
 struct SpyTimerEvent {

@@ -156,6 +156,9 @@ class Window:
         facts["brush"] = SimpleNamespace(**facts["brush"])
         return SimpleNamespace(**facts)
 
+    def current_folder(self):
+        return self.driver("spy_folder", self.handle)["currentFolder"]
+
     def gdi_objects(self):
         return self.driver("spy_resources", self.handle)["gdiObjects"]
 

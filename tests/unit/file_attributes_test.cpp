@@ -1,6 +1,6 @@
-// Files that are hidden, read-only or the system's own. Wine copies over them and removes them without a word;
-// Windows refuses. So the two calls are replaced by linking with ones that refuse as Windows documents it, and
-// this is a program of its own.
+// Files that are hidden, read-only or the system's own. Wine copies over them and removes them without a
+// word, Windows refuses. So the two calls are replaced by linking with ones that refuse as Windows documents
+// it, and this is a program of its own.
 #include <gtest/gtest.h>
 
 #include <bit>
