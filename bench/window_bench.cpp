@@ -91,7 +91,7 @@ int main(int argc, char** argv) {
     CreateBackgroundBrush();
     CreateUiFont();
     InitAppPaths();
-    for (const size_t files : {10, 1000, 5000}) {
+    for (const size_t files : {10U, 1000U, 5000U}) {
         MeasureStatus(files);
     }
     for (size_t megabytes = 1; megabytes <= largest; megabytes *= 10) {
