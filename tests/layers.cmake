@@ -31,7 +31,7 @@ else()
   gtest_discover_tests(quillmont_unit_tests TEST_PREFIX unit. PROPERTIES TIMEOUT 60)
   gtest_discover_tests(quillmont_memory_tests TEST_PREFIX memory. PROPERTIES TIMEOUT 60)
   gtest_discover_tests(quillmont_broken_walk_tests TEST_PREFIX broken_walk. PROPERTIES TIMEOUT 60)
-  foreach(check commands user_guide)
+  foreach(check commands user_guide value_types)
     add_test(NAME docs.${check}
         COMMAND /usr/bin/python3 -B ${CMAKE_SOURCE_DIR}/tests/docs/check_${check}.py ${CMAKE_BINARY_DIR})
   endforeach()

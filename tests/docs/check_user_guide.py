@@ -1,4 +1,5 @@
-"""Checks that what the user guide quotes stands so in the program, and that it explains every line of the log.
+"""Checks that what the user guide quotes stands so in the program, and that it explains every line of the log and names
+all that the windows show.
 
 In the guide bold text is what a window shows, and code is a file, a line of one, or something to type. Each of them
 must be found among the texts of the sources, or in the lists below.
@@ -107,6 +108,15 @@ def segments(texts):
     return parts
 
 
+def window_texts():
+    """The texts of all controls and the titles of the tool windows, and the parts of the status lines that are words."""
+    rows = "".join(path.read_text(encoding="utf-8") for path in sorted((ROOT / "ui").glob("*.cpp")))
+    texts = {unescape(text) for text in re.findall(r'\.(?:text|title) = L"((?:[^"\\]|\\.)*)"', rows)}
+    assert not re.search(r'\.(?:text|title) = (?!L")', rows), "a text of a window that is no literal was not read"
+    status = segments(literals((ROOT / "ui" / "status_text.cpp").read_text(encoding="utf-8")))
+    return texts | {text for text in status if re.match(r"\(?\w{2}", text)}
+
+
 def prose_and_code(guide):
     """The guide without its fenced blocks, and without and with its pieces of code."""
     prose = re.sub(r"^```.*?^```$", "", guide, flags=re.M | re.S)
@@ -126,10 +136,6 @@ def is_known_code(piece, texts, switches):
     return any(piece in (text, text.strip(), text.lstrip("\\"), text.rpartition("\\")[2]) for text in texts)
 
 
-def anchor(heading):
-    return re.sub(r"[^\w\- ]", "", heading.lower()).replace(" ", "-")
-
-
 def main():
     guide = GUIDE.read_text(encoding="utf-8")
     prose, code = prose_and_code(guide)
@@ -147,17 +153,17 @@ def main():
     faults += [f"log line not explained: {text}" for text in sorted(log_texts()) if text.strip() not in explained]
     faults += [f"listed but not in the guide: {text}" for text in [*FOREIGN, *EXAMPLES] if text not in code]
 
-    headings = {anchor(heading) for heading in re.findall(r"^#+ (.+)$", guide, re.M)}
-    faults += [f"no such heading: {link}" for link in re.findall(r"\]\(#([^)]+)\)", guide) if link not in headings]
+    windows = window_texts()
+    faults += [f"shown by a window and not in the guide: {text}" for text in sorted(windows - set(bold))]
+
     pictures = set(re.findall(r"\]\((pictures/[^)]+)\)", guide))
     present = {f"pictures/{path.name}" for path in (GUIDE.parent / "pictures").glob("*")}
-    faults += [f"no such picture: {picture}" for picture in sorted(pictures - present)]
     # The other documents have pictures of their own in the same folder.
     others = "".join(path.read_text(encoding="utf-8") for path in GUIDE.parent.glob("*.md") if path != GUIDE)
     unused = [picture for picture in sorted(present - pictures) if picture not in others]
     faults += [f"picture not used: {picture}" for picture in unused]
 
-    assert len(bold) > 20 and len(code) > 80 and len(log_texts()) > 20, "the guide or the sources were not read"
+    assert len(windows) > 20 and len(code) > 80 and len(log_texts()) > 20, "the guide or the sources were not read"
     for fault in faults:
         print(f"user-guide.md: {fault}")
     print(f"{len(bold)} window texts, {len(code)} other quotations, {len(log_texts())} log texts looked up.")
