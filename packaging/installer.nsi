@@ -185,6 +185,7 @@ Section "!${NAME}" ProgramSection
   File "${CONTENT}\${PROGRAM}"
   File "${CONTENT}\user-guide.html"
   File "${CONTENT}\CHANGELOG.txt"
+  File "${CONTENT}\standard-names.mib"
   Delete "$INSTDIR\${NOTES}"
   WriteUninstaller "$INSTDIR\uninstall.exe"
 
@@ -313,6 +314,7 @@ Section "un.${NAME}" RemoveProgram
   Delete "$INSTDIR\${PROGRAM}"
   Delete "$INSTDIR\user-guide.html"
   Delete "$INSTDIR\CHANGELOG.txt"
+  Delete "$INSTDIR\standard-names.mib"
   Delete "$INSTDIR\${NOTES}"
   Delete "$INSTDIR\uninstall.exe"
   ; Not with its content: what somebody else put there is theirs.

@@ -20,9 +20,9 @@ umask 022
 content="$(mktemp -d)"
 trap 'rm -rf "$content"' EXIT
 
-# One file, pictures and style inside.
+# Both pages in one file, pictures and style inside.
 MakeGuide() {
-    pandoc docs/user-guide.md --from gfm --to html5 --no-highlight --standalone --self-contained --toc --toc-depth 2 \
+    pandoc docs/user-guide.md docs/operating.md --lua-filter packaging/one-page.lua --from gfm --to html5 --no-highlight --standalone --self-contained --toc --toc-depth 2 \
         --resource-path docs --css packaging/user-guide.css \
         --metadata title="Quillmont PRO" --metadata subtitle="User guide, version $version" --metadata lang=en \
         --output "$content/user-guide.html"
@@ -31,6 +31,10 @@ MakeGuide() {
 # With CR LF, since it is read with whatever Windows opens a text file with.
 MakeChangeLog() {
     sed 's/$/\r/' CHANGELOG.md >"$content/CHANGELOG.txt"
+}
+
+MakeNames() {
+    python3 -B packaging/make_names.py packaging/standard_names.txt "$content/standard-names.mib"
 }
 
 MakeZip() {
@@ -50,6 +54,7 @@ rm -f "$output"/Quillmont-*.zip "$output"/Quillmont-*-setup.exe "$output/SHA256S
 install -m 644 "$program" "$content/Quillmont.exe"
 MakeGuide
 MakeChangeLog
+MakeNames
 MakeZip
 MakeInstaller
 (cd "$output" && sha256sum Quillmont-* >SHA256SUMS)

@@ -22,7 +22,7 @@ from harness.window import Window
 pytest_plugins = ["harness.fixtures"]
 
 VERSION = re.search(r"^project\(Quillmont VERSION ([0-9.]+)", (ROOT / "CMakeLists.txt").read_text(), re.M)[1]
-CONTENT = ["CHANGELOG.txt", "Quillmont.exe", "user-guide.html"]
+CONTENT = ["CHANGELOG.txt", "Quillmont.exe", "standard-names.mib", "user-guide.html"]
 
 CURRENT_VERSION = r"HKLM\Software\Microsoft\Windows\CurrentVersion"
 UNINSTALL_KEY = CURRENT_VERSION + r"\Uninstall\Quillmont"
@@ -97,6 +97,8 @@ def test_the_guide_in_the_zip_is_one_file():
         assert sorted(archive.namelist()) == CONTENT
         guide = archive.read("user-guide.html").decode()
     assert f"version {VERSION}" in guide
+    assert not re.search(r'href="[\w-]+\.md', guide)
+    assert 'id="running-it-for-months"' in guide
     pictures = re.findall(r"""<(?:img|link|script)[^>]*?(?:src|href)=["']([^"']{0,30})""", guide)
     assert pictures
     assert all(picture.startswith("data:") for picture in pictures), pictures
@@ -135,13 +137,12 @@ def test_the_zip_runs_from_a_folder_with_a_blank_and_an_umlaut(data, start):
     assert data.config.exists()
 
 
-def test_the_guides_own_names_name_what_it_says(data, start):
-    guide = (ROOT / "docs" / "user-guide.md").read_text()
-    names = re.search(r"^```\n(system .*?)^```$", guide, re.M | re.S)[1]
-    data.add_mib("my-names.mib", names)
+def test_the_names_in_the_zip_are_those_of_the_table(data, start):
+    folder = drive_c() / "names"
     with zipfile.ZipFile(package("windows-x64.zip")) as archive:
-        archive.extract("Quillmont.exe", drive_c() / "names")
-    program = start(drive_c() / "names" / "Quillmont.exe").wait_running()
+        archive.extractall(folder)
+    data.add_mib("standard-names.mib", (folder / "standard-names.mib").read_bytes())
+    program = start(folder / "Quillmont.exe")
     data.wait_for_start()
     traps.send_v2c(MEM_TOTAL_REAL, "i", "8029184")
     data.wait_for_traps(1)

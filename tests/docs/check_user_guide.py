@@ -1,5 +1,5 @@
-"""Checks that what the user guide quotes stands so in the program, and that it explains every line of the log and names
-all that the windows show.
+"""Checks that what the pages of the user guide quote stands so in the program, and that they explain every line of the
+log and name all that the windows show.
 
 In the guide bold text is what a window shows, and code is a file, a line of one, or something to type. Each of them
 must be found among the texts of the sources, or in the lists below.
@@ -10,7 +10,7 @@ import sys
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent.parent
-GUIDE = ROOT / "docs" / "user-guide.md"
+PAGES = [ROOT / "docs" / "user-guide.md", ROOT / "docs" / "operating.md"]
 INSTALLER = ROOT / "packaging" / "installer.nsi"
 PACKAGES = ROOT / "packaging" / "make_packages.sh"
 FOLDERS = ["core", "config", "mib", "trap", "ui"]
@@ -27,12 +27,14 @@ EXAMPLES = {
 # Not texts of the program: what a record shows of others' data, the language of MIB files, and what Windows is told.
 FOREIGN = {
     "2026-03-07 09:05:02.047",
-    "1.3.6.1.4.1.2021.4.5",
+    "1.3.6.1.2.1.2.2.1.1.3",
     "1.3.6.1.2.1.1.3.0",
     "1.3.6.1.6.3.1.1.4.1.0",
     "1.3.6.1.6.3.1.1.5.3",
-    "(memTotalReal)",
-    "8029184",
+    "(ifIndex-3)",
+    "-3",
+    ".3",
+    "3",
     # Made of single characters in the sources.
     "0x",
     "...",
@@ -40,6 +42,8 @@ FOREIGN = {
     "_",
     "sysDescr",
     "IfEntry ::= SEQUENCE {",
+    "SYNTAX",
+    "SYNTAX OBJECT IDENTIFIER",
     "NOTIFICATION-TYPE",
     "OBJECT-GROUP",
     "MODULE-COMPLIANCE",
@@ -48,10 +52,23 @@ FOREIGN = {
     "{ iso org(3) dod(6) internet(1) }",
     "{ mib-2 1 3 }",
     "my-names.mib",
+    "standard-names.mib",
     "%LOCALAPPDATA%\\Quillmont",
     "remoteip=192.0.2.0/24",
     "/S",
     "/D=C:\\Tools\\Quillmont",
+    # The scheduled task, the place for what starts at sign-in, and the scripts.
+    "keep-days.ps1",
+    "Traps",
+    "%USERPROFILE%\\Traps",
+    "/IT",
+    'schtasks /Run /TN "Quillmont days"',
+    'schtasks /Delete /TN "Quillmont days"',
+    "shell:startup",
+    "NAME",
+    "ReadLine",
+    "traps.awk",
+    "awk -f traps.awk SNMP.txt",
 }
 
 CXX_LITERAL = re.compile(r'(?:L|u8)?"((?:[^"\\]|\\.)*)"')
@@ -78,6 +95,12 @@ def installer_texts():
     text = INSTALLER.read_text(encoding="utf-8")
     text = text.replace("${PROGRAM}", "Quillmont.exe")
     return [found.removeprefix("un.").removeprefix("!") for found in re.findall(r'"([^"\n]*)"', text)]
+
+
+def names_of_the_table():
+    """The objects that standard-names.mib names, which the guide tells."""
+    table = (ROOT / "packaging" / "standard_names.txt").read_text(encoding="utf-8")
+    return set(re.findall(r"^(\w+) ", table, re.M))
 
 
 def installer_switches():
@@ -137,12 +160,12 @@ def is_known_code(piece, texts, switches):
 
 
 def main():
-    guide = GUIDE.read_text(encoding="utf-8")
+    guide = "\n".join(page.read_text(encoding="utf-8") for page in PAGES)
     prose, code = prose_and_code(guide)
     bold = [re.sub(r"\s+", " ", found) for found in re.findall(r"\*\*(.+?)\*\*", prose, re.S)]
     program_texts = [text for _, source in sources() for text in literals(source)]
     files = re.findall(r'/([\w.-]+\.\w+)"', PACKAGES.read_text()) + ["SHA256SUMS"]
-    texts = set(program_texts) | set(installer_texts()) | set(files)
+    texts = set(program_texts) | set(installer_texts()) | set(files) | names_of_the_table()
     faults = []
 
     shown = segments(texts)
@@ -157,15 +180,15 @@ def main():
     faults += [f"shown by a window and not in the guide: {text}" for text in sorted(windows - set(bold))]
 
     pictures = set(re.findall(r"\]\((pictures/[^)]+)\)", guide))
-    present = {f"pictures/{path.name}" for path in (GUIDE.parent / "pictures").glob("*")}
+    present = {f"pictures/{path.name}" for path in (ROOT / "docs" / "pictures").glob("*")}
     # The other documents have pictures of their own in the same folder.
-    others = "".join(path.read_text(encoding="utf-8") for path in GUIDE.parent.glob("*.md") if path != GUIDE)
+    others = "".join(path.read_text(encoding="utf-8") for path in (ROOT / "docs").glob("*.md") if path not in PAGES)
     unused = [picture for picture in sorted(present - pictures) if picture not in others]
     faults += [f"picture not used: {picture}" for picture in unused]
 
     assert len(windows) > 20 and len(code) > 80 and len(log_texts()) > 20, "the guide or the sources were not read"
     for fault in faults:
-        print(f"user-guide.md: {fault}")
+        print(f"the user guide: {fault}")
     print(f"{len(bold)} window texts, {len(code)} other quotations, {len(log_texts())} log texts looked up.")
     return 1 if faults else 0
 

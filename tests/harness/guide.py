@@ -1,0 +1,33 @@
+"""The pages of the user guide: what stands in their blocks."""
+
+import re
+
+from harness.places import ROOT
+
+PAGES = [ROOT / "docs" / "user-guide.md", ROOT / "docs" / "operating.md"]
+BLOCK = re.compile(r"^```(\w+)\n(.*?)^```$", re.M | re.S)
+MARKED = re.compile(r"^<!-- check: ([\w-]+) -->\n```powershell\n(.*?)^```$", re.M | re.S)
+
+
+def guide():
+    return "\n".join(page.read_text(encoding="utf-8") for page in PAGES)
+
+
+def prose():
+    """The pages as one line, wherever they break theirs."""
+    return " ".join(guide().split())
+
+
+def blocks(language):
+    """What stands in the blocks of this language, in their order."""
+    return [text for found, text in BLOCK.findall(guide()) if found == language]
+
+
+def block_with(language, mark):
+    """The first block of this language that holds the mark."""
+    return next(text for text in blocks(language) if mark in text)
+
+
+def powershell_checks():
+    """The PowerShell blocks that a Windows machine can try, by the name that the page gives each."""
+    return dict(MARKED.findall(guide()))
