@@ -48,18 +48,16 @@ void LoadConfig() {
         LogMessage(L"No config.xml found (or empty). Using defaults.");
         return;
     }
-    ForwardingSettings.forwardingEnabled = ExtractTagValue(document, L"forwardingEnabled", L"0") == L"1";
-    const std::wstring port = ExtractTagValue(document, L"forwardingPort", L"162");
-    ReplaceForwardingTarget(ExtractTagValue(document, L"forwardingIp", L"127.0.0.1"),
-                            ClampForwardingPort(ParseDecimalInt(port)));
+    ReplaceForwarding(ExtractTagValue(document, L"forwardingEnabled", L"0") == L"1",
+                      ExtractTagValue(document, L"forwardingIp", L"127.0.0.1"),
+                      ParseDecimalInt(ExtractTagValue(document, L"forwardingPort", L"162")));
     LogMessage(L"Config loaded.");
 }
 
 void SaveConfig() {
-    const ForwardingTarget target = CopyForwardingTarget();
-    const std::wstring document =
-        BuildConfigText(ForwardingSettings.forwardingEnabled, target.ip, target.port);
-    if (ReplaceFileText(AppPaths.configPath, document)) {
+    const ForwardingValues forwarding = CopyForwarding();
+    if (ReplaceFileText(AppPaths.configPath,
+                        BuildConfigText(forwarding.enabled, forwarding.ip, forwarding.port))) {
         LogMessage(L"Config saved.");
     }
 }

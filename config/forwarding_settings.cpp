@@ -1,21 +1,21 @@
 #include "config/forwarding_settings.h"
 
 ForwardingSettingFields ForwardingSettings;
-std::mutex ForwardingTargetLock;
+std::mutex ForwardingLock;
 
-ForwardingTarget CopyForwardingTarget() {
-    const std::lock_guard lock(ForwardingTargetLock);
-    return {ForwardingSettings.forwardingIp, ForwardingSettings.forwardingPort};
+// Unsigned, so that one comparison catches 0 and the negative ones too.
+ForwardingPort::ForwardingPort(int32_t port)
+    : port_(static_cast<uint32_t>(port) - 1U > 65534U ? kDefault : port) {}
+
+ForwardingValues CopyForwarding() {
+    const std::lock_guard lock(ForwardingLock);
+    return {ForwardingSettings.forwardingEnabled, ForwardingSettings.forwardingIp,
+            ForwardingSettings.forwardingPort};
 }
 
-void ReplaceForwardingTarget(const std::wstring& ip, int32_t port) {
-    const std::lock_guard lock(ForwardingTargetLock);
-    ForwardingSettings.forwardingIp = ip;
+void ReplaceForwarding(bool enabled, const std::wstring& ip, ForwardingPort port) {
+    const std::lock_guard lock(ForwardingLock);
+    ForwardingSettings.forwardingIp = ip;  // first: when there is no memory for it, nothing has changed
     ForwardingSettings.forwardingPort = port;
-}
-
-int32_t ClampForwardingPort(int32_t port) {
-    constexpr int32_t kDefaultPort = 162;
-    // Unsigned, so that one comparison catches 0 and the negative ones too.
-    return static_cast<uint32_t>(port) - 1U > 65534U ? kDefaultPort : port;
+    ForwardingSettings.forwardingEnabled.exchange(enabled);
 }

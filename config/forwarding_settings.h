@@ -6,24 +6,37 @@
 #include <mutex>
 #include <string>
 
-struct ForwardingTarget {
-    std::wstring ip;
-    int32_t port = 0;
+// A port that datagrams can be sent to, 1 to 65535. Made of any other number it is 162, so that nobody can
+// store one that is out of range.
+class ForwardingPort {
+  public:
+    ForwardingPort(int32_t port = kDefault);
+    operator int32_t() const { return port_; }
+
+  private:
+    static constexpr int32_t kDefault = 162;
+    int32_t port_;
 };
 
+// GUI thread replaces, any thread copies; under ForwardingLock, but that a look at the flag alone needs none.
 struct ForwardingSettingFields {
-    std::atomic<bool> forwardingEnabled{false};  // GUI thread stores; trap thread loads for every datagram.
-    std::wstring forwardingIp = L"127.0.0.1";  // GUI thread replaces; as typed, not checked. Under the lock.
-    int32_t forwardingPort = 162;              // GUI thread stores; always 1 to 65535. Under the lock.
+    std::atomic<bool> forwardingEnabled{false};
+    std::wstring forwardingIp = L"127.0.0.1";  // as typed, not checked
+    ForwardingPort forwardingPort;
 };
 extern ForwardingSettingFields ForwardingSettings;
 
-// Guards forwardingIp and forwardingPort, as one pair. Held for one copy or one assignment; nothing is called
-// under it.
-extern std::mutex ForwardingTargetLock;
+// Guards the three as one. Held for one copy or one assignment; nothing is called under it.
+extern std::mutex ForwardingLock;
 
-ForwardingTarget CopyForwardingTarget();
-void ReplaceForwardingTarget(const std::wstring& ip, int32_t port);
+// The three at one moment.
+struct ForwardingValues {
+    bool enabled = false;
+    std::wstring ip;
+    ForwardingPort port;
+};
+ForwardingValues CopyForwarding();
 
-// The port itself when it lies from 1 to 65535, else 162. Every writer of forwardingPort goes through this.
-int32_t ClampForwardingPort(int32_t port);
+// Holds from the next datagram on, and as a whole: none in between goes to a target for which forwarding was
+// never on (the first of all is this program itself). May throw std::bad_alloc; nothing has changed then.
+void ReplaceForwarding(bool enabled, const std::wstring& ip, ForwardingPort port);

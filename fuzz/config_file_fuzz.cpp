@@ -15,28 +15,22 @@
 
 namespace {
 
-struct Settings {
-    bool enabled = false;
-    ForwardingTarget target;
+bool operator==(const ForwardingValues& one, const ForwardingValues& other) {
+    return one.enabled == other.enabled && one.ip == other.ip && one.port == other.port;
+}
 
-    bool operator==(const Settings& other) const {
-        return enabled == other.enabled && target.ip == other.target.ip && target.port == other.target.port;
-    }
-};
+const ForwardingValues kDefaults = {false, L"127.0.0.1", 162};
+const ForwardingValues kBefore = {true, L"before", 7};
 
-const Settings kDefaults = {false, {L"127.0.0.1", 162}};
-const Settings kBefore = {true, {L"before", 7}};
-
-void Apply(const Settings& settings) {
-    ForwardingSettings.forwardingEnabled = settings.enabled;
-    ReplaceForwardingTarget(settings.target.ip, settings.target.port);
+void Apply(const ForwardingValues& values) {
+    ReplaceForwarding(values.enabled, values.ip, values.port);
 }
 
 // What a load makes of the file that is there, over settings that tell whether it changed any.
-Settings Load() {
+ForwardingValues Load() {
     Apply(kBefore);
     LoadConfig();
-    return {ForwardingSettings.forwardingEnabled, CopyForwardingTarget()};
+    return CopyForwarding();
 }
 
 // The file is on disk for every input; the log is nowhere, since an open that fails costs next to nothing.
@@ -48,23 +42,22 @@ void UseScratchFolder() {
 
 // An address that holds a marker of its own is saved as it is and then found instead of the program's
 // own markers.
-void CheckSavingAndLoading(const Settings& loaded) {
+void CheckSavingAndLoading(const ForwardingValues& loaded) {
     Apply(loaded);
     SaveConfig();
-    if (loaded.target.ip.find(L'<') == std::wstring::npos) {
+    if (loaded.ip.find(L'<') == std::wstring::npos) {
         Promise(Load() == loaded, "what was loaded is saved so that it loads again");
     }
 }
 
-void CheckSettings(const Settings& loaded, const std::wstring& document) {
-    Promise(loaded.target.port >= 1 && loaded.target.port <= 65535, "the port stays in its range");
+void CheckSettings(const ForwardingValues& loaded, const std::wstring& document) {
+    Promise(loaded.port >= 1 && loaded.port <= 65535, "the port stays in its range");
     const bool hasMarkers = document.find(L"</") != std::wstring::npos;
     Promise(hasMarkers || loaded == (document.empty() ? kBefore : kDefaults),
             "an empty file changes nothing, one without markers gives the defaults");
-    Promise(
-        loaded.target.ip == kBefore.target.ip || loaded.target.ip == kDefaults.target.ip ||
-            document.find(L"<forwardingIp>" + loaded.target.ip + L"</forwardingIp>") != std::wstring::npos,
-        "the address is what stands between its markers");
+    Promise(loaded.ip == kBefore.ip || loaded.ip == kDefaults.ip ||
+                document.find(L"<forwardingIp>" + loaded.ip + L"</forwardingIp>") != std::wstring::npos,
+            "the address is what stands between its markers");
 }
 
 }  // namespace
@@ -73,7 +66,7 @@ void CheckConfigFile(const uint8_t* octets, size_t size) {
     UseScratchFolder();
     const std::string_view view(reinterpret_cast<const char*>(octets), size);
     Promise(ReplaceOctets(AppPaths.configPath, view), "the scratch file can be written");
-    const Settings loaded = Load();
+    const ForwardingValues loaded = Load();
     Promise(Load() == loaded, "the same file gives the same settings");
     std::wstring document;
     DecodeFileText(view, document);

@@ -25,8 +25,8 @@ struct TlvHeader {
     OctetRange elements() const { return {content, contentEnd}; }
 };
 
-// Takes `count` octets off the front: true, *octets is the first of them. False, nothing touched: fewer are
-// left.
+// Takes `count` octets off the front. True: *octets is the first of them. False, nothing touched: there are
+// fewer of them left.
 // The one place that compares wanted with remaining, never a sum of a pointer and a length that a stranger
 // chose. Inline like what follows: it takes a tenth to a quarter off the decoding of a trap.
 inline bool TakeOctets(OctetRange& left, uint64_t count, const uint8_t** octets) {

@@ -8,10 +8,12 @@ void ForwardDatagram(const uint8_t* octets, size_t count, UdpSocket* socket) {
     if (!ForwardingSettings.forwardingEnabled || socket == nullptr) {
         return;
     }
-    const ForwardingTarget target = CopyForwardingTarget();
+    const ForwardingValues target = CopyForwarding();
     std::string addressText;
     Ipv4Endpoint endpoint;
-    if (!EncodeAnsi(target.ip, addressText) || !ParseIpv4Address(addressText, &endpoint.address)) {
+    // Asked again: it may have been switched off, and the target replaced, since.
+    if (!target.enabled || !EncodeAnsi(target.ip, addressText) ||
+        !ParseIpv4Address(addressText, &endpoint.address)) {
         return;
     }
     endpoint.port = static_cast<uint16_t>(target.port);

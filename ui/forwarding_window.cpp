@@ -59,12 +59,11 @@ void FillForwardingControls() {
     if (!ForwardingWindowHandle) {
         return;
     }
-    const bool enabled = ForwardingSettings.forwardingEnabled.load();
-    const ForwardingTarget target = CopyForwardingTarget();
+    const ForwardingValues forwarding = CopyForwarding();
     std::wstring port;
-    AppendSignedDecimal(port, target.port);
-    SendMessageW(ForwardEnabledCheck, BM_SETCHECK, enabled ? BST_CHECKED : BST_UNCHECKED, 0);
-    SetWindowTextW(ForwardIpEdit, target.ip.c_str());
+    AppendSignedDecimal(port, forwarding.port);
+    SendMessageW(ForwardEnabledCheck, BM_SETCHECK, forwarding.enabled ? BST_CHECKED : BST_UNCHECKED, 0);
+    SetWindowTextW(ForwardIpEdit, forwarding.ip.c_str());
     SetWindowTextW(ForwardPortEdit, port.c_str());
 }
 
@@ -79,20 +78,7 @@ std::wstring ReadIpField() {
 int32_t ReadPortField() {
     wchar_t text[64] = {};
     GetWindowTextW(ForwardPortEdit, text, 63);
-    return ClampForwardingPort(ParseDecimalInt(text));
-}
-
-// The trap thread asks the settings for every datagram: the next trap already goes to the new target. Off
-// before the target changes and on after it, so that no trap in between goes where nobody sent it; the first
-// target of all is this program itself.
-void ReplaceForwarding(bool enabled, const std::wstring& ip, int32_t port) {
-    if (!enabled) {
-        ForwardingSettings.forwardingEnabled.exchange(false);
-    }
-    ReplaceForwardingTarget(ip, port);
-    if (enabled) {
-        ForwardingSettings.forwardingEnabled.exchange(true);
-    }
+    return ParseDecimalInt(text);
 }
 
 // The fields are not filled again with what was made of them, since the window closes at once.

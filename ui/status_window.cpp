@@ -124,9 +124,9 @@ void ShowServerState() {
 }
 
 void ShowForwarding() {
-    const ForwardingTarget target = CopyForwardingTarget();
-    const bool enabled = ForwardingSettings.forwardingEnabled.load();
-    SetWindowTextW(StatusForwardLabel, BuildForwardText(enabled, target.ip, target.port).c_str());
+    const ForwardingValues forwarding = CopyForwarding();
+    SetWindowTextW(StatusForwardLabel,
+                   BuildForwardText(forwarding.enabled, forwarding.ip, forwarding.port).c_str());
 }
 
 // The folder is listed before the count takes its lock, so that a slow disk never holds up a trap's lookup.

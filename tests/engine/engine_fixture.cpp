@@ -120,8 +120,7 @@ EngineTest::~EngineTest() {
 
 void EngineTest::SetUp() {
     ServerEvents = {};
-    ForwardingSettings.forwardingEnabled = false;
-    ReplaceForwardingTarget(L"127.0.0.1", 162);
+    ReplaceForwarding(false, L"127.0.0.1", 162);
     LoadMibFolder();
     ClearFile(AppPaths.logFilePath);
     ServerState.lastTrapTick = 0;

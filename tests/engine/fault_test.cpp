@@ -33,8 +33,7 @@ class Faults : public EngineTest {
     void SetUp() override {
         EngineTest::SetUp();
         // Forwarding shows that a trap was handled to its end when no file can.
-        ReplaceForwardingTarget(L"127.0.0.1", target_.port());
-        ForwardingSettings.forwardingEnabled = true;
+        ReplaceForwarding(true, L"127.0.0.1", target_.port());
     }
 
     void ExpectTrapsAreStillHandled() {

@@ -61,8 +61,7 @@ class PosixFaults : public EngineTest {
   protected:
     void SetUp() override {
         EngineTest::SetUp();
-        ReplaceForwardingTarget(L"127.0.0.1", target_.port());
-        ForwardingSettings.forwardingEnabled = true;
+        ReplaceForwarding(true, L"127.0.0.1", target_.port());
     }
 
     static void Allow(const std::wstring& path, unsigned mode) {
@@ -124,11 +123,11 @@ TEST_F(PosixFaults, AReadOnlyFileSystemChangesNoFileAndStopsNothing) {
 TEST_F(PosixFaults, SettingsThatMayNotBeReadGiveTheDefaults) {
     WriteOctets(AppPaths.configPath, "<forwardingPort>9</forwardingPort>");
     Allow(AppPaths.configPath, 0);
-    ReplaceForwardingTarget(L"127.0.0.1", 162);
+    ReplaceForwarding(false, L"127.0.0.1", 162);
     const WithoutFilePrivileges asUser;
     LoadConfig();
     EXPECT_EQ(LogLines().back(), "No config.xml found (or empty). Using defaults.");
-    EXPECT_EQ(CopyForwardingTarget().port, 162);
+    EXPECT_EQ(CopyForwarding().port, 162);
     SaveConfig();
     EXPECT_EQ(CountLogLines("Config saved."), 0U);
 }

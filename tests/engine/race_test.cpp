@@ -70,8 +70,7 @@ class Races : public EngineTest {
 
 // One turn of what the operator's clicks and the windows' timers do.
 void ActAsOperator(int turn, uint16_t targetPort) {
-    ForwardingSettings.forwardingEnabled.exchange(turn % 4 != 0);
-    ReplaceForwardingTarget(turn % 2 == 0 ? L"127.0.0.1" : L"no address", targetPort);
+    ReplaceForwarding(turn % 4 != 0, turn % 2 == 0 ? L"127.0.0.1" : L"no address", targetPort);
     SaveConfig();
     LoadMibFolder();
     EXPECT_EQ(CountOidNames(), 2);
@@ -132,8 +131,7 @@ TEST_F(Races, RecordsAndLogLinesAgreeWhateverTheOperatorDoes) {
     {
         Loop requests([client = std::make_shared<LoopbackClient>()] { client->Send({}, kListenerPort); });
         Loop operatorActions([this, turn = 0]() mutable {
-            ReplaceForwardingTarget(L"127.0.0.1", forwardingTarget_.port());
-            ForwardingSettings.forwardingEnabled.exchange(turn++ % 2 == 0);
+            ReplaceForwarding(turn++ % 2 == 0, L"127.0.0.1", forwardingTarget_.port());
             SaveConfig();
             LoadMibFolder();
         });

@@ -73,7 +73,6 @@ TEST_F(Storms, AFloodOn161CostsNoTrapThatTheBufferHolds) {
 
 TEST_F(Storms, WhatIsLostInAStormIsLostWholeAndTheRestIsRecordedLoggedAndForwarded) {
     LoopbackClient target;
-    ReplaceForwardingTarget(L"127.0.0.1", target.port());
     ASSERT_TRUE(StartServer());
     constexpr size_t kSent = 3000;
     RequestReceiveBuffer(*ServerState.trapSocket, 64 * 1024);
@@ -82,7 +81,7 @@ TEST_F(Storms, WhatIsLostInAStormIsLostWholeAndTheRestIsRecordedLoggedAndForward
         SendNumbered(kSent);
     }
     // The marker is sent until it arrives: the buffer may still be full.
-    ForwardingSettings.forwardingEnabled = true;
+    ReplaceForwarding(true, L"127.0.0.1", target.port());
     ASSERT_TRUE(WaitUntil([&] {
         client_.Send(NumberedTrap(kSent));
         return TrapFile().find("INTEGER = 3000\r") != std::string::npos;

@@ -131,8 +131,7 @@ TEST_F(TrapReception, TrafficWhileTheOperatorReloadsSavesAndLooksLosesNothing) {
     AppendToFile(AppPaths.mibsDir + L"\\small.mib", L"x OBJECT IDENTIFIER ::= { mib-2 1 }\n");
     while (CountLogLines("Trap received (127.0.0.1).") < kTraps && !HasFailure()) {
         LoadMibFolder();
-        ReplaceForwardingTarget(L"not an address", 9);
-        ForwardingSettings.forwardingEnabled = !ForwardingSettings.forwardingEnabled;
+        ReplaceForwarding(!ForwardingSettings.forwardingEnabled, L"not an address", 9);
         SaveConfig();
         EXPECT_LE(CopyLastTrapSender().size(), 15U);
         ReadFileFrom(AppPaths.trapFilePath, ServerState.lastTrapTick % 1000);

@@ -65,8 +65,7 @@ class ConfigFileTest : public testing::Test {
     ~ConfigFileTest() override { SetSettings(false, L"127.0.0.1", 162); }
 
     static void SetSettings(bool enabled, const std::wstring& ip, int32_t port) {
-        ForwardingSettings.forwardingEnabled = enabled;
-        ReplaceForwardingTarget(ip, port);
+        ReplaceForwarding(enabled, ip, port);
     }
 
     // Loads a file of these octets over settings that no file of the tests holds.
@@ -78,12 +77,12 @@ class ConfigFileTest : public testing::Test {
 
     static std::wstring LoadIp(const std::string& octets) {
         Load(octets);
-        return CopyForwardingTarget().ip;
+        return CopyForwarding().ip;
     }
 
     static int32_t LoadPort(const std::string& value) {
         Load("<forwardingPort>" + value + "</forwardingPort>");
-        return CopyForwardingTarget().port;
+        return CopyForwarding().port;
     }
 
     static bool LoadEnabled(const std::string& value) {
@@ -104,9 +103,10 @@ class ConfigFileTest : public testing::Test {
     }
 
     static void ExpectSettings(bool enabled, const std::wstring& ip, int32_t port) {
-        EXPECT_EQ(ForwardingSettings.forwardingEnabled, enabled);
-        EXPECT_EQ(CopyForwardingTarget().ip, ip);
-        EXPECT_EQ(CopyForwardingTarget().port, port);
+        const ForwardingValues values = CopyForwarding();
+        EXPECT_EQ(values.enabled, enabled);
+        EXPECT_EQ(values.ip, ip);
+        EXPECT_EQ(values.port, port);
     }
 
     ScratchFolder folder_;

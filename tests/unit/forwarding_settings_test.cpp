@@ -4,15 +4,17 @@
 
 #include <thread>
 
+#include "tests/support/lock_waits.h"
+
 namespace {
 
 // Puts the settings back, whatever a test makes of them.
 class ForwardingSettingsTest : public testing::Test {
   protected:
-    ~ForwardingSettingsTest() override { ReplaceForwardingTarget(before_.ip, before_.port); }
+    ~ForwardingSettingsTest() override { ReplaceForwarding(before_.enabled, before_.ip, before_.port); }
 
   private:
-    ForwardingTarget before_ = CopyForwardingTarget();
+    ForwardingValues before_ = CopyForwarding();
 };
 
 TEST_F(ForwardingSettingsTest, FreshSettingsAreOffLocalHostAnd162) {
@@ -22,39 +24,54 @@ TEST_F(ForwardingSettingsTest, FreshSettingsAreOffLocalHostAnd162) {
     EXPECT_EQ(fresh.forwardingPort, 162);
 }
 
-TEST_F(ForwardingSettingsTest, PortsFrom1To65535StayAndAllOthersBecome162) {
+TEST_F(ForwardingSettingsTest, PortsFrom1To65535StayAndAllOthersAreStoredAs162) {
+    const auto store = [](int32_t port) {
+        ReplaceForwarding(false, L"10.1.2.3", port);
+        return CopyForwarding().port;
+    };
     for (const int32_t port : {1, 2, 161, 162, 1024, 65534, 65535}) {
-        EXPECT_EQ(ClampForwardingPort(port), port);
+        EXPECT_EQ(store(port), port);
     }
     for (const int32_t port : {0, -1, -5, 65536, 70000, INT32_MAX, INT32_MIN}) {
-        EXPECT_EQ(ClampForwardingPort(port), 162) << port;
+        EXPECT_EQ(store(port), 162) << port;
     }
 }
 
 TEST_F(ForwardingSettingsTest, CopyGivesWhatWasReplaced) {
-    ReplaceForwardingTarget(L"10.1.2.3", 9162);
-    const ForwardingTarget target = CopyForwardingTarget();
-    EXPECT_EQ(target.ip, L"10.1.2.3");
-    EXPECT_EQ(target.port, 9162);
+    for (const bool enabled : {true, false}) {
+        ReplaceForwarding(enabled, L"10.1.2.3", 9162);
+        EXPECT_EQ(ForwardingSettings.forwardingEnabled, enabled);
+        const ForwardingValues values = CopyForwarding();
+        EXPECT_EQ(values.enabled, enabled);
+        EXPECT_EQ(values.ip, L"10.1.2.3");
+        EXPECT_EQ(values.port, 9162);
+    }
 }
 
-TEST_F(ForwardingSettingsTest, AddressAndPortAreReplacedAsOnePair) {
-    const ForwardingTarget first = {L"10.0.0.1", 1};
-    const ForwardingTarget second = {L"a much longer address text that needs memory of its own", 2};
-    ReplaceForwardingTarget(first.ip, first.port);
+// Switched off and on with a new target each time, no copy shows a target as on that never was.
+TEST_F(ForwardingSettingsTest, TheThreeAreReplacedAsOne) {
+    constexpr int kRounds = 20000;
+    const std::wstring on = L"10.0.0.1";
+    const std::wstring off = L"a much longer address text that needs memory of its own";
+    ReplaceForwarding(true, on, 1);
     std::thread writer([&] {
-        for (int round = 0; round < 2000; ++round) {
-            const ForwardingTarget& next = round % 2 == 0 ? second : first;
-            ReplaceForwardingTarget(next.ip, next.port);
+        for (int round = 0; round < kRounds; ++round) {
+            ReplaceForwarding(false, off, 2);
+            ReplaceForwarding(true, on, 1);
         }
     });
     int mixed = 0;
-    for (int round = 0; round < 2000; ++round) {
-        const ForwardingTarget seen = CopyForwardingTarget();
-        mixed += seen.ip != (seen.port == 1 ? first.ip : second.ip);
+    for (int round = 0; round < kRounds; ++round) {
+        const ForwardingValues seen = CopyForwarding();
+        mixed += seen.ip != (seen.enabled ? on : off) || seen.port != (seen.enabled ? 1 : 2);
     }
     writer.join();
     EXPECT_EQ(mixed, 0);
+}
+
+TEST_F(ForwardingSettingsTest, CopyingAndReplacingWaitForTheLock) {
+    EXPECT_TRUE(WaitsFor(ForwardingLock, [] { CopyForwarding(); }));
+    EXPECT_TRUE(WaitsFor(ForwardingLock, [] { ReplaceForwarding(false, L"10.1.2.3", 1); }));
 }
 
 }  // namespace
