@@ -1,8 +1,8 @@
 #include "core/data_files.h"
 
 #include "core/file_text.h"
-#include "core/text_decoding.h"
 #include "platform/files.h"
+#include "platform/text_decoding.h"
 
 std::mutex FileLock;
 

@@ -5,10 +5,10 @@
 #include <string>
 
 #include "core/file_text.h"
-#include "core/text_decoding.h"
 #include "fuzz/fuzz_targets.h"
 #include "fuzz/promise.h"
 #include "platform/text.h"
+#include "platform/text_decoding.h"
 #include "platform/utf8.h"
 
 namespace {

@@ -7,9 +7,9 @@
 
 #include "config/config_file.h"
 #include "core/file_text.h"
-#include "core/text_decoding.h"
 #include "platform/files.h"
 #include "platform/folders.h"
+#include "platform/text_decoding.h"
 #include "tests/support/sample_messages.h"
 
 namespace {

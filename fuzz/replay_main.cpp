@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "core/text_decoding.h"
 #include "fuzz/fuzz_targets.h"
 #include "platform/files.h"
 #include "platform/folders.h"
+#include "platform/text_decoding.h"
 #include "tests/support/fenced_octets.h"
 
 namespace {

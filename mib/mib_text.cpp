@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "core/decimal_text.h"
-#include "core/text_decoding.h"
 #include "mib/name_store.h"
 #include "platform/files.h"
+#include "platform/text_decoding.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Text in the system's ANSI code page: the 8-bit encoding of files that are not UTF-8 and of the address
-// text given to the socket library. UTF-8 is decoded by core/text_decoding.h, alike on every system.
+// text given to the socket library. UTF-8 is decoded by platform/utf8.h, alike on every system.
 #pragma once
 
 #include <string>

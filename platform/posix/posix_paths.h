@@ -4,7 +4,5 @@
 #include <string>
 #include <string_view>
 
+// A surrogate or anything above U+10FFFF becomes U+FFFD: wide characters have 32 bits here.
 std::string ToPosixPath(std::wstring_view path);
-
-// UTF-8 of wide text with 32-bit characters, a surrogate or anything above U+10FFFF as U+FFFD.
-std::string EncodeUtf8(std::wstring_view text);

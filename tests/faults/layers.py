@@ -17,6 +17,7 @@ _NO_JUDGES = re.compile(r"style\.|packages|planted_faults|tools?\.")
 _TESTED_BY = {
     "utf8": ["text_decoding"],
     "text": ["text_decoding"],
+    "posix_paths": ["files", "folders"],
     "text_pool": ["name_store"],
     "text_table": ["name_store"],
     "ipv4_text": ["trap_record", "snmp_message"],

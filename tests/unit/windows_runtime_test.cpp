@@ -6,7 +6,7 @@
 #include <random>
 
 #include "core/decimal_text.h"
-#include "core/text_decoding.h"
+#include "platform/text_decoding.h"
 #include "platform/utf8.h"
 #include "platform/windows/windows_headers.h"
 

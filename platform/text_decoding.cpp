@@ -1,4 +1,4 @@
-#include "core/text_decoding.h"
+#include "platform/text_decoding.h"
 
 #include "platform/text.h"
 #include "platform/utf8.h"

@@ -1,5 +1,4 @@
-// From octets of a file to wide text: UTF-8 when the octets are exactly that, else the system's ANSI
-// code page.
+// From octets of unknown origin to wide text; the one place that decides which encoding they are in.
 #pragma once
 
 #include <string>
