@@ -12,7 +12,9 @@ if(WIN32)
   add_test(NAME windows.memory COMMAND ${RUNNER} $<TARGET_FILE:quillmont_memory_tests>)
   add_test(NAME windows.broken_walk COMMAND ${RUNNER} $<TARGET_FILE:quillmont_broken_walk_tests>)
   add_test(NAME windows.attributes COMMAND ${RUNNER} $<TARGET_FILE:quillmont_attribute_tests>)
-  set_tests_properties(windows.unit windows.memory windows.broken_walk windows.attributes PROPERTIES TIMEOUT 300)
+  add_test(NAME windows.start_up COMMAND ${RUNNER} $<TARGET_FILE:quillmont_start_up_tests>)
+  set_tests_properties(
+      windows.unit windows.memory windows.broken_walk windows.attributes windows.start_up PROPERTIES TIMEOUT 300)
   if(NOT CMAKE_HOST_WIN32)
     add_test(NAME packages
         COMMAND ${CMAKE_SOURCE_DIR}/packaging/test_packages.sh
