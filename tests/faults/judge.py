@@ -1,5 +1,6 @@
 """Judging one fault: does it compile, does it change the program, and which layer finds it, the cheapest asked first."""
 
+import json
 import shutil
 import time
 from dataclasses import dataclass
@@ -27,6 +28,7 @@ class Bench:
         self.build = copy.configure(preset)
         self.layers = []
         self._tree = copy.path
+        self._tree_fingerprint = copy.fingerprint
         self._scratch = scratch
         self._bounded_memory = preset == "faults"  # a sanitizer and Wine reserve more than any limit
         self._right = {}
@@ -36,15 +38,21 @@ class Bench:
         self.build.make(["all"])
         self.layers = read_layers(self.build)
         self.right_program = self.build.program_fingerprint()
+        note = self.build.folder / "passed.json"
+        passed = json.loads(note.read_text()) if note.exists() else {}
         for layer in self.layers:
-            layer.seconds = 120.0
-            run = self._run(layer)
-            if not run.passed:
-                raise SystemExit(f"{layer.name} fails without any fault:\n{run.output}")
-            layer.seconds = run.seconds
+            layer.seconds = passed.get(f"{self._tree_fingerprint} {layer.name}") or self._time(layer, say)
             self._right[layer.name] = self._fingerprint(layer)
-            say(f"{self.build.name}: {layer.name} passes in {run.seconds:.1f} s")
+        note.write_text(json.dumps({f"{self._tree_fingerprint} {layer.name}": layer.seconds for layer in self.layers}))
         self.layers.sort(key=lambda layer: layer.seconds)
+
+    def _time(self, layer, say):
+        layer.seconds = 120.0
+        run = self._run(layer)
+        if not run.passed:
+            raise SystemExit(f"{layer.name} fails without any fault:\n{run.output}")
+        say(f"{self.build.name}: {layer.name} passes in {run.seconds:.1f} s")
+        return run.seconds
 
     def find(self, path):
         """Which layer fails with what is planted now, and whether it hung; None: all of them pass."""

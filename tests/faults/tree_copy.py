@@ -18,6 +18,7 @@ class TreeCopy:
     def __init__(self, root, copy):
         self.root = Path(root)
         self.path = Path(copy)
+        self.fingerprint = None  # of all that was copied
         self.environment = dict(os.environ)
         if shutil.which("ccache"):
             for language in ("C", "CXX"):
@@ -40,6 +41,7 @@ class TreeCopy:
                 shutil.copy(source, target)
         note.parent.mkdir(parents=True, exist_ok=True)
         note.write_text(json.dumps(sorted(names)))
+        self.fingerprint = fingerprint([self.path / name for name in sorted(names)])
 
     @contextlib.contextmanager
     def planted(self, fault):
