@@ -40,10 +40,12 @@ class Bench:
         self.right_program = self.build.program_fingerprint()
         note = self.build.folder / "passed.json"
         passed = json.loads(note.read_text()) if note.exists() else {}
+        passed = passed if passed.get("tree") == self._tree_fingerprint else {"tree": self._tree_fingerprint}
         for layer in self.layers:
-            layer.seconds = passed.get(f"{self._tree_fingerprint} {layer.name}") or self._time(layer, say)
+            layer.seconds = passed.setdefault(layer.name, 0) or self._time(layer, say)
+            passed[layer.name] = layer.seconds
+            note.write_text(json.dumps(passed))
             self._right[layer.name] = self._fingerprint(layer)
-        note.write_text(json.dumps({f"{self._tree_fingerprint} {layer.name}": layer.seconds for layer in self.layers}))
         self.layers.sort(key=lambda layer: layer.seconds)
 
     def _time(self, layer, say):

@@ -10,8 +10,10 @@ import time
 from dataclasses import dataclass, field
 from pathlib import Path
 
-# These look at the sources' shape, or make the packages from what the other layers have judged.
-_NO_JUDGES = re.compile(r"style\.|packages|planted_faults|tools?\.")
+# Judges are the layers that run what is built, and those that hold the documents against the sources. The packages are
+# made of what the other layers have judged.
+_JUDGES_UNBUILT = re.compile(r"docs\.")
+_NO_JUDGES = re.compile(r"packages")
 
 # The sources whose tests are not called like them.
 _TESTED_BY = {
@@ -69,15 +71,13 @@ def read_layers(build):
     for test in json.loads(listed.stdout)["tests"]:
         command = [part for part in test["command"] if not part.startswith("--gtest_")]
         name = test["name"] if command == test["command"] else test["name"].split(".")[0]
-        if _NO_JUDGES.match(name) or tuple(command) in layers:
-            continue
         environment = dict(entry.split("=", 1) for entry in _property(test, "ENVIRONMENT", []))
-        folder = _property(test, "WORKING_DIRECTORY", str(build.folder))
-        layer = Layer(name, command, environment, folder)
-        paths = [Path(part) for part in [*command, *environment.values()] if part.startswith(str(build.folder))]
-        layer.targets = [path.relative_to(build.folder) for path in paths]
+        layer = Layer(name, command, environment, _property(test, "WORKING_DIRECTORY", str(build.folder)))
+        paths = [Path(part) for part in [*command, *environment.values()] if Path(part).is_relative_to(build.folder)]
+        layer.targets = [path.relative_to(build.folder) for path in paths if path.is_file()]
         layer.gtest = any(path.stem.startswith("quillmont_") and path.stem.endswith("_tests") for path in paths)
-        layers[tuple(command)] = layer
+        if (layer.targets or _JUDGES_UNBUILT.match(name)) and not _NO_JUDGES.match(name):
+            layers.setdefault(tuple(command), layer)
     return list(layers.values())
 
 

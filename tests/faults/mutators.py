@@ -18,6 +18,7 @@ _EXPRESSION = re.compile(r"(?:\+\+|--|\*+|\(\*?)?[\w:]+(?:<[\w:]+>)?\s*(?:\(|\.|
 _NO_EXPRESSION = re.compile(r"(?:return|throw|break|continue|goto|using|static_assert|delete|else|if|case|do)\b")
 # A lock, or another object that is there for its destructor; where it is used again, leaving it out does not compile.
 _GUARD = re.compile(r"(?:const\s+)?(?!return\b|throw\b)[\w:]+(?:<[\w:]+>)?\s+\w+\(.*\);", re.DOTALL)
+_ROOM = re.compile(r"[\w.>-]+(?:\.|->)reserve\(")  # set aside ahead of time: a matter of time alone
 _FLAG = r"\b[A-Z][A-Z0-9]*_[A-Z0-9_]+\b"
 
 
@@ -108,9 +109,18 @@ def swap_statements(source):
     for first, second in zip(source.statements, source.statements[1:]):
         neighbours = first.block == second.block and not source.code[first.end : second.start].strip()
         if neighbours and _is_expression(source, first) and _is_expression(source, second):
+            one, other = (source.code[each.start : each.end] for each in (first, second))
+            if _are_independent(one, other):
+                continue
             between = source.text[first.end : second.start]
             swapped = source.text[second.start : second.end] + between + source.text[first.start : first.end]
             yield first.start, second.end, swapped
+
+
+def _are_independent(one, other):
+    """Whether both only set a variable, and neither looks at the other's."""
+    sets = [re.match(r"([\w.:>-]+)\s*=\s", statement) for statement in (one, other)]
+    return all(sets) and sets[0][1] not in other and sets[1][1] not in one
 
 
 def change_branch(source):
@@ -181,10 +191,13 @@ MUTATORS = {
 def find_faults(path, text):
     """Every fault that can be planted into the file, in the order of its lines."""
     source = CppSource(text)
+    rooms = [statement for statement in source.statements if _ROOM.match(source.code, statement.start)]
     alike = Counter()
     faults = []
     for kind, mutator in MUTATORS.items():
         for start, end, replacement in mutator(source):
+            if any(room.start <= start < room.end or room.start < end <= room.end for room in rooms):
+                continue
             fault = make_fault(path, kind, text, start, end, replacement)
             faults.append(replace(fault, occurrence=alike[fault.before, fault.after]))
             alike[fault.before, fault.after] += 1

@@ -40,6 +40,7 @@ def planted(text, kind):
         ("statement left out", "const std::lock_guard lock(FileLock);", [""]),
         ("order", "First();\nSecond(2);", ["Second(2); First();"]),
         ("order", "First();\nif (a) {\n}\nSecond(2);", []),
+        ("order", "one = First();\ntwo = Second();\nthree = two;", ["three = two; two = Second();"]),
         ("branch", "if (a == b) {", ["if (!(a == b)) {", "if (true) {", "if (false) {"]),
         ("branch", "while (Next()) {", ["while (!(Next())) {", "while (false) {"]),
         ("choice", "x = on ? L1(1, 2) : std::min(a, b);", ["x = on ? std::min(a, b) : L1(1, 2);"]),
@@ -58,6 +59,11 @@ def test_each_kind_of_fault_is_planted_where_it_can_stand(kind, text, expected):
 )
 def test_nothing_is_planted_into_comments_and_directives(text):
     assert find_faults("a.cpp", f"{text}\n") == []
+
+
+def test_nothing_is_planted_into_room_that_is_set_aside():
+    assert planted("text.reserve(size + 2);\nline->reserve(1);\nAdd();", "order") == []
+    assert planted("text.reserve(size + 2);", "number") == []
 
 
 def test_a_text_keeps_its_escapes_and_its_neighbours():

@@ -26,6 +26,7 @@ TEST(AppendTimestamp, FieldsArePaddedWithZeros) {
 
 TEST(AppendTimestamp, WiderValuesAreNotCut) {
     EXPECT_EQ(Stamp({12345, 100, 7, 9, 5, 2, 1000}), L"12345-100-07 09:05:02.1000");
+    EXPECT_EQ(Stamp({4294967295, 3, 7, 9, 5, 2, 47}), L"4294967295-03-07 09:05:02.047");
 }
 
 TEST(AppendTimestamp, AppendsToWhatIsThere) {
@@ -79,6 +80,11 @@ TEST_F(ActivityLogTest, LinesAreAppended) {
     EXPECT_EQ(log.size(), 3 * (23 + 2 + 3) + std::string("onethree").size());
     EXPECT_EQ(log.substr(23, 8), "  one\r\r\n");
     EXPECT_EQ(log.substr(log.size() - 10), "  three\r\r\n");
+}
+
+TEST_F(ActivityLogTest, MessageThatEndsInALineFeedGetsItsLineEndAllTheSame) {
+    LogMessage(L"one\n");
+    EXPECT_EQ(ReadLog().substr(23), "  one\r\n\r\r\n");
 }
 
 TEST_F(ActivityLogTest, CharacterAbove0xFFCutsTheLineAndTheNextOneFollowsOnIt) {

@@ -27,6 +27,12 @@ TEST(ExtractTagValue, MissingMarkerGivesTheFallback) {
     EXPECT_EQ(ExtractTagValue(L"<IP>10.1.2.3</IP>", L"ip", L"none"), L"none");
 }
 
+TEST(ExtractTagValue, MarkerIsTheTagWithBothItsBrackets) {
+    EXPECT_EQ(ExtractTagValue(L"ip>10.1.2.3</ip>", L"ip", L"none"), L"none");
+    EXPECT_EQ(ExtractTagValue(L"<ip>10.1.2.3</ip6>", L"ip", L"none"), L"none");
+    EXPECT_EQ(ExtractTagValue(L"<zip>1</zip><ip6>2</ip6><ip>3</ip>", L"ip", L"none"), L"3");
+}
+
 TEST(ExtractTagValue, FirstMarkersCount) {
     EXPECT_EQ(ExtractTagValue(L"<ip>1</ip><ip>2</ip>", L"ip", L"none"), L"1");
     EXPECT_EQ(ExtractTagValue(L"<ip><ip>1</ip>", L"ip", L"none"), L"<ip>1");
