@@ -36,25 +36,6 @@ bool IsAscii(std::string_view octets) {
     return bits < 0x80;
 }
 
-template <typename View>
-View CutComment(View line) {
-    constexpr typename View::value_type kDashes[] = {'-', '-'};
-    return line.substr(0, line.find(kDashes, 0, 2));
-}
-
-template <typename View>
-View CutSpace(View text) {
-    const auto start = std::find_if_not(text.begin(), text.end(), IsSpace);
-    const auto end = std::find_if_not(text.rbegin(), std::make_reverse_iterator(start), IsSpace);
-    return {start, end.base()};
-}
-
-template <typename View>
-View TakeIdentifier(View line) {
-    const auto start = std::find_if_not(line.begin(), line.end(), IsSpace);
-    return {start, std::find_if_not(start, line.end(), IsIdentifierCharacter)};
-}
-
 // Cuts the first word off the front of `text`; empty when there is none.
 std::wstring_view TakeFirstWord(std::wstring_view& text) {
     const auto start = std::find_if_not(text.begin(), text.end(), IsSpace);
@@ -89,29 +70,31 @@ MibText DecodeMibText(std::string octets) {
     return text;
 }
 
-std::wstring_view StripComment(std::wstring_view line) {
-    return CutComment(line);
+template <typename Char>
+std::basic_string_view<Char> StripComment(std::basic_string_view<Char> line) {
+    constexpr Char kDashes[] = {'-', '-'};
+    return line.substr(0, line.find(kDashes, 0, 2));
 }
 
-std::string_view StripComment(std::string_view line) {
-    return CutComment(line);
+template <typename Char>
+std::basic_string_view<Char> TrimSpace(std::basic_string_view<Char> text) {
+    const auto start = std::find_if_not(text.begin(), text.end(), IsSpace);
+    const auto end = std::find_if_not(text.rbegin(), std::make_reverse_iterator(start), IsSpace);
+    return {start, end.base()};
 }
 
-std::wstring_view TrimSpace(std::wstring_view text) {
-    return CutSpace(text);
+template <typename Char>
+std::basic_string_view<Char> LeadingIdentifier(std::basic_string_view<Char> line) {
+    const auto start = std::find_if_not(line.begin(), line.end(), IsSpace);
+    return {start, std::find_if_not(start, line.end(), IsIdentifierCharacter)};
 }
 
-std::string_view TrimSpace(std::string_view text) {
-    return CutSpace(text);
-}
-
-std::wstring_view LeadingIdentifier(std::wstring_view line) {
-    return TakeIdentifier(line);
-}
-
-std::string_view LeadingIdentifier(std::string_view line) {
-    return TakeIdentifier(line);
-}
+template std::string_view StripComment(std::string_view);
+template std::wstring_view StripComment(std::wstring_view);
+template std::string_view TrimSpace(std::string_view);
+template std::wstring_view TrimSpace(std::wstring_view);
+template std::string_view LeadingIdentifier(std::string_view);
+template std::wstring_view LeadingIdentifier(std::wstring_view);
 
 bool FindBracedText(std::wstring_view statement, std::wstring_view* inner) {
     const size_t open = statement.find(L'{');

@@ -1,7 +1,7 @@
 // MIB files as text: reading one, cleaning a line, and the two readings of a value in braces. A scanner's
 // tools, not a grammar's: nothing here reports an error, malformed text gives false or empty results.
 // White space is what IsWideSpace says (core/decimal_text.h). Results that are views point into the argument.
-// What takes narrow text takes ASCII.
+// What is a template takes wide text and ASCII.
 #pragma once
 
 #include <cstdint>
@@ -23,15 +23,16 @@ MibText DecodeMibText(std::string octets);
 
 // The line up to its first "--".
 // Kept: also when that stands in a quoted text, and a second "--" does not end the comment.
-std::wstring_view StripComment(std::wstring_view line);
-std::string_view StripComment(std::string_view line);
+template <typename Char>
+std::basic_string_view<Char> StripComment(std::basic_string_view<Char> line);
 
-std::wstring_view TrimSpace(std::wstring_view text);
-std::string_view TrimSpace(std::string_view text);
+// The text without the white space at both its ends.
+template <typename Char>
+std::basic_string_view<Char> TrimSpace(std::basic_string_view<Char> text);
 
 // The letters, digits, "-" and "_" that the line begins with after white space; empty for any other start.
-std::wstring_view LeadingIdentifier(std::wstring_view line);
-std::string_view LeadingIdentifier(std::string_view line);
+template <typename Char>
+std::basic_string_view<Char> LeadingIdentifier(std::basic_string_view<Char> line);
 
 // What stands strictly between the first "{" and the first "}", trimmed: true and *inner. False, *inner
 // untouched: one is missing or the "}" comes first.

@@ -14,6 +14,7 @@
 namespace {
 
 using namespace std::string_literals;
+using namespace std::string_view_literals;
 
 using Arcs = std::vector<int32_t>;
 
@@ -66,7 +67,7 @@ TEST(ReadMibText, LineEndsZerosAndEndOfFileMarksAreOrdinaryCharacters) {
 TEST(ReadMibText, ByteOrderMarkStaysInFront) {
     const std::wstring text = ReadBack("\xEF\xBB\xBFiso OBJECT IDENTIFIER");
     EXPECT_EQ(text, L"\uFEFFiso OBJECT IDENTIFIER");
-    EXPECT_EQ(LeadingIdentifier(text), L"");
+    EXPECT_EQ(LeadingIdentifier<wchar_t>(text), L"");
 }
 
 TEST(ReadMibText, Utf8IsDecoded) {
@@ -89,58 +90,58 @@ TEST(ReadMibText, Utf16FileIsReadOctetByOctet) {
 }
 
 TEST(StripComment, CutsAtTheFirstTwoDashes) {
-    EXPECT_EQ(StripComment(L"a { b 1 } -- comment"), L"a { b 1 } ");
-    EXPECT_EQ(StripComment(L"a -- b -- c"), L"a ");
-    EXPECT_EQ(StripComment(L"a---b"), L"a");
-    EXPECT_EQ(StripComment(L"--"), L"");
+    EXPECT_EQ(StripComment(L"a { b 1 } -- comment"sv), L"a { b 1 } ");
+    EXPECT_EQ(StripComment(L"a -- b -- c"sv), L"a ");
+    EXPECT_EQ(StripComment(L"a---b"sv), L"a");
+    EXPECT_EQ(StripComment(L"--"sv), L"");
 }
 
 TEST(StripComment, LeavesLinesWithoutTwoDashes) {
-    for (const wchar_t* line : {L"", L"-", L"a-b", L"- -", L"{ mib-2 -1 }"}) {
+    for (const std::wstring_view line : {L"", L"-", L"a-b", L"- -", L"{ mib-2 -1 }"}) {
         EXPECT_EQ(StripComment(line), line);
     }
 }
 
 TEST(StripComment, QuotedDashesLoseTheRestOfTheLineWithTheQuotationMark) {
-    EXPECT_EQ(StripComment(L"DESCRIPTION \"on -- off\""), L"DESCRIPTION \"on ");
+    EXPECT_EQ(StripComment(L"DESCRIPTION \"on -- off\""sv), L"DESCRIPTION \"on ");
 }
 
 TEST(TrimSpace, TakesEveryKindOfWhiteSpaceOffBothEnds) {
-    EXPECT_EQ(TrimSpace(L" \t\r\n\v\fa b \t\r\n\v\f"), L"a b");
-    EXPECT_EQ(TrimSpace(L"\u00A0\u2003a\u3000\u0085"), L"a");
-    EXPECT_EQ(TrimSpace(L" \t "), L"");
-    EXPECT_EQ(TrimSpace(L""), L"");
+    EXPECT_EQ(TrimSpace(L" \t\r\n\v\fa b \t\r\n\v\f"sv), L"a b");
+    EXPECT_EQ(TrimSpace(L"\u00A0\u2003a\u3000\u0085"sv), L"a");
+    EXPECT_EQ(TrimSpace(L" \t "sv), L"");
+    EXPECT_EQ(TrimSpace(L""sv), L"");
 }
 
 TEST(TrimSpace, LeavesOtherCharactersThatShowNothing) {
-    EXPECT_EQ(TrimSpace(L"\uFEFFa\u200B"), L"\uFEFFa\u200B");
-    EXPECT_EQ(TrimSpace(L"\0a\x1A"s), L"\0a\x1A"s);
+    EXPECT_EQ(TrimSpace(L"\uFEFFa\u200B"sv), L"\uFEFFa\u200B");
+    EXPECT_EQ(TrimSpace(L"\0a\x1A"sv), L"\0a\x1A"s);
 }
 
 TEST(LeadingIdentifier, IsTheFirstWordOfADefinition) {
-    EXPECT_EQ(LeadingIdentifier(L"ifIndex OBJECT-TYPE"), L"ifIndex");
-    EXPECT_EQ(LeadingIdentifier(L"SYNTAX  OBJECT IDENTIFIER"), L"SYNTAX");
-    EXPECT_EQ(LeadingIdentifier(L"  mib-2_x9{"), L"mib-2_x9");
-    EXPECT_EQ(LeadingIdentifier(L"-9"), L"-9");
+    EXPECT_EQ(LeadingIdentifier(L"ifIndex OBJECT-TYPE"sv), L"ifIndex");
+    EXPECT_EQ(LeadingIdentifier(L"SYNTAX  OBJECT IDENTIFIER"sv), L"SYNTAX");
+    EXPECT_EQ(LeadingIdentifier(L"  mib-2_x9{"sv), L"mib-2_x9");
+    EXPECT_EQ(LeadingIdentifier(L"-9"sv), L"-9");
 }
 
 TEST(LeadingIdentifier, IsEmptyForAnyOtherStart) {
-    for (const wchar_t* line :
+    for (const std::wstring_view line :
          {L"::= { x 1 }", L"", L" ", L"{ a }", L".a", L"/a", L"\"a", L"\u00E4b", L"\uFEFFiso"}) {
-        EXPECT_EQ(LeadingIdentifier(line), L"") << line;
+        EXPECT_EQ(LeadingIdentifier(line), L"") << std::wstring(line);
     }
 }
 
 TEST(LeadingIdentifier, EndsAtEveryCharacterBesideTheSet) {
-    for (const wchar_t* line :
+    for (const std::wstring_view line :
          {L"a.b", L"a/b", L"a:b", L"a@b", L"a[b", L"a^b", L"a`b", L"a{b", L"a,b", L"a\u00E4"}) {
-        EXPECT_EQ(LeadingIdentifier(line), L"a") << line;
+        EXPECT_EQ(LeadingIdentifier(line), L"a") << std::wstring(line);
     }
 }
 
 TEST(LeadingIdentifier, IsTheSameForNarrowText) {
-    EXPECT_EQ(LeadingIdentifier("  mib-2_x9{"), "mib-2_x9");
-    EXPECT_EQ(LeadingIdentifier("::= { x 1 }"), "");
+    EXPECT_EQ(LeadingIdentifier("  mib-2_x9{"sv), "mib-2_x9");
+    EXPECT_EQ(LeadingIdentifier("::= { x 1 }"sv), "");
 }
 
 TEST(FindBracedText, IsStrictlyBetweenTheFirstBraces) {
