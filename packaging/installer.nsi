@@ -15,14 +15,13 @@ SetDateSave off
 !define PROGRAM "Quillmont.exe"
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\Quillmont"
 !define RUN_KEY "Software\Microsoft\Windows\CurrentVersion\Run"
-!define RULE "Quillmont PRO (SNMP traps, UDP 162)"
 !define NOTES "setup-notes.txt"
 
 !include MUI2.nsh
 !include FileFunc.nsh
 !include LogicLib.nsh
 !include Sections.nsh
-!include WinVer.nsh
+!include WordFunc.nsh
 
 Name "${NAME}"
 OutFile "${OUTPUT}"
@@ -63,78 +62,29 @@ VIAddVersionKey "LegalCopyright" "© 2026 Quillmont"
 !insertmacro MUI_UNPAGE_INSTFILES
 !insertmacro MUI_LANGUAGE "English"
 
-; 1 when a running program was closed so that it could be replaced: it is started again.
-Var Closed
-; What the operator should know, collected while installing; empty when all went well.
-Var Notes
+; 1 when an older version may go over a newer one without a question.
+Var Downgrade
 
-; Tells the operator something: in the list of steps, in a file beside the program, and, unless silent, in a box.
-!macro Tell TEXT
-  StrCpy $Notes "$Notes${TEXT}$\r$\n$\r$\n"
+; What the operator should know: for the list of steps and a file beside the program. There is none when all went well.
+!macro Note TEXT
   DetailPrint "${TEXT}"
+  FileOpen $9 "$INSTDIR\${NOTES}" a
+  FileSeek $9 0 END
+  FileWrite $9 "${TEXT}$\r$\n$\r$\n"
+  FileClose $9
+!macroend
+
+; The same, and in a box unless silent.
+!macro Tell TEXT
+  !insertmacro Note "${TEXT}"
   MessageBox MB_OK|MB_ICONEXCLAMATION "${TEXT}" /SD IDOK
 !macroend
 
-; Asks every running Quillmont of this session to close, and waits until each process has ended: the window goes first,
-; and the file can be replaced only after the process. It answers to WM_CLOSE as to its close box: the receiver stops
-; and the settings are saved. Gives up after ten windows or 30 seconds for one, and leaves the rest to the check that
-; the file can be written.
-!macro CloseProgram PREFIX
-Function ${PREFIX}CloseProgram
-  StrCpy $R0 0
-  ${Do}
-    FindWindow $0 "SNMP_MAIN_WND"
-    ${If} $0 == 0
-    ${OrIf} $R0 >= 10
-      Return
-    ${EndIf}
-    IntOp $R0 $R0 + 1
-    System::Call 'user32::GetWindowThreadProcessId(p r0, *i .r1) i .r2'
-    ; SYNCHRONIZE
-    System::Call 'kernel32::OpenProcess(i 0x100000, i 0, i r1) p .r3'
-    DetailPrint "Closing ${NAME}..."
-    ; WM_CLOSE, posted: the program may take three seconds to stop its receiver.
-    System::Call 'user32::PostMessageW(p r0, i 16, p 0, p 0) i .r2'
-    ${If} $3 P<> 0
-      System::Call 'kernel32::WaitForSingleObject(p r3, i 30000) i .r2'
-      System::Call 'kernel32::CloseHandle(p r3)'
-      ${If} $2 == 0
-        StrCpy $Closed 1
-      ${EndIf}
-    ${Else}
-      Sleep 1000
-    ${EndIf}
-  ${Loop}
-FunctionEnd
-!macroend
-!insertmacro CloseProgram ""
-!insertmacro CloseProgram "un."
+!include switches.nsh
+!include closing.nsh
+!include firewall.nsh
 
-; Ends with code 2 when the old program cannot be replaced: somebody else's session may run it.
-!macro EnsureWritable PREFIX
-Function ${PREFIX}EnsureWritable
-  ${IfNot} ${FileExists} "$INSTDIR\${PROGRAM}"
-    Return
-  ${EndIf}
-  ClearErrors
-  FileOpen $0 "$INSTDIR\${PROGRAM}" a
-  ${If} ${Errors}
-    MessageBox MB_OK|MB_ICONSTOP "${PROGRAM} is in use and cannot be replaced or removed. Close ${NAME} in every \
-        session of this computer, then try again." /SD IDOK
-    SetErrorLevel 2
-    Quit
-  ${EndIf}
-  FileClose $0
-FunctionEnd
-!macroend
-!insertmacro EnsureWritable ""
-!insertmacro EnsureWritable "un."
-
-; Through the desktop's own shell: setup runs elevated, perhaps as another user; program and browser shall not.
-Function StartProgram
-  Exec '"$WINDIR\explorer.exe" "$INSTDIR\${PROGRAM}"'
-FunctionEnd
-
+; As StartProgram: the browser shall not run elevated.
 Function OpenGuide
   Exec '"$WINDIR\explorer.exe" "$INSTDIR\user-guide.html"'
 FunctionEnd
@@ -165,17 +115,10 @@ Function WarnOfTrapService
   Call QueryTrapService
   ${If} $0 == 4
     !insertmacro Tell "Windows' own trap service (SNMP Trap, SNMPTRAP) is running and holds UDP port 162. ${NAME} \
-        cannot receive traps until it is stopped. As an administrator, run: sc stop SNMPTRAP $\r$\n\
-        So that it stays stopped after the next restart: sc config SNMPTRAP start= disabled"
+        cannot receive traps until it is stopped. As an administrator, run: sc.exe stop SNMPTRAP $\r$\n\
+        So that it stays stopped after the next restart: sc.exe config SNMPTRAP start= disabled"
   ${EndIf}
 FunctionEnd
-
-; netsh's answer on the stack is its exit code, or the text "error" when it could not be started at all. With its whole
-; path: the folder that setup was downloaded to would be searched first.
-!macro DeleteFirewallRule
-  nsExec::Exec '"$SYSDIR\netsh.exe" advfirewall firewall delete rule name="${RULE}"'
-  Pop $0
-!macroend
 
 Section "!${NAME}" ProgramSection
   SectionIn RO
@@ -211,19 +154,8 @@ Section "Start at sign-in" AutostartSection
   WriteRegStr HKLM "${RUN_KEY}" "Quillmont" '"$INSTDIR\${PROGRAM}"'
 SectionEnd
 
-Section "Firewall rule for UDP 162" FirewallSection
-  DetailPrint "Adding the firewall rule..."
-  !insertmacro DeleteFirewallRule
-  nsExec::ExecToStack '"$SYSDIR\netsh.exe" advfirewall firewall add rule name="${RULE}" dir=in action=allow \
-      protocol=UDP localport=162 program="$INSTDIR\${PROGRAM}"'
-  Pop $0
-  Pop $1
-  ${If} $0 == "0"
-    WriteRegDWORD HKLM "${UNINSTALL_KEY}" "FirewallRule" 1
-  ${Else}
-    !insertmacro Tell "The firewall rule could not be added (netsh: $0). ${NAME} is installed all the same, but \
-        Windows Firewall may keep traps away from it. Allow inbound UDP port 162 for $INSTDIR\${PROGRAM} yourself."
-  ${EndIf}
+Section "Firewall rule for UDP 161 and 162" FirewallSection
+  Call AddFirewallRule
 SectionEnd
 
 ; Always runs, and last: what was unticked goes away when an older version had brought it.
@@ -232,34 +164,14 @@ Section -Finish
     DeleteRegValue HKLM "${RUN_KEY}" "Quillmont"
   ${EndIf}
   ${IfNot} ${SectionIsSelected} ${FirewallSection}
-    ReadRegDWORD $0 HKLM "${UNINSTALL_KEY}" "FirewallRule"
-    ${If} $0 == 1
-      !insertmacro DeleteFirewallRule
-    ${EndIf}
-    WriteRegDWORD HKLM "${UNINSTALL_KEY}" "FirewallRule" 0
+    Call DropFirewallRule
   ${EndIf}
   Call WarnOfTrapService
-  ${If} $Notes != ""
-    FileOpen $0 "$INSTDIR\${NOTES}" w
-    FileWrite $0 "$Notes"
-    FileClose $0
-  ${EndIf}
   ; The finish page offers to start it; in silent mode there is none, and a closed receiver would miss traps.
   ${If} ${Silent}
-  ${AndIf} $Closed == 1
-    Call StartProgram
+    Call RestartProgram
   ${EndIf}
 SectionEnd
-
-; SelectBy SWITCH SECTION: /SWITCH=yes ticks the box, /SWITCH=no unticks it, anything else leaves it as it is.
-!macro SelectBy SWITCH SECTION
-  ${GetOptions} $R0 "/${SWITCH}=" $R1
-  ${If} $R1 == "yes"
-    !insertmacro SelectSection ${SECTION}
-  ${ElseIf} $R1 == "no"
-    !insertmacro UnselectSection ${SECTION}
-  ${EndIf}
-!macroend
 
 ; An upgrade begins with the boxes as they were left; what was ticked without success is offered again.
 !macro KeepChoices
@@ -278,18 +190,45 @@ SectionEnd
   ${EndIf}
 !macroend
 
+!macro InstallSwitches
+  !insertmacro TickingSwitch AUTOSTART ${AutostartSection}
+  !insertmacro TickingSwitch FIREWALL ${FirewallSection}
+  ${ElseIf} $Word == "/DOWNGRADE=yes"
+    StrCpy $Downgrade 1
+  ${ElseIf} $Word == "/DOWNGRADE=no"
+    StrCpy $Downgrade 0
+!macroend
+
+; An older version does not know what a newer one wrote, and a computer that everybody takes for up to date is not.
+Function AskBeforeDowngrade
+  ReadRegStr $R0 HKLM "${UNINSTALL_KEY}" "DisplayVersion"
+  ${VersionCompare} "$R0" "${VERSION}" $R1
+  ${If} $R1 != 1
+  ${OrIf} $Downgrade == 1
+    Return
+  ${EndIf}
+  StrCpy $R2 "${NAME} $R0 is installed, which is newer than ${VERSION}."
+  ${If} ${Silent}
+    !insertmacro Refuse "" ${CODE_DOWNGRADE} "$R2 Nothing was changed. To install ${VERSION} over it all the same: \
+        /DOWNGRADE=yes"
+  ${EndIf}
+  MessageBox MB_YESNO|MB_ICONQUESTION|MB_DEFBUTTON2 "$R2 Install ${VERSION} over it?" IDYES Agreed
+  SetErrorLevel ${CODE_DOWNGRADE}
+  Quit
+Agreed:
+FunctionEnd
+
 Function .onInit
   !insertmacro KeepChoices
-  ${GetParameters} $R0
-  !insertmacro SelectBy AUTOSTART ${AutostartSection}
-  !insertmacro SelectBy FIREWALL ${FirewallSection}
+  !insertmacro ReadSwitches "" "${INSTALL_HELP}" InstallSwitches
+  Call AskBeforeDowngrade
 FunctionEnd
 
 LangString ProgramText ${LANG_ENGLISH} "The program, its user guide and the Start menu entries, for all users. \
     A running ${NAME} is closed first; traps that arrive until it is started again are not recorded."
 LangString AutostartText ${LANG_ENGLISH} "Starts ${NAME} whenever a user of this computer signs in."
-LangString FirewallText ${LANG_ENGLISH} "Lets traps through Windows Firewall: inbound UDP port 162, \
-    for this program only."
+LangString FirewallText ${LANG_ENGLISH} "Lets traps through Windows Firewall: the inbound UDP \
+    ports 161 and 162, for this program only. Other inbound rules for its file are removed."
 !insertmacro MUI_FUNCTION_DESCRIPTION_BEGIN
   !insertmacro MUI_DESCRIPTION_TEXT ${ProgramSection} $(ProgramText)
   !insertmacro MUI_DESCRIPTION_TEXT ${AutostartSection} $(AutostartText)
@@ -300,11 +239,7 @@ Section "un.${NAME}" RemoveProgram
   SectionIn RO
   Call un.CloseProgram
   Call un.EnsureWritable
-  ReadRegDWORD $0 HKLM "${UNINSTALL_KEY}" "FirewallRule"
-  ${If} $0 == 1
-    DetailPrint "Removing the firewall rule..."
-    !insertmacro DeleteFirewallRule
-  ${EndIf}
+  Call un.RemoveFirewallRules
   DeleteRegValue HKLM "${RUN_KEY}" "Quillmont"
   DeleteRegKey HKLM "${UNINSTALL_KEY}"
   SetShellVarContext all
@@ -330,9 +265,12 @@ Section /o "un.My traps, log, settings and MIB files" RemoveData
   RMDir "$LOCALAPPDATA\Quillmont"
 SectionEnd
 
+!macro UninstallSwitches
+  !insertmacro TickingSwitch DELETEDATA ${RemoveData}
+!macroend
+
 Function un.onInit
-  ${GetParameters} $R0
-  !insertmacro SelectBy DELETEDATA ${RemoveData}
+  !insertmacro ReadSwitches "un." "${UNINSTALL_HELP}" UninstallSwitches
 FunctionEnd
 
 LangString RemoveProgramText ${LANG_ENGLISH} "The program, its Start menu entries, the start at sign-in and the \

@@ -1,10 +1,13 @@
 #!/usr/bin/env bash
 # Makes the packages of a built program twice, compares them octet for octet, and tries them under Wine.
-# Usage: packaging/test_packages.sh QUILLMONT.EXE DRIVER.EXE
+# Usage: packaging/test_packages.sh QUILLMONT.EXE DRIVER.EXE STAND_INS [PYTEST ARGUMENT...]. STAND_INS is the folder with
+# the programs of tests/packages.
 set -euo pipefail
 
 program="$(realpath "$1")"
 QUILLMONT_DRIVER="$(realpath "$2")"
+QUILLMONT_STAND_INS="$(realpath "$3")"
+shift 3
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 folder="$(mktemp -d)"
@@ -20,6 +23,5 @@ cp "$program" "$folder/copy.exe"
 )
 diff --recursive "$folder/first" "$folder/other/second"
 
-export QUILLMONT_DRIVER QUILLMONT_PACKAGES="$folder/first"
-scripts/run_on_private_desktop.sh \
-    /usr/bin/python3 -B -m pytest -q -p no:cacheprovider packaging/packages_test.py
+export QUILLMONT_DRIVER QUILLMONT_STAND_INS QUILLMONT_PACKAGES="$folder/first"
+scripts/run_on_private_desktop.sh /usr/bin/python3 -B -m pytest -q tests/packages "$@"

@@ -16,12 +16,8 @@ if(WIN32)
   set_tests_properties(
       windows.unit windows.memory windows.broken_walk windows.attributes windows.start_up PROPERTIES TIMEOUT 300)
   if(NOT CMAKE_HOST_WIN32)
-    add_test(NAME packages
-        COMMAND ${CMAKE_SOURCE_DIR}/packaging/test_packages.sh
-            $<TARGET_FILE:Quillmont> $<TARGET_FILE:quillmont_desktop_driver>)
     add_test(NAME windows.second_compiler
         COMMAND /usr/bin/python3 -B ${CMAKE_SOURCE_DIR}/scripts/check_second_compiler.py ${CMAKE_BINARY_DIR})
-    set_tests_properties(packages PROPERTIES TIMEOUT 600)
     set_tests_properties(windows.second_compiler PROPERTIES TIMEOUT 600 SKIP_RETURN_CODE 77)
   endif()
 elseif(QUILLMONT_SANITIZERS STREQUAL "thread")

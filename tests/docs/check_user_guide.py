@@ -11,7 +11,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent.parent
 PAGES = [ROOT / "docs" / "user-guide.md", ROOT / "docs" / "operating.md"]
-INSTALLER = ROOT / "packaging" / "installer.nsi"
+INSTALLER = [ROOT / "packaging" / "installer.nsi", *sorted((ROOT / "packaging").glob("*.nsh"))]
 PACKAGES = ROOT / "packaging" / "make_packages.sh"
 FOLDERS = ["core", "config", "mib", "trap", "ui"]
 
@@ -56,7 +56,9 @@ FOREIGN = {
     "%LOCALAPPDATA%\\Quillmont",
     "remoteip=192.0.2.0/24",
     "/S",
-    "/D=C:\\Tools\\Quillmont",
+    "/D=C:\\Program Files\\Network\\Quillmont",
+    "C:\\Program Files",
+    "wf.msc",
     # The scheduled task, the place for what starts at sign-in, and the scripts.
     "keep-days.ps1",
     "Traps",
@@ -91,9 +93,12 @@ def literals(code):
     return [unescape(text) for text in CXX_LITERAL.findall(code)]
 
 
+def installer_code():
+    return "".join(path.read_text(encoding="utf-8") for path in INSTALLER)
+
+
 def installer_texts():
-    text = INSTALLER.read_text(encoding="utf-8")
-    text = text.replace("${PROGRAM}", "Quillmont.exe")
+    text = installer_code().replace("${PROGRAM}", "Quillmont.exe")
     return [found.removeprefix("un.").removeprefix("!") for found in re.findall(r'"([^"\n]*)"', text)]
 
 
@@ -104,7 +109,9 @@ def names_of_the_table():
 
 
 def installer_switches():
-    return set(re.findall(r"!insertmacro SelectBy (\w+)", INSTALLER.read_text(encoding="utf-8")))
+    """Those that take yes or no."""
+    code = installer_code()
+    return {*re.findall(r"!insertmacro TickingSwitch (\w+)", code), *re.findall(r'\$Word == "/(\w+)=yes"', code)}
 
 
 def log_texts():

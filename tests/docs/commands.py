@@ -19,6 +19,11 @@ PLACEHOLDER = re.compile(r"[A-Z_,]+|\d+")
 WINDOWS_ONLY = {
     "netstat -ano -p UDP",
     'tasklist /FI "PID eq 1234"',
+    'start "" /wait Quillmont-1.0.0-setup.exe /S',
+    r'start "" /wait "C:\Program Files\Quillmont\uninstall.exe" /S _?=C:\Program Files\Quillmont',
+    "echo %ERRORLEVEL%",
+    r'del "C:\Program Files\Quillmont\uninstall.exe"',
+    r'rmdir "C:\Program Files\Quillmont"',
     "certutil -hashfile Quillmont-1.0.0-setup.exe SHA256",
     "powercfg /change standby-timeout-ac 0",
     'schtasks /Create /TN "Quillmont days" /SC DAILY /ST 00:01 /IT /TR "powershell.exe -NoProfile -ExecutionPolicy'
@@ -145,12 +150,14 @@ def hold_snmptrap(words, build):
 
 def hold_windows(command):
     """A command for the operator is one that the installer runs or shows, or one of the list above."""
-    installer = (ROOT / "packaging" / "installer.nsi").read_text(encoding="utf-8")
-    installer = re.sub(r" *\\\n *", " ", installer).replace('"$SYSDIR\\netsh.exe"', "netsh")
-    for name, value in {"${RULE}": "Quillmont PRO", "$INSTDIR": r"C:\Tools", "${PROGRAM}": "Quillmont.exe"}.items():
+    sources = [ROOT / "packaging" / "installer.nsi", *sorted((ROOT / "packaging").glob("*.nsh"))]
+    installer = "".join(source.read_text(encoding="utf-8") for source in sources)
+    installer = re.sub(r" *\\\n *", " ", installer).replace("!insertmacro RunNetsh `", "netsh advfirewall firewall ")
+    place = r"C:\Program Files\Quillmont"
+    for name, value in {"${RULE}": "Quillmont PRO", "$INSTDIR": place, "${PROGRAM}": "Quillmont.exe"}.items():
         installer = installer.replace(name, value)
     looked_up = command in WINDOWS_ONLY | WINDOWS_TRIED
-    demand(looked_up or command in installer, "neither in packaging/installer.nsi nor looked up")
+    demand(looked_up or command in installer, "neither in packaging/ nor looked up")
 
 
 def hold(words, build):

@@ -1,0 +1,76 @@
+"""What is in the packages."""
+
+import hashlib
+import os
+import re
+import shutil
+import struct
+import zipfile
+from pathlib import Path
+
+from harness import traps
+from harness.places import ROOT, drive_c
+from installation import CONTENT, MEM_TOTAL_REAL, VERSION, check_that_it_records, package, unpack
+
+
+def test_the_checksums_are_those_of_the_packages():
+    lines = Path(os.environ["QUILLMONT_PACKAGES"], "SHA256SUMS").read_text().splitlines()
+    named = dict(reversed(line.split("  ")) for line in lines)
+    assert sorted(named) == [package(suffix).name for suffix in ("setup.exe", "windows-x64.zip")]
+    for name, digest in named.items():
+        assert hashlib.sha256((package("setup.exe").parent / name).read_bytes()).hexdigest() == digest
+
+
+def test_the_guide_in_the_zip_is_one_file():
+    with zipfile.ZipFile(package("windows-x64.zip")) as archive:
+        assert sorted(archive.namelist()) == CONTENT
+        guide = archive.read("user-guide.html").decode()
+    assert f"version {VERSION}" in guide
+    assert not re.search(r'href="[\w-]+\.md', guide)
+    assert 'id="running-it-for-months"' in guide
+    pictures = re.findall(r"""<(?:img|link|script)[^>]*?(?:src|href)=["']([^"']{0,30})""", guide)
+    assert pictures
+    assert all(picture.startswith("data:") for picture in pictures), pictures
+
+
+def test_the_program_says_who_it_is_and_what_it_asks_of_windows():
+    with zipfile.ZipFile(package("windows-x64.zip")) as archive:
+        octets = archive.read("Quillmont.exe")
+    # The fixed part of the version resource: its mark, its own version, the file's version.
+    fixed = octets.index(struct.pack("<II", 0xFEEF04BD, 0x10000))
+    high, low = struct.unpack_from("<II", octets, fixed + 8)
+    assert f"{high >> 16}.{high & 0xFFFF}.{low >> 16}" == VERSION
+    for text in ("Quillmont PRO", "\u00a9 2026 Quillmont", VERSION):
+        assert text.encode("utf-16-le") in octets
+    manifest = octets[octets.index(b"<assembly") : octets.index(b"</assembly>")].decode()
+    for wanted in ('level="asInvoker"', "{8e0f7a12-bfb3-4fe8-b9a5-48fd50a15a9a}", 'version="6.0.0.0"'):
+        assert wanted in manifest
+    for setting in ("gdiScaling", "longPathAware"):
+        assert re.search(rf"<{setting}\b[^>]*>true</{setting}>", manifest)
+    for unwanted in ("activeCodePage", "dpiAwareness", ">true</dpiAware>"):
+        assert unwanted not in manifest
+
+
+def test_the_change_log_begins_with_this_version():
+    assert re.search(r"^## ([0-9.]+)", (ROOT / "CHANGELOG.md").read_text(), re.M)[1] == VERSION
+
+
+def test_the_zip_runs_from_a_folder_with_a_blank_and_an_umlaut(data, start):
+    folder = unpack(drive_c() / "M\u00fcller \u00fc Traps")
+    program = start(folder / "Quillmont.exe").wait_running()
+    check_that_it_records(data)
+    assert program.close() == 0
+    shutil.rmtree(folder)
+    assert data.config.exists()
+
+
+def test_the_names_in_the_zip_are_those_of_the_table(data, start):
+    folder = unpack(drive_c() / "names")
+    data.add_mib("standard-names.mib", (folder / "standard-names.mib").read_bytes())
+    program = start(folder / "Quillmont.exe")
+    data.wait_for_start()
+    traps.send_v2c(MEM_TOTAL_REAL, "i", "8029184")
+    data.wait_for_traps(1)
+    program.close()
+    assert b"] 1.3.6.1.2.1.1.3.0 (sysUpTime-0)  TimeTicks = " in data.trap_octets()
+    assert b"] 1.3.6.1.6.3.1.1.4.1.0 (snmpTrapOID-0)  OID = " in data.trap_octets()

@@ -1,0 +1,148 @@
+"""The packages, and an installation made from them."""
+
+import os
+import re
+import shutil
+import subprocess
+import tempfile
+import zipfile
+from pathlib import Path
+
+from harness import traps
+from harness.places import ROOT, drive_c, windows_path
+from harness.processes import ask_wine, run_wine
+from harness.waiting import wait_until
+
+VERSION = re.search(r"^project\(Quillmont VERSION ([0-9.]+)", (ROOT / "CMakeLists.txt").read_text(), re.M)[1]
+# In the zip and beside the installed program.
+CONTENT = ["CHANGELOG.txt", "Quillmont.exe", "standard-names.mib", "user-guide.html"]
+
+CURRENT_VERSION = r"HKLM\Software\Microsoft\Windows\CurrentVersion"
+UNINSTALL_KEY = CURRENT_VERSION + r"\Uninstall\Quillmont"
+RUN_KEY = CURRENT_VERSION + r"\Run"
+INSTALLED_WORD = "0x1"
+
+# Setup's exit codes.
+IN_USE = 2
+WRONG_SWITCH = 3
+NEWER_INSTALLED = 4
+
+MEM_TOTAL_REAL = "1.3.6.1.4.1.2021.4.5"
+
+
+def package(suffix):
+    return Path(os.environ["QUILLMONT_PACKAGES"], f"Quillmont-{VERSION}-{suffix}")
+
+
+def stand_in(name):
+    return Path(os.environ["QUILLMONT_STAND_INS"], f"quillmont_{name}.exe")
+
+
+def unpack(folder):
+    """What is in the zip, put into a folder that is made."""
+    with zipfile.ZipFile(package("windows-x64.zip")) as archive:
+        archive.extractall(folder)
+    return folder
+
+
+def as_typed(switches):
+    """Words without quotation marks: a folder with blanks is several, and Wine puts none around them."""
+    return " ".join(switches).split(" ")
+
+
+def registry_value(key, name):
+    """The value as `reg` prints it; None when there is none."""
+    found = re.search(rf"^\s+{re.escape(name)}\s+REG_\w+\s+(.*?)\s*$", ask_wine("reg", "query", key), re.M)
+    return found and found[1]
+
+
+def check_that_it_records(data):
+    data.wait_for_start()
+    traps.send_v2c(MEM_TOTAL_REAL, "i", "8029184")
+    data.wait_for_traps(1)
+    assert b"] 1.3.6.1.4.1.2021.4.5  INTEGER = 8029184" in data.trap_octets()
+
+
+class Netsh:
+    """The stand-in for netsh: what it was called with, and what it answers."""
+
+    folder = property(lambda self: drive_c() / "netsh")
+
+    def begin(self):
+        """Forgets earlier calls. As a fresh Windows it knows no rule of ours: there is nothing to delete."""
+        shutil.rmtree(self.folder, ignore_errors=True)
+        self.folder.mkdir()
+        self.answer("1 delete rule")
+
+    def answer(self, *lines):
+        (self.folder / "answers.txt").write_text("".join(line + "\n" for line in lines))
+
+    def take_calls(self):
+        """The command lines since the last look, from the first word after netsh's own path on."""
+        calls = self.folder / "calls.txt"
+        if not calls.exists():
+            return []
+        lines = calls.read_text().splitlines()
+        calls.unlink()
+        program = '"C:\\windows\\system32\\netsh.exe" '
+        assert all(line.startswith(program) for line in lines), lines
+        return [line.removeprefix(program) for line in lines]
+
+
+def put_netsh_in_place():
+    """For all programs that are started from now on. Wine takes its own for one in the system's folder, unless told."""
+    netsh = drive_c() / "windows" / "system32" / "netsh.exe"
+    netsh.unlink()
+    shutil.copy(stand_in("netsh_stub"), netsh)
+    os.environ["WINEDLLOVERRIDES"] += ";netsh.exe=n"
+    return Netsh()
+
+
+class Installation:
+    def __init__(self, folder=r"C:\Program Files\Quillmont"):
+        self.windows_folder = folder
+        self.folder = drive_c() / folder.removeprefix("C:\\").replace("\\", "/")
+        self.program = self.folder / "Quillmont.exe"
+        self.notes = self.folder / "setup-notes.txt"
+        self.menu = drive_c() / "ProgramData/Microsoft/Windows/Start Menu/Programs/Quillmont PRO"
+        self.run_command = f'"{folder}\\Quillmont.exe"'
+
+    def install(self, *switches):
+        """The exit code of the installer in silent mode."""
+        return run_wine(windows_path(package("setup.exe")), *as_typed(["/S", *switches]))
+
+    def start_uninstall(self, *switches):
+        """Goes on as a copy of itself in another folder, which is not waited for, unless `_?=` comes last."""
+        return run_wine(f"{self.windows_folder}\\uninstall.exe", *as_typed(["/S", *switches]))
+
+    def uninstall(self, *switches):
+        self.start_uninstall(*switches)
+        wait_until(lambda: not self.folder.exists(), "the program's folder to be gone")
+
+    def ask(self, program, *switches):
+        """The exit code and what is printed, into a file: a pipe would be held open by what is left running."""
+        with tempfile.TemporaryFile() as output:
+            code = subprocess.run(
+                ["wine", program, *as_typed(switches)],
+                stdin=subprocess.DEVNULL,
+                stdout=output,
+                stderr=subprocess.DEVNULL,
+                timeout=120,
+                check=False,
+            ).returncode
+            output.seek(0)
+            return code, output.read().decode().replace("\r\n", "\n")
+
+    def ask_setup(self, *switches):
+        return self.ask(windows_path(package("setup.exe")), *switches)
+
+    def ask_uninstaller(self, *switches):
+        """In its own folder, so that the code and the output are those of the uninstaller and not of its starter."""
+        return self.ask(f"{self.windows_folder}\\uninstall.exe", *switches, f"_?={self.windows_folder}")
+
+    def traces(self):
+        """What speaks of it in the folders of all users and where programs announce themselves to Windows."""
+        assert run_wine("reg", "export", CURRENT_VERSION, r"C:\current.reg", "/y") == 0
+        announced = (drive_c() / "current.reg").read_bytes().decode("utf-16")
+        lines = [line for line in announced.splitlines() if "quillmont" in line.lower()]
+        return lines + [str(path) for path in (self.folder, self.menu) if path.exists()]

@@ -1,0 +1,45 @@
+// Stands in for a Quillmont.exe of another user: a window of the main window's class whose process may not be opened.
+// The window closes when it is told to, and the process, which holds the file, ends two seconds later.
+#include <windows.h>
+
+namespace {
+
+constexpr DWORD kEndTime = 2000;
+
+LRESULT CALLBACK WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_DESTROY) {
+        PostQuitMessage(0);
+        return 0;
+    }
+    return DefWindowProcW(window, message, wParam, lParam);
+}
+
+// An empty list: nobody may open the process. Its owner may still change that, and so may a debugger.
+bool SealProcess() {
+    ACL nobody;
+    SECURITY_DESCRIPTOR descriptor;
+    return InitializeAcl(&nobody, sizeof(nobody), ACL_REVISION) != FALSE &&
+           InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION) != FALSE &&
+           SetSecurityDescriptorDacl(&descriptor, TRUE, &nobody, FALSE) != FALSE &&
+           SetKernelObjectSecurity(GetCurrentProcess(), DACL_SECURITY_INFORMATION, &descriptor) != FALSE;
+}
+
+}  // namespace
+
+int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int) {
+    WNDCLASSW windowClass = {};
+    windowClass.lpfnWndProc = WindowProc;
+    windowClass.hInstance = instance;
+    windowClass.lpszClassName = L"SNMP_MAIN_WND";
+    if (!SealProcess() || RegisterClassW(&windowClass) == 0 ||
+        CreateWindowW(L"SNMP_MAIN_WND", L"sealed", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 200, 100, nullptr,
+                      nullptr, instance, nullptr) == nullptr) {
+        return 1;
+    }
+    MSG message;
+    while (GetMessageW(&message, nullptr, 0, 0) > 0) {
+        DispatchMessageW(&message);
+    }
+    Sleep(kEndTime);
+    return 0;
+}

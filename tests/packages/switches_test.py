@@ -1,0 +1,122 @@
+"""The command lines of Setup and of the uninstaller."""
+
+import re
+
+import pytest
+from harness.places import ROOT, windows_path
+from harness.processes import run_wine
+from harness.program import DIALOG_CLASS
+from harness.waiting import wait_until
+from harness.window import Window
+from installation import NEWER_INSTALLED, UNINSTALL_KEY, VERSION, WRONG_SWITCH, package, registry_value
+
+NO_BUTTON = 7
+
+
+def pretend_version(version):
+    assert run_wine("reg", "add", UNINSTALL_KEY, "/v", "DisplayVersion", "/d", version, "/f") == 0
+
+
+@pytest.mark.parametrize(
+    "switches",
+    [
+        ["/AUTOSTART=maybe"],
+        ["/AUTOSTART"],
+        ["/FIREWALL="],
+        ["/AUTOSTRAT=no"],
+        ["/DELETEDATA=yes"],
+        ["/s"],  # NSIS reads it in capitals only, and would ask
+        ["/AUTOSTART=no", "/FIREWALL=off"],
+        ["no"],
+    ],
+)
+def test_what_is_no_switch_is_refused(installation, netsh, switches):
+    code, text = installation.ask_setup("/S", *switches)
+    assert code == WRONG_SWITCH
+    assert text.startswith(f"Not a switch, or not a value that it takes: {switches[-1]}\n\nSetup's switches:\n")
+    assert installation.traces() == []
+    assert netsh.take_calls() == []
+
+
+@pytest.mark.parametrize("switch", ["/HELP", "/help", "/?"])
+def test_help_names_the_switches_and_the_codes(installation, switch):
+    code, text = installation.ask_setup("/S", switch)
+    assert code == WRONG_SWITCH
+    assert text.startswith("Setup's switches:\n")
+    guide = (ROOT / "docs" / "user-guide.md").read_text()
+    for named in re.findall(r"(?<!\S)/[A-Z]+(?:=[a-z]+)?(?![=\w])", text):
+        assert f"`{named}`" in guide, f"the guide does not name {named}"
+    for code in range(5):
+        assert re.search(rf"\b{code} ", text)
+    assert installation.traces() == []
+
+
+def test_the_uninstaller_refuses_too(installation):
+    installation.install()
+    code, text = installation.ask_uninstaller("/S", "/DELETEDATA=no", "/FIREWALL=no")
+    assert code == WRONG_SWITCH
+    assert "takes: /FIREWALL=no\n\nThe uninstaller's switches:\n" in text
+    code, text = installation.ask_uninstaller("/S", "/HELP")
+    assert (code, text.partition("\n")[0]) == (WRONG_SWITCH, "The uninstaller's switches:")
+    assert installation.program.exists()
+
+
+@pytest.mark.parametrize("switches", [[], ["/DOWNGRADE=no"]])
+def test_a_silent_downgrade_is_refused(installation, netsh, switches):
+    installation.install()
+    installation.program.write_bytes(b"a newer version")
+    pretend_version("1.0.10")
+    netsh.take_calls()
+    code, text = installation.ask_setup("/S", *switches)
+    assert code == NEWER_INSTALLED
+    assert text.startswith(f"Quillmont PRO 1.0.10 is installed, which is newer than {VERSION}. Nothing was changed.")
+    assert "/DOWNGRADE=yes" in text
+    assert installation.program.read_bytes() == b"a newer version"
+    assert registry_value(UNINSTALL_KEY, "DisplayVersion") == "1.0.10"
+    assert netsh.take_calls() == []
+
+
+def test_a_downgrade_that_is_wanted_is_done(installation):
+    installation.install()
+    pretend_version("10.0")
+    assert installation.install("/DOWNGRADE=yes") == 0
+    assert registry_value(UNINSTALL_KEY, "DisplayVersion") == VERSION
+
+
+@pytest.mark.parametrize("version", ["0.9.9", VERSION])
+def test_an_older_and_the_same_version_are_no_downgrade(installation, version):
+    installation.install()
+    pretend_version(version)
+    assert installation.install() == 0
+
+
+def test_a_downgrade_by_hand_is_asked_about(driver, installation):
+    installation.install()
+    pretend_version("2.0.0")
+    process = driver("start", windows_path(package("setup.exe")))
+
+    def find_question():
+        for facts in driver("windows", process):
+            if facts["class"] == DIALOG_CLASS and facts["visible"]:
+                return Window(driver, facts["handle"])
+        return None
+
+    question = wait_until(find_question, "the question")
+    texts = [facts.text for facts in question.descendants()]
+    assert f"Quillmont PRO 2.0.0 is installed, which is newer than {VERSION}. Install {VERSION} over it?" in texts
+    question.control(NO_BUTTON).click()
+    assert driver("wait_for_exit", process, 20000) == NEWER_INSTALLED
+    assert registry_value(UNINSTALL_KEY, "DisplayVersion") == "2.0.0"
+
+
+def test_the_guide_names_no_folder_where_every_user_may_replace_the_program():
+    guide = (ROOT / "docs" / "user-guide.md").read_text()
+    folders = re.findall(r"/D=([^`]+)`", guide)
+    assert folders
+    assert all(folder.startswith("C:\\Program Files\\") for folder in folders), folders
+
+
+def test_the_guide_names_sc_by_its_file():
+    """In PowerShell plain sc is Set-Content: `sc stop SNMPTRAP` there writes a file and stops nothing."""
+    guide = (ROOT / "docs" / "user-guide.md").read_text()
+    assert re.findall(r"^sc\S* \w+", guide, re.M) == ["sc.exe stop", "sc.exe config"]

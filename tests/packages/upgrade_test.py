@@ -1,0 +1,103 @@
+"""Installing over a program that runs, or that somebody holds."""
+
+import os
+import shutil
+import signal
+import threading
+import time
+
+import pytest
+from harness.places import drive_c, windows_path
+from harness.processes import find_wine_process, wine_processes
+from installation import IN_USE, stand_in, unpack
+
+# Setup's own bounds, in seconds.
+CLOSE_TIME = 30
+RELEASE_TIME = 10
+
+
+def test_an_upgrade_closes_the_program_through_its_window_and_starts_it_again(data, installation, start):
+    installation.install()
+    new_octets = installation.program.read_bytes()
+    with installation.program.open("ab") as file:
+        file.write(b"an older version")
+    old = start(installation.program).wait_running()
+    data.wait_for_start()
+    assert installation.install() == 0
+    assert old.wait_for_exit() == 0
+    assert data.log_messages().count("Config saved.") == 1
+    assert installation.program.read_bytes() == new_octets
+    data.wait_for_start(2)
+    assert len(wine_processes("Quillmont.exe")) == 1
+    installation.uninstall()
+    assert data.log_messages().count("Server stopped.") == 2
+    assert not wine_processes("Quillmont.exe")
+
+
+def test_a_program_whose_process_cannot_be_watched_is_closed_and_replaced_all_the_same(data, installation, start):
+    """Setup was given other credentials than those that the program runs with."""
+    installation.install()
+    new_octets = installation.program.read_bytes()
+    shutil.copy(stand_in("sealed_program"), installation.program)
+    sealed = start(installation.program)
+    assert installation.install() == 0
+    assert sealed.wait_for_exit() == 0
+    assert installation.program.read_bytes() == new_octets
+    data.wait_for_start()
+
+
+@pytest.fixture
+def hang(start):
+    """A function that starts a program and lets it hang, until the test is over."""
+    hanging = []
+
+    def start_hanging(path):
+        program = start(path).wait_running()
+        hanging.append(find_wine_process("Quillmont.exe"))
+        os.kill(hanging[-1], signal.SIGSTOP)
+        return program
+
+    yield start_hanging
+    for process in hanging:
+        os.kill(process, signal.SIGCONT)
+
+
+def test_a_window_that_hangs_costs_its_time_once_and_keeps_no_other_from_closing(data, installation, start, hang):
+    installation.install()
+    hang(installation.program)
+    other = start(unpack(drive_c() / "copy") / "Quillmont.exe").wait_running()
+    begin = time.monotonic()
+    assert installation.install() == IN_USE
+    assert CLOSE_TIME <= time.monotonic() - begin < 2 * CLOSE_TIME
+    assert other.wait_for_exit() == 0
+    # What could be closed receives again, although nothing was installed.
+    data.wait_for_start(3)
+    assert len(wine_processes("Quillmont.exe")) == 2
+
+
+def test_a_program_that_cannot_be_replaced_is_left_alone(driver, installation):
+    """Somebody else's session runs it: its window cannot be reached, its file cannot be written."""
+    installation.install()
+    before = installation.program.read_bytes()
+    driver("hold_file", windows_path(installation.program))
+    begin = time.monotonic()
+    try:
+        assert installation.install() == IN_USE
+        code, _ = installation.ask_uninstaller("/S")
+        assert code == IN_USE
+    finally:
+        driver("release_files")
+    assert time.monotonic() - begin >= 2 * RELEASE_TIME
+    assert installation.program.read_bytes() == before
+
+
+def test_a_file_that_is_held_for_a_moment_is_waited_for(driver, installation):
+    """A virus scanner, say."""
+    installation.install()
+    driver("hold_file", windows_path(installation.program))
+    release = threading.Timer(RELEASE_TIME / 4, lambda: driver("release_files"))
+    release.start()
+    try:
+        assert installation.install() == 0
+    finally:
+        release.join()
