@@ -41,7 +41,7 @@ def read_options():
     parser.add_argument("--before", metavar="FOLDER",
                         help="programs of another state to be held against these too (measuring/places.py)")
     parser.add_argument("--traps", type=int, default=100000, help="of a storm, natively and at a steady rate")
-    parser.add_argument("--wine-traps", type=int, default=20000, help="of a storm under Wine")
+    parser.add_argument("--wine-traps", type=int, default=50000, help="of a storm under Wine")
     parser.add_argument("--rate", type=int, default=100000, help="traps a second of native-work")
     parser.add_argument("--wine-rate", type=int, default=40000, help="the same of wine-work")
     parser.add_argument("--mibs", type=Path, help="folder of MIB files; without it one is made")

@@ -1,4 +1,4 @@
-#include "bench/floor_window.h"
+#include "bench/floor_system.h"
 #include "platform/windows/windows_headers.h"
 
 void ShowEmptyWindow() {

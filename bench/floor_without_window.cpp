@@ -1,3 +1,3 @@
-#include "bench/floor_window.h"
+#include "bench/floor_system.h"
 
 void ShowEmptyWindow() {}

@@ -1,0 +1,46 @@
+// Floors for a receiver; they end when they are killed.
+// Usage: floor_receiver [FOLDER RECORD_OCTETS LINE_OCTETS].
+//
+// With its arguments the least that one can do that writes each trap by itself: take a datagram from UDP 162,
+// append a block of octets to each of two files, opening and closing each. Without them the least that any
+// can do: take it. Nothing is decoded; what Quillmont needs beyond these programs' time is Quillmont's own.
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "bench/floor_system.h"
+
+namespace {
+
+std::string MakeBlock(const char* size) {
+    return std::string(std::strtoul(size, nullptr, 10) - 1, '.') + '\n';
+}
+
+template <typename Handler>
+[[noreturn]] void ReceiveForever(Handler handle) {
+    BindTrapSocket();
+    std::vector<char> buffer(65535);
+    for (;;) {
+        if (ReceiveDatagram(buffer)) {
+            handle();
+        }
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    ShowEmptyWindow();
+    if (argc == 1) {
+        ReceiveForever([] {});
+    }
+    if (argc != 4) {
+        std::fputs("usage: floor_receiver [FOLDER RECORD_OCTETS LINE_OCTETS]\n", stderr);
+        return 2;
+    }
+    UseFolder(argv[1]);
+    const std::string record = MakeBlock(argv[2]);
+    const std::string line = MakeBlock(argv[3]);
+    ReceiveForever([&] { AppendBlocks(record, line); });
+}
