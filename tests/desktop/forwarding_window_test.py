@@ -9,7 +9,7 @@ from harness.window import BM_GETCHECK
 
 SAVE = 200
 CANCEL = 201
-CHECK, IP, PORT = 1, 3, 5
+CHECK, IP, PORT = "Forwarding enabled:", "Forward IP:", "Forward Port:"
 
 WM_KEYDOWN = 0x0100
 BM_SETCHECK = 0x00F1
@@ -37,11 +37,11 @@ def open_and_save(program, check=None, ip=None, port=None):
     """Types what is given, leaves the rest, and saves."""
     window = FORWARDING.open(program)
     if check is not None:
-        window.child(CHECK).send(BM_SETCHECK, check)
+        window.field(CHECK).send(BM_SETCHECK, check)
     if ip is not None:
-        type_into(window.child(IP), ip)
+        type_into(window.field(IP), ip)
     if port is not None:
-        type_into(window.child(PORT), port)
+        type_into(window.field(PORT), port)
     save(window)
 
 
@@ -49,17 +49,17 @@ def open_and_save(program, check=None, ip=None, port=None):
 def test_the_window_shows_the_settings_as_they_are(data, start, enabled, ip, port):
     data.write_config(config(enabled, ip, port))
     window = FORWARDING.open(start().wait_running())
-    assert window.child(CHECK).send(BM_GETCHECK) == enabled
-    assert window.child(IP).text == ip
-    assert window.child(PORT).text == str(port)
+    assert window.field(CHECK).send(BM_GETCHECK) == enabled
+    assert window.field(IP).text == ip
+    assert window.field(PORT).text == str(port)
 
 
 def test_the_check_box_toggles_by_click(program):
     window = FORWARDING.open(program)
     for expected in (True, False):
-        window.child(CHECK).click()
+        window.field(CHECK).click()
         program.settle()
-        assert window.child(CHECK).checked == expected
+        assert window.field(CHECK).checked == expected
 
 
 def test_saving_writes_the_file_logs_and_closes(program, data):
@@ -70,7 +70,7 @@ def test_saving_writes_the_file_logs_and_closes(program, data):
     assert data.config.read_bytes() == config(1, "10.20.30.40", 8162)
     assert data.log_messages()[before:] == [SAVED, UPDATED]
     window = FORWARDING.open(program)
-    assert (window.child(CHECK).checked, window.child(IP).text, window.child(PORT).text) == (
+    assert (window.field(CHECK).checked, window.field(IP).text, window.field(PORT).text) == (
         True,
         "10.20.30.40",
         "8162",
@@ -126,13 +126,13 @@ def test_an_address_above_ff_cuts_the_file_there_and_is_saved_all_the_same(progr
     lines = [b"<config>", b"  <forwardingEnabled>0</forwardingEnabled>", b"  <forwardingIp>10."]
     assert data.config.read_bytes() == LINE_END.join(lines)
     assert data.log_messages()[-2:] == [SAVED, UPDATED]
-    assert FORWARDING.open(program).child(IP).text == "10.\u4e2d.3"
+    assert FORWARDING.open(program).field(IP).text == "10.\u4e2d.3"
 
 
 def edit_everything(window):
-    window.child(CHECK).click()
-    type_into(window.child(IP), "10.9.9.9")
-    type_into(window.child(PORT), "9999")
+    window.field(CHECK).click()
+    type_into(window.field(IP), "10.9.9.9")
+    type_into(window.field(PORT), "9999")
 
 
 @pytest.mark.parametrize("leave", ["cancel", "close_box"])
@@ -151,7 +151,7 @@ def test_leaving_without_save_changes_nothing(data, start, leave):
     assert data.config.read_bytes() == config(0, "10.1.2.3", 8162)
     assert data.log_octets() == before
     again = FORWARDING.open(program)
-    assert (again.child(CHECK).checked, again.child(IP).text, again.child(PORT).text) == (
+    assert (again.field(CHECK).checked, again.field(IP).text, again.field(PORT).text) == (
         False,
         "10.1.2.3",
         "8162",
@@ -171,11 +171,11 @@ def test_tab_enter_and_escape_do_nothing(program, data):
     before = data.log_octets()
     for field in (IP, PORT):
         for key in (VK_TAB, VK_RETURN, VK_ESCAPE):
-            window.child(field).post(WM_KEYDOWN, key)
+            window.field(field).post(WM_KEYDOWN, key)
     program.settle()
     assert window.exists
-    assert window.child(IP).text == "127.0.0.1"
-    assert window.child(PORT).text == "162"
+    assert window.field(IP).text == "127.0.0.1"
+    assert window.field(PORT).text == "162"
     assert data.log_octets() == before
 
 
@@ -216,4 +216,4 @@ def test_a_file_that_cannot_be_written_still_updates_the_settings(program, data)
     before = len(data.log_messages())
     open_and_save(program, 1, "10.1.2.3", "99")
     assert data.log_messages()[before:] == [UPDATED]
-    assert FORWARDING.open(program).child(IP).text == "10.1.2.3"
+    assert FORWARDING.open(program).field(IP).text == "10.1.2.3"

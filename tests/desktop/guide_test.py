@@ -150,11 +150,11 @@ def test_selected_text_of_a_view_is_copied_with_ctrl_c(program, data):
     data.wait_for_start()
     send_raw(octets_of_the_test_trap())
     data.wait_for_traps(1)
-    view = MONITOR.open(program).child(0)
+    view = MONITOR.open(program).only("Edit")
     view.send(EM_SETSEL, 0, len(STAMP))
     view.post(WM_CHAR, WM_COPY_KEY)
     program.settle()
-    address = FORWARDING.open(program).child(3)
+    address = FORWARDING.open(program).field("Forward IP:")
     address.set_text("")
     address.send(WM_PASTE)
     assert address.text.encode() == data.trap_octets()[: len(STAMP)]

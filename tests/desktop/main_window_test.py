@@ -83,13 +83,13 @@ def test_the_five_buttons_are_created_in_order_with_their_places_styles_and_ids(
 
 def test_every_button_uses_the_one_interface_font(program):
     program.attach_spy()
-    font = program.main.child(0).font
+    font = program.main.controls()[0].font
     assert font.handle != 0
     assert (font.face, font.height, font.width, font.weight) == ("Segoe UI", -14, 0, 400)
     assert (font.italic, font.underline, font.strikeOut) == (0, 0, 0)
     assert (font.charset, font.quality) == (1, 5)
-    for index in range(len(BUTTONS)):
-        assert program.main.child(index).font.handle == font.handle
+    for button in program.main.controls():
+        assert button.font.handle == font.handle
 
 
 def test_the_receiver_starts_by_itself_once_and_the_disc_is_green(program, data):
@@ -248,7 +248,7 @@ def test_painting_a_thousand_times_leaks_no_brush(program):
 @pytest.mark.parametrize("message", [WM_CTLCOLOREDIT, WM_CTLCOLORSTATIC], ids=["edit", "static"])
 def test_edit_and_static_colouring_is_black_on_opaque_white_with_the_background_brush(program, message):
     program.attach_spy()
-    answer = program.main.child(0).colouring(message)
+    answer = program.main.controls()[0].colouring(message)
     opaque = 2
     assert (answer.backgroundMode, answer.background, answer.text) == (opaque, WHITE, BLACK)
     assert answer.brush.handle == program.main.window_class.brush.handle
@@ -256,5 +256,5 @@ def test_edit_and_static_colouring_is_black_on_opaque_white_with_the_background_
 
 def test_button_colouring_is_left_to_the_system(program):
     program.attach_spy()
-    answer = program.main.child(0).colouring(WM_CTLCOLORBTN)
+    answer = program.main.controls()[0].colouring(WM_CTLCOLORBTN)
     assert answer.brush.handle != program.main.window_class.brush.handle

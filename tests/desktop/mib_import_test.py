@@ -44,11 +44,11 @@ def new_messages(data, before):
 
 
 def listed(status):
-    return status.child(7).list_items()
+    return status.only("ListBox").list_items()
 
 
 def counts(status):
-    return status.child(5).text
+    return status.line("Loaded MIB files:").text
 
 
 def test_one_file_is_copied_logged_and_loaded(program, data, status, samples):
@@ -366,10 +366,10 @@ def test_a_file_that_cannot_be_removed_stops_the_deletion_there(program, data, s
 
 def test_the_status_window_goes_on_refreshing_behind_the_question(program, data, status):
     question = ask_to_delete(program, status)
-    assert status.child(3).text == "Last trap:             (none)"
+    assert status.line("Last trap:").text == "Last trap:             (none)"
     send_raw(message(integer_binding(1)))
     data.wait_for_traps(1)
-    wait_until(lambda: status.child(3).text.endswith("s ago)"), "a refresh behind the question")
+    wait_until(lambda: status.line("Last trap:").text.endswith("s ago)"), "a refresh behind the question")
     question.control(ID_NO).click()
     question.wait_closed()
 

@@ -10,8 +10,8 @@ from harness.tool_windows import STATUS
 from harness.traps import LISTENER_PORT, LOOPBACK, TRAP_PORT, hold_port, send_raw, udp_socket
 from harness.waiting import wait_until
 
-SERVER, LISTENING, FORWARDING, LAST_TRAP, PATHS, COUNTS, _CAPTION, MIB_LIST = range(8)
-LABELS = (SERVER, LISTENING, FORWARDING, LAST_TRAP, PATHS, COUNTS)
+SERVER, LISTENING, FORWARDING, LAST_TRAP = "Server:", "Listening:", "Forwarding:", "Last trap:"
+PATHS, COUNTS = "Data dir:", "Loaded MIB files:"
 
 RUNNING_LINE = "Server:                  RUNNING"
 STOPPED_LINE = "Server:                  STOPPED"
@@ -29,12 +29,12 @@ LB_GETTOPINDEX = 0x018E
 PERIOD_MILLISECONDS = 700
 
 
-def label(window, index):
-    return window.child(index).text
+def label(window, beginning):
+    return window.line(beginning).text
 
 
-def wait_for_label(window, index, text):
-    window.child(index).wait_text(text)
+def wait_for_label(window, beginning, text):
+    window.line(beginning).wait_text(text)
 
 
 def counts_line(files, mappings):
@@ -43,22 +43,22 @@ def counts_line(files, mappings):
 
 def test_the_window_opens_with_every_line_filled(program, data):
     window = STATUS.open(program)
-    assert [label(window, index) for index in LABELS] == [
-        RUNNING_LINE,
-        LISTENING_LINE + WITH_161,
-        "Forwarding:          OFF  ->  127.0.0.1:162",
-        NO_TRAP_LINE,
-        f"Data dir:              {data.windows_path()}\r\nMIB dir:               {data.windows_path()}\\mibs",
-        counts_line(0, 0),
-    ]
-    assert window.child(MIB_LIST).list_items() == []
+    assert label(window, SERVER) == RUNNING_LINE
+    assert label(window, LISTENING) == LISTENING_LINE + WITH_161
+    assert label(window, FORWARDING) == "Forwarding:          OFF  ->  127.0.0.1:162"
+    assert label(window, LAST_TRAP) == NO_TRAP_LINE
+    folders = data.windows_path()
+    assert label(window, PATHS) == f"Data dir:              {folders}\r\nMIB dir:               {folders}\\mibs"
+    assert label(window, COUNTS) == counts_line(0, 0)
+    # A line that nobody fills would be an empty label.
+    assert "" not in [facts.text for facts in window.children() if facts.__dict__["class"] == "Static"]
+    assert window.only("ListBox").list_items() == []
 
 
 def test_the_lines_keep_their_runs_of_blanks(program):
     window = STATUS.open(program)
-    blanks = {"Server:": 18, "Listening:": 14, "Forwarding:": 10, "Data dir:": 14, "Last trap:": 13}
-    for index, (word, count) in zip((SERVER, LISTENING, FORWARDING, PATHS, LAST_TRAP), blanks.items()):
-        assert re.match(f"{word} {{{count}}}[^ ]", label(window, index))
+    for beginning, count in {SERVER: 18, LISTENING: 14, FORWARDING: 10, PATHS: 14, LAST_TRAP: 13}.items():
+        assert re.match(f"{beginning} {{{count}}}[^ ]", label(window, beginning))
     assert re.search(r"\r\nMIB dir: {15}[^ ]", label(window, PATHS))
 
 
@@ -175,7 +175,7 @@ def test_the_list_holds_the_mib_files_sorted_by_code_unit_and_nothing_else(data,
         data.add_mib(name, "")
     (data.mibs / "folder.mib").mkdir()
     window = STATUS.open(start().wait_running())
-    assert window.child(MIB_LIST).list_items() == [".mib", "Z.mib", "a.MIB", "b.txt", "c.my"]
+    assert window.only("ListBox").list_items() == [".mib", "Z.mib", "a.MIB", "b.txt", "c.my"]
     assert label(window, COUNTS) == counts_line(5, 0)
 
 
@@ -187,24 +187,24 @@ def test_files_are_listed_as_they_are_now_and_mappings_as_they_were_loaded(data,
     assert label(window, COUNTS) == counts_line(1, 2)
     data.add_mib("other.mib", "three OBJECT IDENTIFIER ::= { enterprises 3 }\n")
     wait_for_label(window, COUNTS, counts_line(2, 2))
-    assert window.child(MIB_LIST).list_items() == ["one.mib", "other.mib"]
+    assert window.only("ListBox").list_items() == ["one.mib", "other.mib"]
     (data.mibs / "one.mib").unlink()
     wait_for_label(window, COUNTS, counts_line(1, 2))
-    assert window.child(MIB_LIST).list_items() == ["other.mib"]
+    assert window.only("ListBox").list_items() == ["other.mib"]
 
 
 def test_a_missing_mibs_folder_gives_an_empty_list(program, data):
     data.mibs.rmdir()
     window = STATUS.open(program)
     assert label(window, COUNTS) == counts_line(0, 0)
-    assert window.child(MIB_LIST).list_items() == []
+    assert window.only("ListBox").list_items() == []
 
 
 def test_a_refresh_takes_the_selection_and_goes_back_to_the_top(data, start):
     for number in range(100):
         data.add_mib(f"{number:03}.mib", "")
     window = STATUS.open(start().wait_running())
-    files = window.child(MIB_LIST)
+    files = window.only("ListBox")
     files.send(LB_SETCURSEL, 60)
     files.send(LB_SETTOPINDEX, 60)
     wait_until(lambda: files.send(LB_GETCURSEL) == LB_ERR, "the selection to be gone")
@@ -217,7 +217,7 @@ def test_a_second_click_touches_nothing_in_the_window(data, start):
     program = start().wait_running()
     window = STATUS.open(program)
     program.attach_spy()
-    files = window.child(MIB_LIST)
+    files = window.only("ListBox")
 
     def selection_outlives_click():
         """Between two refreshes, each of which takes the selection; True or False, None when one came between."""
@@ -248,4 +248,4 @@ def test_with_3000_files_the_program_answers_far_within_the_period(data, start):
     longest = min(program.driver("longest_answer", window.handle, 2 * PERIOD_MILLISECONDS) for _ in range(4))
     print(f"One refresh with 3,000 files held the program up for {longest / 1000:.1f} ms.")
     assert longest < PERIOD_MILLISECONDS * 1000 / 2
-    assert len(window.child(MIB_LIST).list_items()) == 3000
+    assert len(window.only("ListBox").list_items()) == 3000

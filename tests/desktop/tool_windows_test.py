@@ -24,7 +24,6 @@ from harness.window import (
     WM_CTLCOLOREDIT,
     WM_CTLCOLORSTATIC,
     WS_VISIBLE,
-    Window,
     describe_control,
 )
 
@@ -83,17 +82,17 @@ def test_the_controls_are_created_in_order_with_their_places_styles_and_ids(prog
 @each_window
 def test_every_control_uses_the_one_interface_font(program, tool):
     program.attach_spy()
-    font = program.main.child(0).font.handle
+    font = program.main.controls()[0].font.handle
     window = tool.open(program)
     assert font != 0
-    for facts in window.children():
-        assert Window(program.driver, facts.handle).font.handle == font
+    for control in window.controls():
+        assert control.font.handle == font
 
 
 @each_window
 def test_edits_and_statics_are_black_on_opaque_white(program, tool):
     program.attach_spy()
-    control = tool.open(program).child(0)
+    control = tool.open(program).controls()[0]
     brush = program.main.window_class.brush.handle
     for message in (WM_CTLCOLOREDIT, WM_CTLCOLORSTATIC):
         answer = control.colouring(message)

@@ -34,7 +34,7 @@ def file_of(data, viewer):
 
 
 def view_of(window):
-    return window.child(0)
+    return window.only("Edit")
 
 
 def wait_for_view(view, text):

@@ -83,8 +83,29 @@ class Window:
     def descendants(self):
         return [SimpleNamespace(**facts) for facts in self.driver("descendants", self.handle)]
 
-    def child(self, index):
-        return Window(self.driver, self.children()[index].handle)
+    def controls(self):
+        """The direct children, in the order of their creation."""
+        return [Window(self.driver, facts.handle) for facts in self.children()]
+
+    def _child_where(self, what, condition):
+        """The handle and the place in the order of creation of the first direct child with these facts."""
+        for index, facts in enumerate(self.children()):
+            if condition(facts):
+                return index, Window(self.driver, facts.handle)
+        raise AssertionError(f"no {what} in {self.facts.text!r}")
+
+    def line(self, beginning):
+        """The direct child whose text begins so."""
+        return self._child_where(beginning, lambda facts: facts.text.startswith(beginning))[1]
+
+    def field(self, caption):
+        """The control that was created next behind the one with this caption."""
+        index, _ = self._child_where(caption, lambda facts: facts.text == caption)
+        return self.controls()[index + 1]
+
+    def only(self, class_name):
+        """The first direct child of this class."""
+        return self._child_where(class_name, lambda facts: facts.__dict__["class"] == class_name)[1]
 
     def control(self, number):
         """The direct child with this control id."""
