@@ -50,8 +50,9 @@ bool IsScalarValue(uint32_t codePoint) {
 wchar_t* WriteCodePoint(wchar_t* out, uint32_t codePoint) {
     if constexpr (sizeof(wchar_t) == 2) {
         if (codePoint > 0xFFFF) {
-            *out++ = static_cast<wchar_t>(0xD800 + ((codePoint - 0x10000) >> 10));
-            *out++ = static_cast<wchar_t>(0xDC00 + ((codePoint - 0x10000) & 0x3FF));
+            const SurrogatePair pair = SplitCodePoint(codePoint);
+            *out++ = static_cast<wchar_t>(pair.high);
+            *out++ = static_cast<wchar_t>(pair.low);
             return out;
         }
     }

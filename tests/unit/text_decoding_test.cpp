@@ -48,12 +48,28 @@ TEST(DecodeUtf8, EveryScalarValueInItsShortestFormIsAccepted) {
         ASSERT_TRUE(DecodeUtf8(octets, text)) << std::hex << codePoint;
         if (text.size() == 2) {
             ASSERT_EQ(sizeof(wchar_t), 2U);
-            ASSERT_EQ(0x10000U + ((text[0] - 0xD800U) << 10) + (text[1] - 0xDC00U), codePoint);
+            const SurrogatePair pair = SplitCodePoint(codePoint);
+            ASSERT_EQ(static_cast<uint32_t>(text[0]), pair.high);
+            ASSERT_EQ(static_cast<uint32_t>(text[1]), pair.low);
         } else {
             ASSERT_EQ(text.size(), 1U);
             ASSERT_EQ(static_cast<uint32_t>(text[0]), codePoint);
         }
     }
+}
+
+TEST(SplitCodePoint, HalvesLieInTheirRangesAndGiveTheCharacterBack) {
+    uint32_t expectedHigh = 0xD800;
+    uint32_t expectedLow = 0xDC00;
+    for (uint32_t codePoint = 0x10000; codePoint <= 0x10FFFF; ++codePoint) {
+        const SurrogatePair pair = SplitCodePoint(codePoint);
+        ASSERT_EQ(pair.high, expectedHigh) << std::hex << codePoint;
+        ASSERT_EQ(pair.low, expectedLow) << std::hex << codePoint;
+        // Counted up as the pairs are: the low half first, from DC00 to DFFF.
+        expectedLow = expectedLow == 0xDFFF ? 0xDC00 : expectedLow + 1;
+        expectedHigh += expectedLow == 0xDC00;
+    }
+    EXPECT_EQ(expectedHigh, 0xDC00U) << "the last pair is DBFF DFFF";
 }
 
 TEST(DecodeUtf8, SurrogatesAreRejected) {
