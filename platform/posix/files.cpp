@@ -15,7 +15,7 @@ namespace {
 constexpr mode_t kNewFileMode = 0644;
 
 ScopedDescriptor OpenFile(const std::wstring& path, int flags) {
-    return ScopedDescriptor(open(ToPosixPath(path).c_str(), flags | O_CLOEXEC, kNewFileMode));
+    return ScopedDescriptor(open(PosixPath(path).c_str(), flags | O_CLOEXEC, kNewFileMode));
 }
 
 bool WriteAll(int descriptor, std::string_view octets) {
@@ -87,7 +87,7 @@ bool ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octe
 
 std::optional<uint64_t> QueryFileSize(const std::wstring& path) {
     struct stat status {};
-    if (stat(ToPosixPath(path).c_str(), &status) != 0) {
+    if (stat(PosixPath(path).c_str(), &status) != 0) {
         return std::nullopt;
     }
     return static_cast<uint64_t>(status.st_size);
@@ -103,5 +103,5 @@ bool CopyFileOver(const std::wstring& source, const std::wstring& target) {
 }
 
 bool RemoveFile(const std::wstring& path) {
-    return unlink(ToPosixPath(path).c_str()) == 0 || errno == ENOENT;
+    return unlink(PosixPath(path).c_str()) == 0 || errno == ENOENT;
 }

@@ -9,7 +9,8 @@
 #include <string_view>
 
 #include "platform/posix/posix_paths.h"
-#include "platform/text_decoding.h"
+#include "platform/text.h"
+#include "platform/utf8.h"
 
 namespace {
 
@@ -19,6 +20,13 @@ struct FolderCloser {
     void operator()(DIR* folder) const { closedir(folder); }
 };
 using ScopedFolder = std::unique_ptr<DIR, FolderCloser>;
+
+// A name that is not UTF-8 still gets some text of its own.
+void DecodeName(std::string_view octets, std::wstring& name) {
+    if (!DecodeUtf8(octets, name)) {
+        DecodeAnsi(octets, name);
+    }
+}
 
 // False: the entry vanished or may not be looked at.
 bool ReadEntryType(const std::string& folder, const dirent& entry, bool* isRegularFile) {
@@ -39,18 +47,18 @@ std::wstring QueryLocalAppDataFolder() {
     const char* home = std::getenv("QUILLMONT_DATA_HOME");
     std::wstring folder;
     if (home != nullptr) {
-        DecodeUtf8OrAnsi(home, folder);
+        DecodeName(home, folder);
     }
     return folder;
 }
 
 bool PathExists(const std::wstring& path) {
     struct stat status {};
-    return stat(ToPosixPath(path).c_str(), &status) == 0;
+    return stat(PosixPath(path).c_str(), &status) == 0;
 }
 
 void CreateFolderWithParents(const std::wstring& path) {
-    const std::string folder = ToPosixPath(path);
+    const std::string folder(PosixPath(path).View());
     for (size_t slash = folder.find('/', 1); slash != std::string::npos;
          slash = folder.find('/', slash + 1)) {
         mkdir(folder.substr(0, slash).c_str(), kNewFolderMode);
@@ -59,7 +67,7 @@ void CreateFolderWithParents(const std::wstring& path) {
 }
 
 bool EnumerateFolder(const std::wstring& path, const std::function<void(const FolderEntry&)>& visit) {
-    const std::string folder = ToPosixPath(path);
+    const std::string folder(PosixPath(path).View());
     const ScopedFolder stream(opendir(folder.c_str()));
     if (!stream) {
         return false;
@@ -78,7 +86,7 @@ bool EnumerateFolder(const std::wstring& path, const std::function<void(const Fo
         if (!ReadEntryType(folder, *entry, &found.isRegularFile)) {
             return false;
         }
-        DecodeUtf8OrAnsi(name, found.name);  // a name that is not UTF-8 still gets some text of its own
+        DecodeName(name, found.name);
         visit(found);
     }
 }

@@ -5,38 +5,52 @@
 
 namespace {
 
-void AppendUtf8(std::string& octets, uint32_t codePoint) {
+constexpr size_t kLongestSequence = 4;
+
+// The place behind the last octet written; `out` has room for the longest sequence.
+char* WriteUtf8(char* out, uint32_t codePoint) {
     const auto trailing = [&](unsigned shift) {
-        octets.push_back(static_cast<char>(0x80U | ((codePoint >> shift) & 0x3FU)));
+        *out++ = static_cast<char>(0x80U | ((codePoint >> shift) & 0x3FU));
     };
     if (codePoint < 0x80) {
-        octets.push_back(static_cast<char>(codePoint));
+        *out++ = static_cast<char>(codePoint);
     } else if (codePoint < 0x800) {
-        octets.push_back(static_cast<char>(0xC0U | (codePoint >> 6)));
+        *out++ = static_cast<char>(0xC0U | (codePoint >> 6));
         trailing(0);
     } else if (codePoint < 0x10000) {
-        octets.push_back(static_cast<char>(0xE0U | (codePoint >> 12)));
+        *out++ = static_cast<char>(0xE0U | (codePoint >> 12));
         trailing(6);
         trailing(0);
     } else {
-        octets.push_back(static_cast<char>(0xF0U | (codePoint >> 18)));
+        *out++ = static_cast<char>(0xF0U | (codePoint >> 18));
         trailing(12);
         trailing(6);
         trailing(0);
     }
+    return out;
+}
+
+uint32_t ToPathCharacter(wchar_t character) {
+    constexpr uint32_t kReplacement = 0xFFFD;
+    const auto code = static_cast<uint32_t>(character);
+    if (code == L'\\') {
+        return '/';
+    }
+    return code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF) ? code : kReplacement;
 }
 
 }  // namespace
 
-std::string ToPosixPath(std::wstring_view path) {
-    constexpr uint32_t kReplacement = 0xFFFD;
-    std::string octets;
-    octets.reserve(path.size());
+PosixPath::PosixPath(std::wstring_view path) {
+    char* out = octets_;
+    const char* const lastStart = octets_ + PATH_MAX - kLongestSequence - 1;
     for (const wchar_t character : path) {
-        const auto code = static_cast<uint32_t>(character);
-        const bool scalar = code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF);
-        AppendUtf8(octets, scalar ? code : kReplacement);
+        if (out > lastStart) {
+            out = octets_;
+            break;
+        }
+        out = WriteUtf8(out, ToPathCharacter(character));
     }
-    std::replace(octets.begin(), octets.end(), '\\', '/');
-    return octets;
+    *out = '\0';
+    size_ = static_cast<size_t>(out - octets_);
 }
