@@ -1,7 +1,7 @@
 // Where a datagram's time goes, as one line a step: natively and, built for Windows, under Wine, where the
 // benchmark library is not to be had. A trap of eight bindings. Works in the data folder: for a scratch one.
-// Usage: datagram_steps ROUNDS. Prints "step nanoseconds"; "whole" is RecordTrap, which all but "receive" are
-// part of.
+// Usage: datagram_steps ROUNDS. Prints "step nanoseconds"; "whole" is RecordTraps, which all but "receive"
+// are part of.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -87,11 +87,15 @@ int main(int argc, char** argv) {
     Report("decode", rounds, [&] { DecodeSnmpMessage(trap.data(), trap.size(), workspace.bindings); });
     Report("compose", rounds,
            [&] { ComposeTrapRecord(time, L"127.0.0.1", workspace.bindings, workspace.record); });
-    Report("octets", rounds, [&] { EncodeFileLines(workspace.record, octets); });
+    Report("octets", rounds, [&] {
+        octets.clear();
+        AppendFileLines(workspace.record, octets);
+    });
     Report("append", rounds, [&] { AppendOctets(AppPaths.trapFilePath, octets); });
     Report("log", rounds, [&] { LogMessage(L"Trap received (127.0.0.1)."); });
     Report("whole", rounds, [&] {
-        RecordTrap(trap.data(), trap.size(), {kLoopback, 49152}, nullptr, workspace);
+        TrapArrival arrival = {trap.data(), trap.size(), {kLoopback, 49152}, ReadLocalTime()};
+        RecordTraps(std::span(&arrival, 1), nullptr, workspace);
     });
     StopSocketLibrary();
     return 0;

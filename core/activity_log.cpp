@@ -2,8 +2,11 @@
 
 #include "core/app_paths.h"
 #include "core/data_files.h"
+#include "core/file_text.h"
 
 namespace {
+
+constexpr size_t kStampLength = 23;
 
 void AppendPadded(std::wstring& text, unsigned value, int width) {
     wchar_t digits[10];
@@ -35,17 +38,23 @@ void AppendTimestamp(std::wstring& text, const LocalTime& time) {
 
 std::wstring FormatTimestamp() {
     std::wstring stamp;
-    stamp.reserve(23);
+    stamp.reserve(kStampLength);
     AppendTimestamp(stamp, ReadLocalTime());
     return stamp;
 }
 
-void LogMessage(std::wstring_view message) noexcept try {
+void AppendLogLine(std::wstring_view message, std::string& octets) {
     std::wstring line;
-    line.reserve(23 + 2 + message.size() + 2);
+    line.reserve(kStampLength + 2 + message.size() + 2);
     AppendTimestamp(line, ReadLocalTime());
     line.append(L"  ").append(message).append(L"\r\n");
-    AppendToFile(AppPaths.logFilePath, line);
+    AppendFileLines(line, octets);
+}
+
+void LogMessage(std::wstring_view message) noexcept try {
+    std::string octets;
+    AppendLogLine(message, octets);
+    AppendLinesToFile(AppPaths.logFilePath, octets);
 } catch (...) {
     // There is no other log to report to.
 }

@@ -9,7 +9,11 @@ std::mutex FileLock;
 void AppendToFile(const std::wstring& path, std::wstring_view text) {
     // Encoded before the lock is taken, so that two threads wait for each other only while a file is open.
     std::string octets;
-    EncodeFileLines(text, octets);
+    AppendFileLines(text, octets);
+    AppendLinesToFile(path, octets);
+}
+
+void AppendLinesToFile(const std::wstring& path, std::string_view octets) {
     const std::lock_guard lock(FileLock);
     AppendOctets(path, octets);
 }

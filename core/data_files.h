@@ -17,6 +17,10 @@ extern std::mutex FileLock;
 // creates a missing file.
 void AppendToFile(const std::wstring& path, std::wstring_view text);
 
+// Appends several texts with one open, one write and one close: `octets` is what AppendFileLines made of
+// them, one after the other, so that the file holds what as many calls of AppendToFile would have left.
+void AppendLinesToFile(const std::wstring& path, std::string_view octets);
+
 // Replaces the file's content by `text`, without adding a line end. False: the file could not be opened.
 bool ReplaceFileText(const std::wstring& path, std::wstring_view text);
 

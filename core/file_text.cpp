@@ -9,12 +9,18 @@ constexpr char kCarriageReturn = '\r';
 constexpr char kLineFeed = '\n';
 constexpr char kEndOfText = '\x1A';
 
-// True: all of `text` was appended. False: a character above 0xFF ended it.
-bool AppendFileText(std::wstring_view text, std::string& octets) {
+constexpr std::string_view kLineEnd = "\r\r\n";
+
+bool EndsInsideLine(std::wstring_view text) {
+    return !text.empty() && text.back() != L'\n';
+}
+
+void AppendFileText(std::wstring_view text, std::string_view lineEnd, std::string& octets) {
     const size_t start = octets.size();
-    // Written into room for the worst case: asking for each octet whether there is room takes three times
-    // as long.
-    octets.resize(start + 2 * text.size());
+    // Written into room for the worst case, asked for once: asking for each octet whether there is room
+    // takes three times as long, and asking once is also what leaves the octets as they were when there is
+    // no memory.
+    octets.resize(start + 2 * text.size() + lineEnd.size());
     char* out = octets.data() + start;
     const auto* character = text.data();
     const auto* const end = character + text.size();
@@ -24,22 +30,21 @@ bool AppendFileText(std::wstring_view text, std::string& octets) {
         }
         *out++ = static_cast<char>(*character);
     }
+    if (character == end) {
+        out = std::copy(lineEnd.begin(), lineEnd.end(), out);
+    }
     octets.resize(static_cast<size_t>(out - octets.data()));
-    return character == end;
 }
 
 }  // namespace
 
 void EncodeFileText(std::wstring_view text, std::string& octets) {
     octets.clear();
-    AppendFileText(text, octets);
+    AppendFileText(text, {}, octets);
 }
 
-void EncodeFileLines(std::wstring_view text, std::string& octets) {
-    octets.clear();
-    if (AppendFileText(text, octets) && !text.empty() && text.back() != L'\n') {
-        AppendFileText(L"\r\n", octets);
-    }
+void AppendFileLines(std::wstring_view text, std::string& octets) {
+    AppendFileText(text, EndsInsideLine(text) ? kLineEnd : std::string_view{}, octets);
 }
 
 void DecodeFileText(std::string_view octets, std::wstring& text) {

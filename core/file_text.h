@@ -11,10 +11,10 @@
 // Kept: the first character above 0xFF ends the output, since one octet cannot hold it; what follows is lost.
 void EncodeFileText(std::wstring_view text, std::string& octets);
 
-// The same, with CR LF added when `text` is not empty and does not end in a line feed. The question is
-// asked of the text, the cut applies to the whole: a cut text gets no line end, and the next one continues
-// its line.
-void EncodeFileLines(std::wstring_view text, std::string& octets);
+// Appends `text` in that form, with CR LF added when it is not empty and does not end in a line feed. The
+// question is asked of the text, the cut applies to the whole: a cut text gets no line end, and the next one
+// continues its line. Throws std::bad_alloc with `octets` as they were.
+void AppendFileLines(std::wstring_view text, std::string& octets);
 
 // Replaces `text` by the characters of `octets`, each octet one character: CR LF becomes LF, a CR alone
 // stays, 0x1A ends the content.

@@ -7,6 +7,7 @@
 
 #include "config/config_file.h"
 #include "core/app_paths.h"
+#include "core/run_guarded.h"
 #include "mib/mib_folder.h"
 #include "platform/udp_socket.h"
 #include "trap/server_control.h"

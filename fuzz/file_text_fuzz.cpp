@@ -44,8 +44,10 @@ void CheckEncoding(const std::wstring& text) {
     EncodeFileText(text, octets);
     Promise(octets == EncodePlainly(text, false),
             "a text is one octet a character up to the first above 0xFF");
-    EncodeFileLines(text, octets);
-    Promise(octets == EncodePlainly(text, true), "a line end is added to an uncut text that has none");
+    const std::string before = octets;
+    AppendFileLines(text, octets);
+    Promise(octets == before + EncodePlainly(text, true),
+            "a line end is added to an uncut text that has none");
 }
 
 // A text that came out of a file has no character that cannot go back into one.

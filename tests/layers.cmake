@@ -46,3 +46,14 @@ foreach(layer ${ENGINE_LAYERS})
   add_test(NAME ${BUILD}.${layer} COMMAND ${ENGINE_RUNNER} $<TARGET_FILE:quillmont_${layer}_tests>)
   set_tests_properties(${BUILD}.${layer} PROPERTIES TIMEOUT 300)
 endforeach()
+if(NOT CMAKE_HOST_WIN32)
+  # The lines belong to the network, so the network comes first and the runner finds itself inside it.
+  set(SLOW_LINE_RUNNER)
+  if(WIN32)
+    set(SLOW_LINE_RUNNER ${RUNNER} --inside)
+  endif()
+  add_test(NAME ${BUILD}.slow_line
+      COMMAND ${CMAKE_SOURCE_DIR}/scripts/in_private_network.sh ${CMAKE_SOURCE_DIR}/scripts/with_slow_lines.sh
+          ${SLOW_LINE_RUNNER} $<TARGET_FILE:quillmont_slow_line_tests>)
+  set_tests_properties(${BUILD}.slow_line PROPERTIES TIMEOUT 300)
+endif()

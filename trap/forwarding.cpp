@@ -17,7 +17,8 @@ void ForwardDatagram(const uint8_t* octets, size_t count, UdpSocket* socket) {
         return;
     }
     endpoint.port = static_cast<uint16_t>(target.port);
-    if (SendDatagram(*socket, endpoint, octets, count) == SendResult::Failed) {
+    const SendResult result = SendDatagram(*socket, endpoint, octets, count);
+    if (result == SendResult::Failed || result == SendResult::NoRoom) {
         LogMessage(L"Forwarding failed (sendto error).");
     }
 }

@@ -1,5 +1,6 @@
 #include "trap/receive_loop.h"
 
+#include "core/run_guarded.h"
 #include "platform/clock.h"
 #include "trap/server_state.h"
 
@@ -7,34 +8,40 @@ namespace {
 
 constexpr uint32_t kRetryDelay = 10;  // milliseconds
 
-using DatagramHandler = std::function<void(size_t, const Ipv4Endpoint&)>;
-
-void HandleGuarded(const DatagramHandler& handle, size_t size, const Ipv4Endpoint& sender) {
-    try {
-        handle(size, sender);
-    } catch (...) {
-        // Memory ran out or a lock failed: there is no place left to report it, and the next datagram may
-        // fare better than a receiver that has ended.
+// The answer that ended the taking; Datagram: enough were taken.
+ReceiveResult TakeWaiting(UdpSocket& socket, ReceiveTurn& turn, bool oneOnly) {
+    for (std::span<uint8_t> room = turn.Room(); !room.empty(); room = turn.Room()) {
+        size_t count = 0;
+        Ipv4Endpoint sender;
+        const ReceiveResult result = TakeDatagram(socket, room.data(), room.size(), &count, &sender);
+        if (result != ReceiveResult::Datagram) {
+            return result;
+        }
+        RunGuarded([&] { turn.Take(count, sender); });
+        if (oneOnly) {
+            break;
+        }
     }
+    return ReceiveResult::Datagram;
 }
 
 }  // namespace
 
-void ReceiveWhileRunning(UdpSocket& socket, uint8_t* buffer, size_t capacity, const DatagramHandler& handle) {
+void ReceiveWhileRunning(UdpSocket& socket, ReceiveTurn& turn, const std::function<void()>& work) {
+    bool socketWasEmpty = false;
     while (ServerState.running) {
-        size_t size = 0;
-        Ipv4Endpoint sender;
-        switch (ReceiveDatagram(socket, buffer, capacity, &size, &sender)) {
-            case ReceiveResult::Closed:
-                return;
-            case ReceiveResult::Failed:
-                if (ServerState.running) {
-                    SleepMilliseconds(kRetryDelay);
-                }
-                break;
-            case ReceiveResult::Datagram:
-                HandleGuarded(handle, size, sender);
-                break;
+        ReceiveResult result = TakeWaiting(socket, turn, socketWasEmpty);
+        RunGuarded(work);
+        turn.Clear();
+        if (result == ReceiveResult::Closed || !ServerState.running) {
+            return;
+        }
+        socketWasEmpty = result == ReceiveResult::NothingThere;
+        if (socketWasEmpty && !WaitForDatagram(socket)) {
+            result = ReceiveResult::Failed;
+        }
+        if (result == ReceiveResult::Failed) {
+            SleepMilliseconds(kRetryDelay);
         }
     }
 }

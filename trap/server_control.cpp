@@ -23,6 +23,15 @@ void CloseSocketField(UdpSocketRef* socket) {
     }
 }
 
+// True: *socket holds a socket bound to `port` on all addresses. False: *socket is null.
+bool BindUdpSocket(UdpSocketRef* socket, uint16_t port) {
+    *socket = OpenUdpSocket();
+    if (*socket && !BindToAllAddresses(**socket, port)) {
+        CloseSocketField(socket);
+    }
+    return *socket != nullptr;
+}
+
 void WaitForWorker(WorkerThreadHandle* worker) {
     if (*worker) {
         WaitForWorkerThread(**worker, kLongestWait);
@@ -90,14 +99,6 @@ void StartListenerWorker() {
 
 }  // namespace
 
-bool BindUdpSocket(UdpSocketRef* socket, uint16_t port) {
-    *socket = OpenUdpSocket();
-    if (*socket && !BindToAllAddresses(**socket, port)) {
-        CloseSocketField(socket);
-    }
-    return *socket != nullptr;
-}
-
 bool StartServer() {
     if (ServerState.running) {
         return true;
@@ -128,9 +129,11 @@ void StopServer() {
     LogMessage(L"Stopping server...");
     CloseSocketField(&ServerState.trapSocket);
     CloseSocketField(&ServerState.listenerSocket);
-    CloseSocketField(&ServerState.forwardSocket);
+    // What the trap thread has taken from its socket it still forwards, without waiting for a slow line.
+    EndWaiting(*ServerState.forwardSocket);
     WaitForWorker(&ServerState.trapThreadHandle);
     WaitForWorker(&ServerState.listenerThreadHandle);
+    CloseSocketField(&ServerState.forwardSocket);
     ShowRunning(false);
     LogMessage(L"Server stopped.");
     RequestRepaint();

@@ -2,10 +2,6 @@
 // running receiver and stopping a stopped one do nothing and log nothing.
 #pragma once
 
-#include <cstdint>
-
-#include "platform/udp_socket.h"
-
 // What the main window wants to hear; null: nobody listens. Called on the GUI thread, with no lock held.
 struct ServerHooks {
     void (*showRunning)(bool running) = nullptr;  // the button's text, before the last log line
@@ -17,9 +13,9 @@ extern ServerHooks ServerEvents;
 // stays open.
 bool StartServer();
 
-// Closes the sockets and waits for the workers, at most 1500 ms each, the trap thread first. A worker that
-// takes longer is let go: it finishes what it holds, finds its socket closed and ends.
+// Closes the two ports and waits for the workers, at most 1500 ms each, the trap thread first. The traps that
+// it holds are recorded and forwarded as far as the line takes them at once: no network can hold up a stop,
+// and what it leaves unsent is a line in the log. A worker that takes longer is let go: it finishes what it
+// holds, finds its sockets closed and ends. Only a file call that hangs under FileLock can make a stop
+// longer, by as long as it hangs, since the stop writes its own lines there.
 void StopServer();
-
-// True: *socket holds a socket bound to `port` on all addresses. False: *socket is null.
-bool BindUdpSocket(UdpSocketRef* socket, uint16_t port);

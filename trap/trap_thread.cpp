@@ -1,81 +1,110 @@
 #include "trap/trap_thread.h"
 
-#include <array>
+#include <algorithm>
 #include <functional>
 
 #include "core/activity_log.h"
 #include "core/app_paths.h"
 #include "core/data_files.h"
-#include "core/decimal_text.h"
-#include "platform/clock.h"
+#include "core/file_text.h"
+#include "core/run_guarded.h"
 #include "trap/forwarding.h"
 #include "trap/ipv4_text.h"
 #include "trap/receive_loop.h"
-#include "trap/server_state.h"
 #include "trap/snmp_message.h"
 #include "trap/trap_record.h"
 
 namespace {
 
-constexpr size_t kLargestDatagram = 65535;
-
 // Ordinary traps fit into one Ethernet frame.
 constexpr size_t kLargestOrdinaryDatagram = 1500;
 
-void NoteArrival(const Ipv4Endpoint& sender, std::wstring& text) {
-    text.clear();
-    AppendIpv4Text(text, sender.address);
-    const size_t addressLength = text.size();
-    text.push_back(L':');
-    AppendDecimal(text, sender.port);
-    ServerState.lastTrapTick.exchange(ReadTickCount());
-    ReplaceLastTrapSender(text);
-    text.resize(addressLength);
+bool IsGiant(const TrapArrival& trap) {
+    return trap.count > kLargestOrdinaryDatagram;
 }
 
 // Gives back what a hostile giant took, be it recorded or not: when memory runs out on the way, above all.
 class GiantRelease {
   public:
-    GiantRelease(size_t count, TrapWorkspace& workspace) : count_(count), workspace_(workspace) {}
+    GiantRelease(std::span<const TrapArrival> arrivals, TrapWorkspace& workspace)
+        : needed_(std::any_of(arrivals.begin(), arrivals.end(), IsGiant)), workspace_(workspace) {}
     GiantRelease(const GiantRelease&) = delete;
     GiantRelease& operator=(const GiantRelease&) = delete;
     ~GiantRelease() {
-        if (count_ > kLargestOrdinaryDatagram) {
+        if (needed_) {
             workspace_.bindings.Release();
             std::wstring().swap(workspace_.record);
+            std::string().swap(workspace_.records);
         }
     }
 
   private:
-    size_t count_;
+    bool needed_;
     TrapWorkspace& workspace_;
 };
+
+void ReplaceSenderText(const TrapArrival& trap, std::wstring& text) {
+    text.clear();
+    AppendIpv4Text(text, trap.sender.address);
+}
+
+void AppendRecord(const TrapArrival& trap, TrapWorkspace& workspace) {
+    ReplaceSenderText(trap, workspace.sender);
+    DecodeSnmpMessage(trap.octets, trap.count, workspace.bindings);
+    ComposeTrapRecord(trap.time, workspace.sender, workspace.bindings, workspace.record);
+    AppendFileLines(workspace.record, workspace.records);
+}
+
+void AppendAnnouncement(const TrapArrival& trap, TrapWorkspace& workspace) {
+    ReplaceSenderText(trap, workspace.sender);
+    workspace.message.assign(L"Trap received (").append(workspace.sender).append(L").");
+    AppendLogLine(workspace.message, workspace.logLines);
+}
+
+// Takes each step for every trap before the next step for any; a trap that was not recorded goes no further.
+template <typename Step>
+void ForEachRecorded(std::span<TrapArrival> arrivals, Step step) {
+    for (const TrapArrival& trap : arrivals) {
+        if (trap.recorded) {
+            RunGuarded([&] { step(trap); });
+        }
+    }
+}
+
+// An empty append would make a file that is missing.
+void AppendWhenAny(const std::wstring& path, std::string_view octets) {
+    if (!octets.empty()) {
+        AppendLinesToFile(path, octets);
+    }
+}
 
 void ReceiveTraps(UdpSocket& trapSocket, UdpSocket* forwardSocket) {
     // On the stack, which a thread has from its start or does not start at all: a receiver must not end for
     // want of its buffer.
-    std::array<uint8_t, kLargestDatagram> buffer;
+    TrapTurn turn;
     TrapWorkspace workspace;
-    const auto record = [&](size_t size, const Ipv4Endpoint& sender) {
-        RecordTrap(buffer.data(), size, sender, forwardSocket, workspace);
-    };
+    const auto record = [&] { RecordTraps(turn.arrivals(), forwardSocket, workspace); };
     // By reference, which needs no memory either.
-    ReceiveWhileRunning(trapSocket, buffer.data(), buffer.size(), std::ref(record));
+    ReceiveWhileRunning(trapSocket, turn, std::ref(record));
 }
 
 }  // namespace
 
-void RecordTrap(const uint8_t* octets, size_t count, const Ipv4Endpoint& sender, UdpSocket* forwardSocket,
-                TrapWorkspace& workspace) {
-    const GiantRelease release(count, workspace);
-    NoteArrival(sender, workspace.sender);
-    const LocalTime time = ReadLocalTime();
-    DecodeSnmpMessage(octets, count, workspace.bindings);
-    ComposeTrapRecord(time, workspace.sender, workspace.bindings, workspace.record);
-    AppendToFile(AppPaths.trapFilePath, workspace.record);
-    workspace.logLine.assign(L"Trap received (").append(workspace.sender).append(L").");
-    LogMessage(workspace.logLine);
-    ForwardDatagram(octets, count, forwardSocket);
+void RecordTraps(std::span<TrapArrival> arrivals, UdpSocket* forwardSocket, TrapWorkspace& workspace) {
+    const GiantRelease release(arrivals, workspace);
+    workspace.records.clear();
+    workspace.logLines.clear();
+
+    for (TrapArrival& trap : arrivals) {
+        trap.recorded = RunGuarded([&] { AppendRecord(trap, workspace); });
+    }
+    AppendWhenAny(AppPaths.trapFilePath, workspace.records);
+
+    ForEachRecorded(arrivals, [&](const TrapArrival& trap) { AppendAnnouncement(trap, workspace); });
+    AppendWhenAny(AppPaths.logFilePath, workspace.logLines);
+
+    ForEachRecorded(
+        arrivals, [&](const TrapArrival& trap) { ForwardDatagram(trap.octets, trap.count, forwardSocket); });
 }
 
 void TrapThread(UdpSocket& trapSocket, UdpSocket* forwardSocket) {

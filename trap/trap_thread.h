@@ -1,28 +1,30 @@
 // The way of a trap: received, noted, decoded, recorded, announced, forwarded.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
+#include <span>
 #include <string>
 
 #include "platform/udp_socket.h"
+#include "trap/trap_turn.h"
 #include "trap/varbind_list.h"
 
-// What RecordTrap reuses from one datagram to the next.
+// What RecordTraps reuses from one turn to the next.
 struct TrapWorkspace {
     VarbindList bindings;
     std::wstring sender;
     std::wstring record;
-    std::wstring logLine;
+    std::wstring message;
+    std::string records;   // of the turn, as SNMP.txt holds them
+    std::string logLines;  // of the turn, as log.txt holds them
 };
 
-// Everything that happens to one datagram of `count` octets (0 included), from noting its arrival
-// to forwarding it. Writes ServerState.lastTrapTick and lastTrapSender, SNMP.txt and log.txt. May
-// throw std::bad_alloc.
-void RecordTrap(const uint8_t* octets, size_t count, const Ipv4Endpoint& sender, UdpSocket* forwardSocket,
-                TrapWorkspace& workspace);
+// Everything that happens to the traps of one turn once they have arrived. SNMP.txt and log.txt are each
+// opened once, and what they and the wire see is what as many turns of one trap each would give. Memory
+// that runs out for one trap costs that trap, or only its log line, and no other. Throws what a refused
+// FileLock throws.
+void RecordTraps(std::span<TrapArrival> arrivals, UdpSocket* forwardSocket, TrapWorkspace& workspace);
 
 // Body of the worker for UDP 162: records datagrams until its socket is closed or the receiver stops. It
-// knows no sockets but these, so it can never serve a later run; whoever starts it keeps them alive. Throws
-// nothing: what goes wrong with one datagram (memory ran out) costs that datagram and no other.
+// knows no sockets but these, so it can never serve a later run; whoever starts it keeps them alive.
+// Throws nothing.
 void TrapThread(UdpSocket& trapSocket, UdpSocket* forwardSocket);

@@ -15,13 +15,3 @@ LRESULT CALLBACK GuardedProc(HWND window, UINT message, WPARAM wParam, LPARAM lP
         return DefWindowProcW(window, message, wParam, lParam);
     }
 }
-
-// Runs one step that the next step must not depend on; what it throws ends this step alone.
-template <typename Step>
-void RunGuarded(Step step) noexcept {
-    try {
-        step();
-    } catch (...) {
-        // Nothing to report to: the log itself may be what failed.
-    }
-}

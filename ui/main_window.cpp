@@ -1,6 +1,7 @@
 #include "ui/main_window.h"
 
 #include "config/config_file.h"
+#include "core/run_guarded.h"
 #include "trap/server_control.h"
 #include "trap/server_state.h"
 #include "ui/exception_guard.h"

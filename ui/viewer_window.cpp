@@ -8,6 +8,7 @@
 #include "core/activity_log.h"
 #include "core/app_paths.h"
 #include "core/data_files.h"
+#include "core/run_guarded.h"
 #include "platform/files.h"
 #include "platform/windows/windows_headers.h"
 #include "ui/exception_guard.h"

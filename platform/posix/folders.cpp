@@ -9,8 +9,7 @@
 #include <string_view>
 
 #include "platform/posix/posix_paths.h"
-#include "platform/text.h"
-#include "platform/utf8.h"
+#include "platform/text_decoding.h"
 
 namespace {
 
@@ -20,13 +19,6 @@ struct FolderCloser {
     void operator()(DIR* folder) const { closedir(folder); }
 };
 using ScopedFolder = std::unique_ptr<DIR, FolderCloser>;
-
-// A name that is not UTF-8 still gets some text of its own.
-void DecodeName(std::string_view octets, std::wstring& name) {
-    if (!DecodeUtf8(octets, name)) {
-        DecodeAnsi(octets, name);
-    }
-}
 
 // False: the entry vanished or may not be looked at.
 bool ReadEntryType(const std::string& folder, const dirent& entry, bool* isRegularFile) {
@@ -47,7 +39,7 @@ std::wstring QueryLocalAppDataFolder() {
     const char* home = std::getenv("QUILLMONT_DATA_HOME");
     std::wstring folder;
     if (home != nullptr) {
-        DecodeName(home, folder);
+        DecodeUtf8OrAnsi(home, folder);
     }
     return folder;
 }
@@ -86,7 +78,7 @@ bool EnumerateFolder(const std::wstring& path, const std::function<void(const Fo
         if (!ReadEntryType(folder, *entry, &found.isRegularFile)) {
             return false;
         }
-        DecodeName(name, found.name);
+        DecodeUtf8OrAnsi(name, found.name);  // a name that is not UTF-8 still gets some text of its own
         visit(found);
     }
 }

@@ -16,11 +16,11 @@
 // Closing a descriptor does not wake a thread that waits on it here, so each socket has an event beside it.
 struct UdpSocket {
     UdpSocket(ScopedDescriptor socket, ScopedDescriptor event)
-        : descriptor(std::move(socket)), closedEvent(std::move(event)) {}
+        : descriptor(std::move(socket)), endEvent(std::move(event)) {}
 
-    std::mutex lock;               // guards `descriptor` while one non-blocking call uses it
-    ScopedDescriptor descriptor;   // reset by CloseUdpSocket
-    ScopedDescriptor closedEvent;  // readable from the close on; lives as long as the socket object
+    std::mutex lock;              // guards `descriptor` while one non-blocking call uses it
+    ScopedDescriptor descriptor;  // reset by CloseUdpSocket
+    ScopedDescriptor endEvent;    // readable from the end of the waiting on; lives as long as the socket
 };
 
 namespace {
@@ -33,30 +33,19 @@ sockaddr_in MakeSystemAddress(const Ipv4Endpoint& endpoint) {
     return address;
 }
 
-// Nothing waits in the socket: the caller should wait for its event.
-constexpr ssize_t kNothingThere = -2;
-constexpr ssize_t kClosed = -3;
+enum class Wake { Ready, Ended, Refused };
 
-ssize_t TryReceive(UdpSocket& socket, uint8_t* buffer, size_t capacity, sockaddr_in* sender) {
-    const std::lock_guard lock(socket.lock);
-    if (!socket.descriptor) {
-        return kClosed;
-    }
-    socklen_t senderSize = sizeof *sender;
-    const ssize_t got = recvfrom(socket.descriptor.get(), buffer, capacity, MSG_DONTWAIT,
-                                 reinterpret_cast<sockaddr*>(sender), &senderSize);
-    return got < 0 && errno == EAGAIN ? kNothingThere : got;
-}
-
-// False: the system refused to wait.
-bool WaitForDatagramOrClose(UdpSocket& socket) {
-    pollfd waits[2] = {{-1, POLLIN, 0}, {socket.closedEvent.get(), POLLIN, 0}};
+Wake WaitForReady(UdpSocket& socket, short event) {
+    pollfd waits[2] = {{-1, event, 0}, {socket.endEvent.get(), POLLIN, 0}};
     {
         const std::lock_guard lock(socket.lock);
         // A number that is closed after this and taken over by another file only wakes us for one look.
         waits[0].fd = socket.descriptor.get();
     }
-    return poll(waits, 2, -1) >= 0 || errno == EINTR;
+    if (poll(waits, 2, -1) < 0 && errno != EINTR) {
+        return Wake::Refused;
+    }
+    return waits[1].revents != 0 ? Wake::Ended : Wake::Ready;
 }
 
 }  // namespace
@@ -99,43 +88,55 @@ int QueryReceiveBuffer(UdpSocket& socket) {
     return octets;
 }
 
-ReceiveResult ReceiveDatagram(UdpSocket& socket, uint8_t* buffer, size_t capacity, size_t* size,
-                              Ipv4Endpoint* sender) {
-    for (;;) {
-        sockaddr_in from{};
-        const ssize_t got = TryReceive(socket, buffer, capacity, &from);
-        if (got >= 0) {
-            *size = static_cast<size_t>(got);
-            *sender = {ntohl(from.sin_addr.s_addr), ntohs(from.sin_port)};
-            return ReceiveResult::Datagram;
-        }
-        if (got == kClosed) {
-            return ReceiveResult::Closed;
-        }
-        if (got != kNothingThere) {
-            return ReceiveResult::Failed;
-        }
-        if (!WaitForDatagramOrClose(socket)) {
-            return ReceiveResult::Failed;
-        }
+ReceiveResult TakeDatagram(UdpSocket& socket, uint8_t* buffer, size_t capacity, size_t* size,
+                           Ipv4Endpoint* sender) {
+    const std::lock_guard lock(socket.lock);
+    if (!socket.descriptor) {
+        return ReceiveResult::Closed;
     }
+    sockaddr_in from{};
+    socklen_t fromSize = sizeof from;
+    const ssize_t got = recvfrom(socket.descriptor.get(), buffer, capacity, MSG_DONTWAIT,
+                                 reinterpret_cast<sockaddr*>(&from), &fromSize);
+    if (got < 0) {
+        return errno == EAGAIN ? ReceiveResult::NothingThere : ReceiveResult::Failed;
+    }
+    *size = static_cast<size_t>(got);
+    *sender = {ntohl(from.sin_addr.s_addr), ntohs(from.sin_port)};
+    return ReceiveResult::Datagram;
 }
 
-SendResult SendDatagram(UdpSocket& socket, const Ipv4Endpoint& target, const uint8_t* octets, size_t size) {
+bool WaitForDatagram(UdpSocket& socket) {
+    return WaitForReady(socket, POLLIN) != Wake::Refused;
+}
+
+SendResult TrySendDatagram(UdpSocket& socket, const Ipv4Endpoint& target, const uint8_t* octets,
+                           size_t size) {
     const sockaddr_in address = MakeSystemAddress(target);
     const std::lock_guard lock(socket.lock);
     if (!socket.descriptor) {
         return SendResult::Closed;
     }
-    const ssize_t sent = sendto(socket.descriptor.get(), octets, size, 0,
+    const ssize_t sent = sendto(socket.descriptor.get(), octets, size, MSG_DONTWAIT,
                                 reinterpret_cast<const sockaddr*>(&address), sizeof address);
-    return sent < 0 ? SendResult::Failed : SendResult::Sent;
+    if (sent >= 0) {
+        return SendResult::Sent;
+    }
+    return errno == EAGAIN ? SendResult::NoRoom : SendResult::Failed;
+}
+
+bool WaitForRoom(UdpSocket& socket) {
+    return WaitForReady(socket, POLLOUT) == Wake::Ready;
+}
+
+void EndWaiting(UdpSocket& socket) {
+    eventfd_write(socket.endEvent.get(), 1);
 }
 
 void CloseUdpSocket(UdpSocket& socket) {
     const std::lock_guard lock(socket.lock);
     socket.descriptor.Reset();
-    eventfd_write(socket.closedEvent.get(), 1);
+    EndWaiting(socket);
 }
 
 bool ParseIpv4Address(const std::string& text, uint32_t* address) {

@@ -50,17 +50,16 @@ struct UdpSocket {
     SystemLock lock;      // guards `handle` while one call uses it
     ScopedSocket handle;  // reset by CloseUdpSocket
 
-    // Set by the system when a datagram waits; resets itself when waited for.
-    const ScopedHandle arrivedEvent{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
-    // Set from the close on.
-    const ScopedHandle closedEvent{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+    // Set by the system when a datagram waits, or when there is room again after a datagram found none;
+    // resets itself when waited for.
+    const ScopedHandle readyEvent{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
+    // Set from the end of the waiting on.
+    const ScopedHandle endEvent{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
 };
 
 namespace {
 
 constexpr int kAddressSize = static_cast<int>(sizeof(sockaddr_in));
-
-enum class Attempt { Received, NothingThere, Closed, Failed };
 
 sockaddr_in MakeSystemAddress(const Ipv4Endpoint& endpoint) {
     sockaddr_in address{};
@@ -70,44 +69,30 @@ sockaddr_in MakeSystemAddress(const Ipv4Endpoint& endpoint) {
     return address;
 }
 
-Attempt SortReceiveError(int error) {
+ReceiveResult SortReceiveError(int error) {
     switch (error) {
         case WSAEWOULDBLOCK:
-            return Attempt::NothingThere;
+            return ReceiveResult::NothingThere;
         case WSAEINTR:
         case WSAENOTSOCK:
-            return Attempt::Closed;
+            return ReceiveResult::Closed;
         default:
-            return Attempt::Failed;
+            return ReceiveResult::Failed;
     }
 }
 
-Attempt TryReceive(UdpSocket& socket, uint8_t* buffer, size_t capacity, size_t* size, sockaddr_in* sender) {
-    const std::lock_guard lock(socket.lock);
-    if (!socket.handle) {
-        return Attempt::Closed;
-    }
-    int senderSize = kAddressSize;
-    const int got = recvfrom(socket.handle.get(), reinterpret_cast<char*>(buffer), static_cast<int>(capacity),
-                             0, reinterpret_cast<sockaddr*>(sender), &senderSize);
-    if (got >= 0) {
-        *size = static_cast<size_t>(got);
-        return Attempt::Received;
-    }
-    const int error = WSAGetLastError();
-    if (error == WSAEMSGSIZE) {
-        // The buffer is full of the datagram's start and the sender is known: a long datagram is one all
-        // the same.
-        *size = capacity;
-        return Attempt::Received;
-    }
-    return SortReceiveError(error);
-}
+enum class Wake { Ready, Ended, Refused };
 
-// False: the system refused to wait.
-bool WaitForDatagramOrClose(const UdpSocket& socket) {
-    const HANDLE waits[] = {socket.closedEvent.get(), socket.arrivedEvent.get()};
-    return WaitForMultipleObjects(2, waits, FALSE, INFINITE) != WAIT_FAILED;
+Wake WaitForReady(const UdpSocket& socket) {
+    const HANDLE waits[] = {socket.endEvent.get(), socket.readyEvent.get()};
+    switch (WaitForMultipleObjects(2, waits, FALSE, INFINITE)) {
+        case WAIT_OBJECT_0:
+            return Wake::Ended;
+        case WAIT_OBJECT_0 + 1:
+            return Wake::Ready;
+        default:
+            return Wake::Refused;
+    }
 }
 
 }  // namespace
@@ -127,7 +112,10 @@ UdpSocketRef OpenUdpSocket() try {
         return nullptr;
     }
     auto opened = std::make_shared<UdpSocket>(std::move(handle));
-    const bool complete = opened->arrivedEvent && opened->closedEvent;
+    // Selecting events also makes the socket one that never blocks.
+    const bool complete =
+        opened->readyEvent && opened->endEvent &&
+        WSAEventSelect(opened->handle.get(), opened->readyEvent.get(), FD_READ | FD_WRITE) == 0;
     return complete ? opened : nullptr;
 } catch (const std::bad_alloc&) {
     return nullptr;
@@ -139,10 +127,7 @@ bool BindToAllAddresses(UdpSocket& socket, uint16_t port) {
     setsockopt(socket.handle.get(), SOL_SOCKET, SO_REUSEADDR, reinterpret_cast<const char*>(&reuse),
                sizeof reuse);
     const sockaddr_in address = MakeSystemAddress({INADDR_ANY, port});
-    // Selecting events makes the socket non-blocking; one that only sends is better off waiting for its turn,
-    // so this happens only here, where a socket becomes one that receives.
-    return bind(socket.handle.get(), reinterpret_cast<const sockaddr*>(&address), kAddressSize) == 0 &&
-           WSAEventSelect(socket.handle.get(), socket.arrivedEvent.get(), FD_READ) == 0;
+    return bind(socket.handle.get(), reinterpret_cast<const sockaddr*>(&address), kAddressSize) == 0;
 }
 
 void RequestReceiveBuffer(UdpSocket& socket, int octets) {
@@ -159,28 +144,33 @@ int QueryReceiveBuffer(UdpSocket& socket) {
     return octets;
 }
 
-ReceiveResult ReceiveDatagram(UdpSocket& socket, uint8_t* buffer, size_t capacity, size_t* size,
-                              Ipv4Endpoint* sender) {
-    for (;;) {
-        sockaddr_in from{};
-        switch (TryReceive(socket, buffer, capacity, size, &from)) {
-            case Attempt::Received:
-                *sender = {ntohl(from.sin_addr.s_addr), ntohs(from.sin_port)};
-                return ReceiveResult::Datagram;
-            case Attempt::Closed:
-                return ReceiveResult::Closed;
-            case Attempt::Failed:
-                return ReceiveResult::Failed;
-            case Attempt::NothingThere:
-                break;
-        }
-        if (!WaitForDatagramOrClose(socket)) {
-            return ReceiveResult::Failed;
-        }
+ReceiveResult TakeDatagram(UdpSocket& socket, uint8_t* buffer, size_t capacity, size_t* size,
+                           Ipv4Endpoint* sender) {
+    const std::lock_guard lock(socket.lock);
+    if (!socket.handle) {
+        return ReceiveResult::Closed;
     }
+    sockaddr_in from{};
+    int fromSize = kAddressSize;
+    const int got = recvfrom(socket.handle.get(), reinterpret_cast<char*>(buffer), static_cast<int>(capacity),
+                             0, reinterpret_cast<sockaddr*>(&from), &fromSize);
+    const int error = got < 0 ? WSAGetLastError() : 0;
+    if (got < 0 && error != WSAEMSGSIZE) {
+        return SortReceiveError(error);
+    }
+    // At WSAEMSGSIZE the buffer is full of the datagram's start and the sender is known: a long datagram is
+    // one all the same.
+    *size = got < 0 ? capacity : static_cast<size_t>(got);
+    *sender = {ntohl(from.sin_addr.s_addr), ntohs(from.sin_port)};
+    return ReceiveResult::Datagram;
 }
 
-SendResult SendDatagram(UdpSocket& socket, const Ipv4Endpoint& target, const uint8_t* octets, size_t size) {
+bool WaitForDatagram(UdpSocket& socket) {
+    return WaitForReady(socket) != Wake::Refused;
+}
+
+SendResult TrySendDatagram(UdpSocket& socket, const Ipv4Endpoint& target, const uint8_t* octets,
+                           size_t size) {
     const sockaddr_in address = MakeSystemAddress(target);
     const std::lock_guard lock(socket.lock);
     if (!socket.handle) {
@@ -189,13 +179,24 @@ SendResult SendDatagram(UdpSocket& socket, const Ipv4Endpoint& target, const uin
     const int sent =
         sendto(socket.handle.get(), reinterpret_cast<const char*>(octets), static_cast<int>(size), 0,
                reinterpret_cast<const sockaddr*>(&address), kAddressSize);
-    return sent < 0 ? SendResult::Failed : SendResult::Sent;
+    if (sent >= 0) {
+        return SendResult::Sent;
+    }
+    return WSAGetLastError() == WSAEWOULDBLOCK ? SendResult::NoRoom : SendResult::Failed;
+}
+
+bool WaitForRoom(UdpSocket& socket) {
+    return WaitForReady(socket) == Wake::Ready;
+}
+
+void EndWaiting(UdpSocket& socket) {
+    SetEvent(socket.endEvent.get());
 }
 
 void CloseUdpSocket(UdpSocket& socket) {
     const std::lock_guard lock(socket.lock);
     socket.handle.Reset();
-    SetEvent(socket.closedEvent.get());
+    EndWaiting(socket);
 }
 
 bool ParseIpv4Address(const std::string& text, uint32_t* address) {

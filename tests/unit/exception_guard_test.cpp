@@ -49,14 +49,4 @@ TEST(GuardedProc, ClosesAWindowWhoseCloseHandlerThrows) {
     EXPECT_FALSE(IsWindow(window));
 }
 
-TEST(RunGuarded, EndsTheThrowingStepAloneAndRunsTheNext) {
-    int reached = 0;
-    RunGuarded([&reached] {
-        ++reached;
-        throw std::bad_alloc();
-    });
-    RunGuarded([&reached] { ++reached; });
-    EXPECT_EQ(reached, 2);
-}
-
 }  // namespace

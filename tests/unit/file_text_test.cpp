@@ -13,8 +13,8 @@ std::string Encode(std::wstring_view text) {
 }
 
 std::string EncodeLines(std::wstring_view text) {
-    std::string octets = "leftover";
-    EncodeFileLines(text, octets);
+    std::string octets;
+    AppendFileLines(text, octets);
     return octets;
 }
 
@@ -65,29 +65,38 @@ TEST(EncodeFileText, NoLineEndIsAdded) {
     EXPECT_EQ(Encode(L""), "");
 }
 
-TEST(EncodeFileLines, TextWithoutLineEndGetsOne) {
+TEST(AppendFileLines, TextWithoutLineEndGetsOne) {
     EXPECT_EQ(EncodeLines(L"a"), "a\r\r\n");
     EXPECT_EQ(EncodeLines(L"a\r"), "a\r\r\r\n");
     EXPECT_EQ(EncodeLines(L"a\nb"), "a\r\nb\r\r\n");
 }
 
-TEST(EncodeFileLines, TextThatEndsInALineFeedGetsNothing) {
+TEST(AppendFileLines, TextThatEndsInALineFeedGetsNothing) {
     EXPECT_EQ(EncodeLines(L"a\r\n"), "a\r\r\n");
     EXPECT_EQ(EncodeLines(L"\n"), "\r\n");
 }
 
-TEST(EncodeFileLines, EmptyTextStaysEmpty) {
+TEST(AppendFileLines, EmptyTextStaysEmpty) {
     EXPECT_EQ(EncodeLines(L""), "");
 }
 
-TEST(EncodeFileLines, CutTextLosesItsLineEndAndTheAddedOne) {
+TEST(AppendFileLines, CutTextLosesItsLineEndAndTheAddedOne) {
     EXPECT_EQ(EncodeLines(L"before \u20AC after\r\n"), "before ");
     EXPECT_EQ(EncodeLines(L"before \u20AC after"), "before ");
 }
 
-TEST(EncodeFileLines, TheLastCharacterOfTheTextDecidesNotThatOfTheFile) {
+TEST(AppendFileLines, TheLastCharacterOfTheTextDecidesNotThatOfTheFile) {
     EXPECT_EQ(EncodeLines(L"line\n\u20AC"), "line\r\n")
         << "ends in a line feed on disk, was not asked for one";
+}
+
+TEST(AppendFileLines, EachTextStandsBehindTheOneBeforeAsIfWrittenByItself) {
+    std::string octets = "first\r\r\n";
+    AppendFileLines(L"cut \u20AC here\r\n", octets);
+    AppendFileLines(L"ends its line", octets);
+    AppendFileLines(L"", octets);
+    AppendFileLines(L"own end\n", octets);
+    EXPECT_EQ(octets, "first\r\r\ncut ends its line\r\r\nown end\r\n");
 }
 
 TEST(DecodeFileText, PairBecomesLineFeedAndLoneCarriageReturnStays) {

@@ -1,0 +1,196 @@
+// Forwarding over lines that are slower than the receiver, and stops meanwhile: no network may
+// hold up a stop, and nothing may be lost that a send which waits would have sent. The lines are
+// made by scripts/with_slow_lines.sh.
+#include <atomic>
+#include <chrono>
+#include <fstream>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "config/forwarding_settings.h"
+#include "core/data_files.h"
+#include "mib/name_store.h"
+#include "tests/engine/engine_fixture.h"
+#include "trap/server_control.h"
+#include "trap/server_state.h"
+
+namespace {
+
+constexpr wchar_t kSlowHost[] = L"10.77.1.2";
+constexpr uint32_t kSlowAddress = 0x0A4D0102;
+constexpr wchar_t kDeadNeighbour[] = L"10.77.1.3";
+constexpr wchar_t kQuickHost[] = L"10.77.2.2";
+constexpr wchar_t kUnreachable[] = L"203.0.113.1";  // no route leads there
+constexpr char kFailed[] = "Forwarding failed (sendto error).";
+
+// 1,500 ms for each worker.
+constexpr std::chrono::milliseconds kLongestStop(3000);
+
+// Wine shows the host's files as drive Z.
+#ifdef _WIN32
+constexpr char kLineCounters[] = "Z:/proc/net/dev";
+#else
+constexpr char kLineCounters[] = "/proc/net/dev";
+#endif
+
+// What left over the line so far, in octets; -1: there is no such line.
+int64_t OctetsSent(const std::string& line) {
+    std::ifstream counters(kLineCounters);
+    for (std::string name; counters >> name;) {
+        if (name == line + ":") {
+            constexpr int kReceiveCounters = 8;
+            int64_t value = -1;
+            for (int column = 0; column <= kReceiveCounters; ++column) {
+                counters >> value;
+            }
+            return value;
+        }
+    }
+    return -1;
+}
+
+class SlowLines : public EngineTest {
+  protected:
+    void SetUp() override {
+        EngineTest::SetUp();
+        if (OctetsSent("slow") < 0) {
+            GTEST_SKIP() << "there are no slow lines here: run this through scripts/with_slow_lines.sh";
+        }
+        ASSERT_TRUE(StartServer());
+        ASSERT_TRUE(WaitForLogLines("Trap thread started (UDP 162)."));
+    }
+
+    static void ForwardTo(const wchar_t* host) { ReplaceForwarding(true, host, 9); }
+
+    void Send(size_t count, const Octets& trap) {
+        for (size_t sent = 0; sent < count; ++sent) {
+            client_.Send(trap);
+        }
+    }
+
+    // Twelve of the largest keep the slow line busy for a minute and a half, and the buffer takes a few: once
+    // it is full, the worker waits for room.
+    static bool WaitForAFullSendBuffer() {
+        return WaitUntil([] {
+            const uint8_t octet = 0;
+            return TrySendDatagram(*ServerState.forwardSocket, {kSlowAddress, 9}, &octet, 1) ==
+                   SendResult::NoRoom;
+        });
+    }
+
+    // A bound that the receiver promises, not a measurement: the stop has it however slow the machine is, and
+    // a machine on which this fails is one on which the window was frozen.
+    static void ExpectStopInTime() {
+        const auto begin = std::chrono::steady_clock::now();
+        StopServer();
+        const auto took = std::chrono::steady_clock::now() - begin;
+        EXPECT_LE(std::chrono::duration_cast<std::chrono::milliseconds>(took), kLongestStop);
+        EXPECT_EQ(LogLines().back(), "Server stopped.");
+    }
+
+    // The stop waited for the workers and they ended: none was let go.
+    static void ExpectWorkersEnded() {
+        EXPECT_EQ(CountLogLines("Trap thread stopped."), 1U);
+        EXPECT_EQ(CountLogLines("Listener thread stopped (UDP 161)."), 1U);
+    }
+
+    LoopbackClient client_;
+};
+
+TEST_F(SlowLines, AFullSendBufferDoesNotHoldUpAStop) {
+    ForwardTo(kSlowHost);
+    constexpr size_t kTraps = 12;
+    Send(kTraps, LargestMessage());
+    ASSERT_TRUE(WaitForAFullSendBuffer());
+    ExpectStopInTime();
+    ExpectWorkersEnded();
+}
+
+TEST_F(SlowLines, WhatAStopLeavesUnsentIsALineForEach) {
+    ForwardTo(kSlowHost);
+    {
+        // All of them are taken in one turn or in the next: the first waits for the names.
+        const std::lock_guard holdUp(MibStoreLock);
+        Send(2, LargestMessage());
+        ASSERT_TRUE(WaitUntil([] { return ServerState.lastTrapTick != 0; }));
+        Send(8, LargestMessage());
+    }
+    ASSERT_TRUE(WaitForAFullSendBuffer());
+    ExpectStopInTime();
+    ExpectWorkersEnded();
+    EXPECT_GE(CountLogLines(kFailed), 1U) << "the one that waited for room";
+    EXPECT_LT(CountLogLines(kFailed), CountLogLines("Trap received (127.0.0.1)."))
+        << "some fitted the buffer";
+}
+
+TEST_F(SlowLines, ADeadNeighbourDoesNotHoldUpAStop) {
+    ForwardTo(kDeadNeighbour);
+    Send(400, Octets(1400, 0x30));
+    ASSERT_TRUE(WaitForTraps(1));
+    ExpectStopInTime();
+    ExpectWorkersEnded();
+}
+
+TEST_F(SlowLines, AnUnreachableTargetIsALineForEachTrapAndDoesNotHoldUpAStop) {
+    ForwardTo(kUnreachable);
+    Send(50, Sample("v2_link_down"));
+    ASSERT_TRUE(WaitForLogLines(kFailed, 50));
+    ExpectStopInTime();
+    ExpectWorkersEnded();
+    EXPECT_EQ(CountLogLines(kFailed), 50U);
+}
+
+TEST_F(SlowLines, NothingThatFitsTheLineInTimeIsLost) {
+    const int64_t before = OctetsSent("quick");
+    ForwardTo(kQuickHost);
+    constexpr size_t kTraps = 40;
+    const Octets trap = LargestMessage();
+    Send(kTraps, trap);
+    const auto all = static_cast<int64_t>(kTraps * trap.size());
+    EXPECT_TRUE(WaitUntil([&] { return OctetsSent("quick") - before >= all; }))
+        << OctetsSent("quick") - before;
+    EXPECT_EQ(CountLogLines(kFailed), 0U);
+}
+
+// ---- Stops while something else holds a worker
+
+TEST_F(SlowLines, AFloodDoesNotHoldUpAStop) {
+    std::atomic<bool> end{false};
+    std::thread flood([&] {
+        LoopbackClient flooder;
+        while (!end) {
+            flooder.Send(Sample("v2_link_down"));
+            flooder.Send({}, kListenerPort);
+        }
+    });
+    EXPECT_TRUE(WaitForTraps(100));
+    ExpectStopInTime();
+    end = true;
+    flood.join();
+    ExpectWorkersEnded();
+}
+
+TEST_F(SlowLines, AWorkerThatWaitsForNamesIsLetGo) {
+    const std::lock_guard holdUp(MibStoreLock);
+    client_.Send(Sample("v2_link_down"));
+    ASSERT_TRUE(WaitUntil([] { return ServerState.lastTrapTick != 0; }));
+    ExpectStopInTime();
+}
+
+// As when SNMP.txt lies in a folder that hangs: whoever uses it holds FileLock so long.
+TEST_F(SlowLines, AFileThatHangsForASecondDelaysAStopBySoMuch) {
+    std::atomic<bool> held{false};
+    std::thread hanging([&] {
+        const std::lock_guard lock(FileLock);
+        held = true;
+        std::this_thread::sleep_for(std::chrono::seconds(1));
+    });
+    EXPECT_TRUE(WaitUntil([&] { return held.load(); }));
+    client_.Send(Sample("v2_link_down"));
+    ExpectStopInTime();
+    hanging.join();
+    ExpectWorkersEnded();
+}
+
+}  // namespace
