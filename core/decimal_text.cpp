@@ -6,9 +6,9 @@
 
 namespace {
 
-// The zero of each script whose ten digits the runtime's conversion accepts, ascending.
-constexpr uint32_t kDigitZeros[] = {0x0030, 0x0660, 0x06F0, 0x0966, 0x09E6, 0x0A66, 0x0AE6, 0x0B66, 0x0C66,
-                                    0x0CE6, 0x0D66, 0x0E50, 0x0ED0, 0x0F20, 0x1040, 0x17E0, 0x1810, 0xFF10};
+// The zero of each further script whose ten digits the runtime's conversion accepts, ascending.
+constexpr uint32_t kDigitZeros[] = {0x0660, 0x06F0, 0x0966, 0x09E6, 0x0A66, 0x0AE6, 0x0B66, 0x0C66, 0x0CE6,
+                                    0x0D66, 0x0E50, 0x0ED0, 0x0F20, 0x1040, 0x17E0, 0x1810, 0xFF10};
 
 // -1 for a character that is no digit.
 int DigitValue(wchar_t character) {

@@ -15,6 +15,7 @@ see belongs into tests/faults/harmless.toml, with the reason.
 import argparse
 import os
 import random
+import signal
 import sys
 from pathlib import Path
 
@@ -80,6 +81,7 @@ def judge_all(faults, copy, presets, results, scratch):
 
 def main():
     arguments = read_arguments()
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit("broken off"))
     os.nice(10)
     copy = TreeCopy(ROOT, arguments.folder / "tree")
     copy.refresh()
