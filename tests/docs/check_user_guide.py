@@ -38,6 +38,7 @@ FOREIGN = {
     # Made of single characters in the sources.
     "0x",
     "...",
+    ".",
     "-",
     "_",
     "sysDescr",
@@ -115,11 +116,11 @@ def installer_switches():
 
 
 def log_texts():
-    """The texts from which log lines are made: what LogMessage is called with, and in files that call it with
+    """The texts from which log lines are made: what the log is called with, and in files that call it with
     something composed, every text that begins like a sentence."""
     texts = set()
     for path, code in sources():
-        calls = re.findall(r"\bLogMessage\((.*?)\);", code, re.S)
+        calls = re.findall(r"\b(?:LogMessage|AppendLogLine)\((.*?)\);", code, re.S)
         for call in calls:
             texts.update(text for text in literals(call) if len(text) > 1)
         composed = any(not CXX_LITERAL.fullmatch(call) for call in calls)
