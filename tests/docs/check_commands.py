@@ -92,7 +92,7 @@ def hold_lines(document, build):
 
 def faults_of_paths(document):
     for span in document.spans():
-        text = span.text
+        text = span.text.replace("NAME", "*")
         if is_path(text) and not text.startswith("build/") and not any(ROOT.glob(text.rstrip("/"))):
             yield f"{span}: is not there"
 

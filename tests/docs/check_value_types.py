@@ -1,5 +1,5 @@
 """Checks the guide's table of value types against the decoder's: the same types, and what the guide shows in one row is
-rendered in one way. The guide is the one place that describes them."""
+rendered in one way. The guide is the one place that describes them. And every type has its tests."""
 
 import re
 import sys
@@ -9,6 +9,9 @@ from documents import ROOT
 GUIDE = ROOT / "docs" / "user-guide.md"
 FORMATS = ROOT / "docs" / "file-formats.md"
 DECODER = ROOT / "trap" / "snmp_message.cpp"
+
+# What says of each type what it must be.
+HOLDING = [ROOT / "tests" / "unit" / "snmp_message_test.cpp", ROOT / "fuzz" / "snmp_message_fuzz.cpp"]
 
 ROW = re.compile(r'\{\.tag = (\w+), \.label = L"([^"]+)"sv, \.render = (\w+)\}')
 # What the decoder says in place of a label of that table.
@@ -54,11 +57,19 @@ def faults_of_renderers(rows, table):
             yield f"the guide has in one row what is rendered differently: {', '.join(types)}"
 
 
+def faults_of_holding(rows):
+    for path in HOLDING:
+        text = path.read_text(encoding="utf-8")
+        for label in sorted(rows):
+            if not re.search(rf'["|]{re.escape(label)}[|"]', text):
+                yield f"{path.relative_to(ROOT)} does not hold {label}"
+
+
 def main():
     rows, others, code = decoder_rows()
     table = guide_rows()
     described = [label for types, _ in table for label in types]
-    faults = [*faults_of_types(rows, others, described), *faults_of_renderers(rows, table)]
+    faults = [*faults_of_types(rows, others, described), *faults_of_renderers(rows, table), *faults_of_holding(rows)]
 
     says = {label: text for types, text in table for label in types}
     octets = re.search(r"kMaxHexOctets = (\d+);", code)[1]

@@ -1,5 +1,6 @@
-// Stands in for a Quillmont.exe of another user: a window of the main window's class whose process may not be
-// opened. The window closes when it is told to, and the process, which holds the file, ends two seconds later.
+// Stands in for a Quillmont.exe of another user: a window of the main window's class whose process may not
+// be opened. The window closes when it is told to, and the process, which holds the file, ends two seconds
+// later than that.
 #include <windows.h>
 
 namespace {
