@@ -172,10 +172,13 @@ TEST_F(SlowLines, AFloodDoesNotHoldUpAStop) {
 }
 
 TEST_F(SlowLines, AWorkerThatWaitsForNamesIsLetGo) {
-    const std::lock_guard holdUp(MibStoreLock);
-    client_.Send(Sample("v2_link_down"));
-    ASSERT_TRUE(WaitUntil([] { return ServerState.lastTrapTick != 0; }));
-    ExpectStopInTime();
+    {
+        const std::lock_guard holdUp(MibStoreLock);
+        client_.Send(Sample("v2_link_down"));
+        ASSERT_TRUE(WaitUntil([] { return ServerState.lastTrapTick != 0; }));
+        ExpectStopInTime();
+    }
+    EXPECT_TRUE(WaitForLogLines("Trap thread stopped.")) << "it ends by itself";
 }
 
 // As when SNMP.txt lies in a folder that hangs: whoever uses it holds FileLock so long.
