@@ -11,10 +11,13 @@ if(WIN32)
   add_test(NAME windows.unit COMMAND ${RUNNER} $<TARGET_FILE:quillmont_unit_tests>)
   add_test(NAME windows.memory COMMAND ${RUNNER} $<TARGET_FILE:quillmont_memory_tests>)
   add_test(NAME windows.broken_walk COMMAND ${RUNNER} $<TARGET_FILE:quillmont_broken_walk_tests>)
+  add_test(NAME windows.file_layer COMMAND ${RUNNER} $<TARGET_FILE:quillmont_file_layer_tests>)
+  add_test(NAME windows.broken_search COMMAND ${RUNNER} $<TARGET_FILE:quillmont_broken_search_tests>)
   add_test(NAME windows.attributes COMMAND ${RUNNER} $<TARGET_FILE:quillmont_attribute_tests>)
   add_test(NAME windows.start_up COMMAND ${RUNNER} $<TARGET_FILE:quillmont_start_up_tests>)
   set_tests_properties(
-      windows.unit windows.memory windows.broken_walk windows.attributes windows.start_up PROPERTIES TIMEOUT 300)
+      windows.unit windows.memory windows.broken_walk windows.file_layer windows.broken_search windows.attributes
+      windows.start_up PROPERTIES TIMEOUT 300)
   if(NOT CMAKE_HOST_WIN32)
     add_test(NAME windows.second_compiler
         COMMAND /usr/bin/python3 -B ${CMAKE_SOURCE_DIR}/scripts/check_second_compiler.py ${CMAKE_BINARY_DIR})
@@ -29,6 +32,8 @@ else()
   gtest_discover_tests(quillmont_unit_tests TEST_PREFIX unit. PROPERTIES TIMEOUT 60)
   gtest_discover_tests(quillmont_memory_tests TEST_PREFIX memory. PROPERTIES TIMEOUT 60)
   gtest_discover_tests(quillmont_broken_walk_tests TEST_PREFIX broken_walk. PROPERTIES TIMEOUT 60)
+  gtest_discover_tests(quillmont_file_layer_tests TEST_PREFIX file_layer. PROPERTIES TIMEOUT 60)
+  gtest_discover_tests(quillmont_broken_search_tests TEST_PREFIX broken_search. PROPERTIES TIMEOUT 60)
   foreach(check commands user_guide value_types)
     add_test(NAME docs.${check}
         COMMAND /usr/bin/python3 -B ${CMAKE_SOURCE_DIR}/tests/docs/check_${check}.py ${CMAKE_BINARY_DIR})
