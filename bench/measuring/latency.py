@@ -7,11 +7,12 @@ from measuring.places import native_tool
 
 
 class Latency(NamedTuple):
-    """In microseconds."""
+    """In microseconds: what a tenth, half and nine tenths of the traps took at most. What else the machine does only
+    ever adds, so the first is the calmest figure."""
 
+    tenth: float
     median: float
     nine_tenths: float
-    longest: float
 
 
 def measure_latency(receiver, traps):

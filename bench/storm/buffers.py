@@ -20,7 +20,7 @@ def sizes(receiver, name):
     """One row; each figure from a fresh receiver."""
     with receiver:
         granted = granted_buffer(TRAP_PORT)
-        calm = memory_kilobytes(receiver.pid), measure_latency(receiver, LATENCIES).median
+        calm = memory_kilobytes(receiver.pid), measure_latency(receiver, LATENCIES).tenth
         held = find_capacity(receiver)
     with receiver:
         loss = find_first_loss(receiver)
@@ -35,7 +35,7 @@ def enlarged(receiver, octets):
             print(f"{receiver.name}: this machine does not allow a larger buffer from outside.")
             return
         granted = granted_buffer(TRAP_PORT)
-        calm = memory_kilobytes(receiver.pid), measure_latency(receiver, LATENCIES).median
+        calm = memory_kilobytes(receiver.pid), measure_latency(receiver, LATENCIES).tenth
         held = find_capacity(receiver)
     row(receiver.name, f"{octets // MEBI} MiB forced", granted, held, "-", f"{calm[0]:,} kB", f"{calm[1]:,.0f} us")
 

@@ -3,27 +3,41 @@
 import time
 
 from harness.tool_windows import LOG, MONITOR, STATUS
+from harness.traps import TRAP_PORT
 
+from measuring.counters import granted_buffer
 from measuring.receivers import ShippedProgram
 from measuring.records import BINDINGS, check_order, read_numbers
 from measuring.senders import Sender, send
+from measuring.socket_buffers import enlarge_buffer
 from measuring.tables import row, table
 
 # Traps, and how many a second; 0: back to back.
 WITH_MONITOR = ((20000, 0), (50000, 0), (50000, 20000))
+LARGE_BUFFER = 32 << 20
 ANSWERS = (10000, 2000)
 
 
+def record_with_monitor(receiver, count, rate, buffer=None):
+    """One row; with the receive buffer made larger from outside when one is given."""
+    with receiver:
+        if buffer and not enlarge_buffer(receiver.pid, buffer // 2):
+            print("This machine does not allow a larger buffer from outside.")
+            return
+        granted = granted_buffer(TRAP_PORT)
+        sent = send("paced" if rate else "burst", count=count, rate=rate, bindings=BINDINGS)
+        receiver.wait_for_records(sent.received)
+        recorded = check_order(read_numbers(receiver.data.traps), sent.received)
+        row(receiver.name, granted, count, f"{count / sent.sending:,.0f}/s", recorded, f"{sent.whole:.1f} s")
+
+
 def measure_windows(storm):
-    table("Recorded with the monitor open", "receiver", "sent", "sent at", "recorded")
+    table("Recorded with the monitor open", "receiver", "buffer", "sent", "sent at", "recorded", "taken after")
     for count, rate in WITH_MONITOR:
         for programs in storm.states:
-            with ShippedProgram(storm.driver, programs, windows=(MONITOR,)) as receiver:
-                mode = "paced" if rate else "burst"
-                sent = send(mode, count=count, rate=rate, bindings=BINDINGS)
-                receiver.wait_for_records(sent.received)
-                recorded = check_order(read_numbers(receiver.data.traps), sent.received)
-                row(receiver.name, count, f"{count / sent.sending:,.0f}/s", recorded)
+            record_with_monitor(ShippedProgram(storm.driver, programs, windows=(MONITOR,)), count, rate)
+    for programs in storm.states:
+        record_with_monitor(ShippedProgram(storm.driver, programs, windows=(MONITOR,)), 50000, 0, LARGE_BUFFER)
     measure_answers(storm)
 
 
