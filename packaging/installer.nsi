@@ -1,5 +1,6 @@
 ; The installer and uninstaller. packaging/make_packages.sh compiles it and passes VERSION (1.0.0), CONTENT (the folder
-; with what is to be installed) and OUTPUT (the installer to write).
+; with what is to be installed), CONTENT_LIST (a file with the macros InstallContent and RemoveContent), SIGN (what signs
+; the uninstaller) and OUTPUT (the installer to write).
 ;
 ; What it promises: for all users; nothing asked in silent mode; the program is closed through its window before it is
 ; replaced; whatever goes wrong with the firewall is reported and breaks nothing; after uninstalling nothing is left
@@ -31,6 +32,7 @@ RequestExecutionLevel admin
 ManifestSupportedOS Win10
 ManifestDPIAware true
 BrandingText "${NAME} ${VERSION}"
+!uninstfinalize '"${SIGN}" "%1"'
 
 VIProductVersion "${VERSION}.0"
 VIAddVersionKey "ProductName" "${NAME}"
@@ -38,7 +40,7 @@ VIAddVersionKey "ProductVersion" "${VERSION}"
 VIAddVersionKey "FileVersion" "${VERSION}"
 VIAddVersionKey "FileDescription" "${NAME} Setup"
 VIAddVersionKey "CompanyName" "Quillmont"
-VIAddVersionKey "LegalCopyright" "© 2026 Quillmont"
+VIAddVersionKey "LegalCopyright" "© 2026 Quillmont. All rights reserved."
 
 !define MUI_ABORTWARNING
 !define MUI_COMPONENTSPAGE_SMALLDESC
@@ -80,6 +82,7 @@ Var Downgrade
   MessageBox MB_OK|MB_ICONEXCLAMATION "${TEXT}" /SD IDOK
 !macroend
 
+!include "${CONTENT_LIST}"
 !include switches.nsh
 !include closing.nsh
 !include firewall.nsh
@@ -125,10 +128,7 @@ Section "!${NAME}" ProgramSection
   Call CloseProgram
   Call EnsureWritable
   SetOutPath "$INSTDIR"
-  File "${CONTENT}\${PROGRAM}"
-  File "${CONTENT}\user-guide.html"
-  File "${CONTENT}\CHANGELOG.txt"
-  File "${CONTENT}\standard-names.mib"
+  !insertmacro InstallContent
   Delete "$INSTDIR\${NOTES}"
   WriteUninstaller "$INSTDIR\uninstall.exe"
 
@@ -246,10 +246,7 @@ Section "un.${NAME}" RemoveProgram
   Delete "$SMPROGRAMS\${NAME}\${NAME}.lnk"
   Delete "$SMPROGRAMS\${NAME}\User guide.lnk"
   RMDir "$SMPROGRAMS\${NAME}"
-  Delete "$INSTDIR\${PROGRAM}"
-  Delete "$INSTDIR\user-guide.html"
-  Delete "$INSTDIR\CHANGELOG.txt"
-  Delete "$INSTDIR\standard-names.mib"
+  !insertmacro RemoveContent
   Delete "$INSTDIR\${NOTES}"
   Delete "$INSTDIR\uninstall.exe"
   ; Not with its content: what somebody else put there is theirs.

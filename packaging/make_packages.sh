@@ -1,40 +1,62 @@
 #!/usr/bin/env bash
-# Turns a built Quillmont.exe into what people download: the zip, the installer and SHA256SUMS.
+# Turns a built Quillmont.exe into what people download: the zip, the installer, SHA256SUMS and the release notes.
 # Usage: packaging/make_packages.sh QUILLMONT.EXE VERSION FOLDER. FOLDER is emptied of older packages.
 #
 # The same sources give the same octets whenever and wherever this runs: no clock, no path and no order of a folder
-# gets into any of them.
+# gets into any of them. Only a signature does (packaging/sign.sh), and only where a certificate is named.
 set -euo pipefail
 
 program="$(realpath "$1")"
 version="$2"
 mkdir -p "$3"
 output="$(realpath "$3")"
+for variable in QUILLMONT_CERTIFICATE QUILLMONT_CERTIFICATE_PASSWORD_FILE; do
+    if [[ -n "${!variable:-}" ]]; then
+        path="$(realpath --canonicalize-existing "${!variable}")"
+        export "$variable=$path"
+    fi
+done
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 export TZ=UTC LC_ALL=C.UTF-8
 # The date that everything in the packages bears; also pandoc and makensis ask for it.
-export SOURCE_DATE_EPOCH=1767225600
+day="$(packaging/read_release.sh day "$version")"
+SOURCE_DATE_EPOCH="$(date --date="$day" +%s)"
+export SOURCE_DATE_EPOCH
 umask 022
 
-content="$(mktemp -d)"
-trap 'rm -rf "$content"' EXIT
+scratch="$(mktemp -d)"
+trap 'rm -rf "$scratch"' EXIT
+content="$scratch/content"
+mkdir "$content"
+
+# What goes into the zip and beside the installed program: every file that is made here is zipped, installed and
+# uninstalled.
+MakeContent() {
+    install -m 644 "$program" "$content/Quillmont.exe"
+    packaging/sign.sh "$content/Quillmont.exe"
+    MakeGuide "$content/user-guide.html"
+    MakeText CHANGELOG.md "$content/CHANGELOG.txt"
+    MakeText THIRD-PARTY.txt "$content/THIRD-PARTY.txt"
+    MakeNames "$content/standard-names.mib"
+}
 
 # Both pages in one file, pictures and style inside.
 MakeGuide() {
-    pandoc docs/user-guide.md docs/operating.md --lua-filter packaging/one-page.lua --from gfm --to html5 --no-highlight --standalone --self-contained --toc --toc-depth 2 \
+    pandoc docs/user-guide.md docs/operating.md --lua-filter packaging/one-page.lua --from gfm --to html5 \
+        --no-highlight --standalone --self-contained --toc --toc-depth 2 \
         --resource-path docs --css packaging/user-guide.css \
         --metadata title="Quillmont PRO" --metadata subtitle="User guide, version $version" --metadata lang=en \
-        --output "$content/user-guide.html"
+        --output "$1"
 }
 
 # With CR LF, since it is read with whatever Windows opens a text file with.
-MakeChangeLog() {
-    sed 's/$/\r/' CHANGELOG.md >"$content/CHANGELOG.txt"
+MakeText() {
+    sed 's/$/\r/' "$1" >"$2"
 }
 
 MakeNames() {
-    python3 -B packaging/make_names.py packaging/standard_names.txt "$content/standard-names.mib"
+    python3 -B packaging/make_names.py packaging/standard_names.txt "$1"
 }
 
 MakeZip() {
@@ -45,16 +67,31 @@ MakeZip() {
     (cd "$content" && find . -type f -printf '%P\n' | LC_ALL=C sort | zip -q -9 -X -D -@ "$zip")
 }
 
-MakeInstaller() {
-    makensis -V2 -WX -INPUTCHARSET UTF8 -DVERSION="$version" -DCONTENT="$content" \
-        -DOUTPUT="$output/Quillmont-$version-setup.exe" packaging/installer.nsi
+# What is in the folder, as the installer puts it in place and the uninstaller takes it away.
+# shellcheck disable=SC2016  # the names in ${} and behind $ are makensis's own
+ListContent() {
+    local names
+    mapfile -t names < <(cd "$content" && find . -type f -printf '%P\n' | LC_ALL=C sort)
+    echo '!macro InstallContent'
+    printf '  File "${CONTENT}\\%s"\n' "${names[@]}"
+    echo '!macroend'
+    echo '!macro RemoveContent'
+    printf '  Delete "$INSTDIR\\%s"\n' "${names[@]}"
+    echo '!macroend'
 }
 
-rm -f "$output"/Quillmont-*.zip "$output"/Quillmont-*-setup.exe "$output/SHA256SUMS"
-install -m 644 "$program" "$content/Quillmont.exe"
-MakeGuide
-MakeChangeLog
-MakeNames
+MakeInstaller() {
+    local installer="$output/Quillmont-$version-setup.exe"
+    ListContent >"$scratch/content.nsh"
+    makensis -V2 -WX -INPUTCHARSET UTF8 -DVERSION="$version" -DCONTENT="$content" \
+        -DCONTENT_LIST="$scratch/content.nsh" -DSIGN="$PWD/packaging/sign.sh" -DOUTPUT="$installer" \
+        packaging/installer.nsi
+    packaging/sign.sh "$installer"
+}
+
+rm -f "$output"/Quillmont-*.zip "$output"/Quillmont-*-setup.exe "$output/SHA256SUMS" "$output"/release-notes-*.md
+MakeContent
 MakeZip
 MakeInstaller
 (cd "$output" && sha256sum Quillmont-* >SHA256SUMS)
+packaging/read_release.sh notes "$version" >"$output/release-notes-$version.md"

@@ -23,5 +23,8 @@ cp "$program" "$folder/copy.exe"
 )
 diff --recursive "$folder/first" "$folder/other/second"
 
-export QUILLMONT_DRIVER QUILLMONT_STAND_INS QUILLMONT_PACKAGES="$folder/first"
+QUILLMONT_EXE="$program"
+# What the linker put into it.
+QUILLMONT_LINK_MAP="${program%.exe}.map"
+export QUILLMONT_EXE QUILLMONT_LINK_MAP QUILLMONT_DRIVER QUILLMONT_STAND_INS QUILLMONT_PACKAGES="$folder/first"
 scripts/run_on_private_desktop.sh /usr/bin/python3 -B -m pytest -q tests/packages "$@"

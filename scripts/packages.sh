@@ -12,8 +12,9 @@ run_packages=(wine wine64 xvfb x11-apps imagemagick snmp libsnmp-base iproute2 u
     fonts-open-sans fonts-wine)
 test_packages=(clang libclang-rt-dev clang-format clang-tidy git python3-pytest)
 
-# makensis (nsis) makes the installer, pandoc the guide's HTML.
-package_packages=(nsis pandoc zip unzip)
+# makensis (nsis) makes the installer, pandoc the guide's HTML; osslsigncode signs, and openssl makes what the tests
+# sign with.
+package_packages=(nsis pandoc zip unzip osslsigncode openssl)
 picture_packages=(pngquant)
 # The benchmarks' library and the peers that the receiver is held against; gnuplot draws the picture.
 bench_packages=(libbenchmark-dev libsnmp-dev snmptrapd gnuplot-nox)

@@ -5,12 +5,15 @@ import os
 import re
 import shutil
 import struct
+import subprocess
 import zipfile
 from pathlib import Path
 
 from harness import traps
 from harness.places import ROOT, drive_c
 from installation import CONTENT, MEM_TOTAL_REAL, VERSION, check_that_it_records, package, unpack
+
+RIGHTS = "\u00a9 2026 Quillmont. All rights reserved."
 
 
 def test_the_checksums_are_those_of_the_packages():
@@ -40,7 +43,7 @@ def test_the_program_says_who_it_is_and_what_it_asks_of_windows():
     fixed = octets.index(struct.pack("<II", 0xFEEF04BD, 0x10000))
     high, low = struct.unpack_from("<II", octets, fixed + 8)
     assert f"{high >> 16}.{high & 0xFFFF}.{low >> 16}" == VERSION
-    for text in ("Quillmont PRO", "\u00a9 2026 Quillmont", VERSION):
+    for text in ("Quillmont PRO", RIGHTS, VERSION):
         assert text.encode("utf-16-le") in octets
     manifest = octets[octets.index(b"<assembly") : octets.index(b"</assembly>")].decode()
     for wanted in ('level="asInvoker"', "{8e0f7a12-bfb3-4fe8-b9a5-48fd50a15a9a}", 'version="6.0.0.0"'):
@@ -51,8 +54,33 @@ def test_the_program_says_who_it_is_and_what_it_asks_of_windows():
         assert unwanted not in manifest
 
 
-def test_the_change_log_begins_with_this_version():
-    assert re.search(r"^## ([0-9.]+)", (ROOT / "CHANGELOG.md").read_text(), re.M)[1] == VERSION
+def test_readme_and_packages_say_whose_it_is_and_no_more():
+    readme = (ROOT / "README.md").read_text()
+    assert readme.endswith(f"\n{RIGHTS}\n")
+    assert RIGHTS.encode("utf-16-le") in package("setup.exe").read_bytes()
+    with zipfile.ZipFile(package("windows-x64.zip")) as archive:
+        assert archive.read("THIRD-PARTY.txt").decode().startswith(f"{RIGHTS}\r\n\r\n")
+    assert not list(ROOT.glob("LICEN[CS]E*")) + list(ROOT.glob("COPYING*"))
+
+
+def test_the_release_notes_are_this_versions_section_of_the_change_log():
+    """It stands first and has a day, and whatever the packages bear bears that."""
+    change_log = (ROOT / "CHANGELOG.md").read_text()
+    heading, version, day = re.search(r"^## (\S+) \((\S+)\)$", change_log, re.M).group(0, 1, 2)
+    assert version == VERSION
+    notes = package("setup.exe").with_name(f"release-notes-{VERSION}.md").read_text()
+    assert notes.startswith(heading + "\n")
+    assert notes.count("\n## ") == 0
+    assert notes.strip() in change_log
+    with zipfile.ZipFile(package("windows-x64.zip")) as archive:
+        assert {entry.date_time[:3] for entry in archive.infolist()} == {tuple(map(int, day.split("-")))}
+
+
+def test_a_version_without_a_dated_section_makes_no_package():
+    for what in ("day", "notes"):
+        for version in ("1.0", VERSION + "0", "9.9.9"):
+            command = [ROOT / "packaging" / "read_release.sh", what, version]
+            assert subprocess.run(command, capture_output=True, check=False).returncode != 0
 
 
 def test_the_zip_runs_from_a_folder_with_a_blank_and_an_umlaut(data, start):

@@ -15,7 +15,7 @@ from harness.waiting import wait_until
 
 VERSION = re.search(r"^project\(Quillmont VERSION ([0-9.]+)", (ROOT / "CMakeLists.txt").read_text(), re.M)[1]
 # In the zip and beside the installed program.
-CONTENT = ["CHANGELOG.txt", "Quillmont.exe", "standard-names.mib", "user-guide.html"]
+CONTENT = ["CHANGELOG.txt", "Quillmont.exe", "THIRD-PARTY.txt", "standard-names.mib", "user-guide.html"]
 
 CURRENT_VERSION = r"HKLM\Software\Microsoft\Windows\CurrentVersion"
 UNINSTALL_KEY = CURRENT_VERSION + r"\Uninstall\Quillmont"
