@@ -14,13 +14,20 @@ if [[ ${1:-} == --inside ]]; then
     exit "$code"
 fi
 
+# Inside everybody is root: what each user has of their own, like a Wine prefix, goes by who they are outside.
+export QUILLMONT_USER="${QUILLMONT_USER:-$EUID}"
+
 network=(--net)
 if [[ $EUID -ne 0 ]]; then
     network+=(--user --map-root-user)
 fi
 processes=(--pid --fork --kill-child --mount-proc)
 if ! unshare "${network[@]}" true 2>/dev/null; then
-    echo "$0: this machine does not allow a private network (unshare --net failed)." >&2
+    if [[ $EUID -eq 0 ]]; then
+        echo "This machine refuses a private network, even to root: its container lacks CAP_SYS_ADMIN." >&2
+    else
+        echo "This machine refuses ordinary users a private network (user namespaces): be root, or allow them." >&2
+    fi
     exit 125
 fi
 # Some containers forbid mounting /proc; then only the network is private.

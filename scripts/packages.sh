@@ -10,7 +10,8 @@ build_packages=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix libgtest-dev)
 # Open Sans stands in for Segoe UI, and fonts-wine has the signs of the caption buttons.
 run_packages=(wine wine64 xvfb x11-apps imagemagick snmp libsnmp-base iproute2 util-linux python3
     fonts-open-sans fonts-wine)
-test_packages=(clang libclang-rt-dev clang-format clang-tidy git python3-pytest)
+# evilwm manages the windows on the display that stands for a user's.
+test_packages=(clang libclang-rt-dev clang-format clang-tidy git python3-pytest evilwm)
 
 # makensis (nsis) makes the installer, pandoc the guide's HTML; osslsigncode signs, and openssl makes what the tests
 # sign with.
@@ -35,11 +36,23 @@ if [[ ${#missing[@]} -eq 0 ]]; then
     exit 0
 fi
 
+Refuse() {
+    echo "$*" >&2
+    exit 1
+}
+
 as_root=()
+if ! command -v apt-get >/dev/null; then
+    Refuse "There is no apt-get here; install these by the means of this system: ${missing[*]}"
+fi
 if [[ $EUID -ne 0 ]]; then
+    if ! command -v sudo >/dev/null; then
+        Refuse "There is no sudo here; as root run: apt-get install --no-install-recommends ${missing[*]}"
+    fi
     as_root=(sudo)
 fi
 echo "Installing: ${missing[*]}"
-"${as_root[@]}" apt-get update -qq
-"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
-    apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+if ! "${as_root[@]}" apt-get update -qq || ! "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+    apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null; then
+    Refuse "These packages could not be installed; the lines above say why: ${missing[*]}"
+fi

@@ -1,4 +1,5 @@
-"""Starts the program, sends it real traps, prints what it wrote, saves pictures of its windows and closes it.
+"""Starts the program, sends it real traps, saves pictures of its windows, closes it and prints what it wrote; or, with
+--until-closed, opens its windows instead and leaves them to whoever sits in front of them.
 
 WINEPREFIX, DISPLAY and where the harness is are set by show_receiver.sh.
 """
@@ -13,7 +14,7 @@ from harness.driver import Driver
 from harness.pictures import save_picture
 from harness.places import ROOT
 from harness.program import Program
-from harness.tool_windows import TOOL_WINDOWS
+from harness.tool_windows import LOG, MONITOR, STATUS, TOOL_WINDOWS
 
 PICTURES = ROOT / "build" / "pictures"
 MIB_SAMPLES = Path("/usr/share/snmp/mibs")
@@ -34,7 +35,7 @@ def text_of(octets):
 
 
 def import_samples(data):
-    data.mibs.mkdir(parents=True)
+    data.mibs.mkdir(parents=True, exist_ok=True)
     for name in SAMPLES:
         shutil.copy(MIB_SAMPLES / name, data.mibs)
     say(f"MIB files: {', '.join(SAMPLES)}")
@@ -42,11 +43,14 @@ def import_samples(data):
 
 def send_traps(data):
     say("Sending a version 1 trap, a version 2c trap and an inform with snmptrap.")
+    before = data.traps_received()
     traps.send_v1(LOAD_AVERAGE, "s", "0.42")
     traps.send_v2c(MEM_TOTAL_REAL, "i", "8029184", LOAD_AVERAGE, "s", "0.42")
     if traps.send_inform(MEM_TOTAL_FREE, "i", "1204"):
         sys.exit("The inform was answered, and nothing may ever be.")
-    data.wait_for_traps(3)
+    data.wait_for_traps(before + 3)
+    if b"(memTotalReal)" not in data.trap_octets():
+        sys.exit("No name was found for memTotalReal.")
 
 
 def take_pictures(program):
@@ -66,23 +70,38 @@ def take_pictures(program):
     save(program.main, "main")
 
 
+def leave_to_operator(program, data):
+    """The exit code, once the main window has been closed."""
+    for tool in (MONITOR, LOG, STATUS):
+        tool.open(program)
+    say(f"Quillmont runs until its main window is closed. Its files: {data.folder}")
+    while (code := program.exit_code(1)) is None:
+        pass
+    return code
+
+
 def main():
     driver = Driver()
     data = find_data_folder(driver)
     import_samples(data)
+    started = data.log_messages().count("Server started.")
     program = Program(driver)
-    data.wait_for_log("Server started.")
+    data.wait_for_log("Server started.", started + 1)
     send_traps(data)
-    take_pictures(program)
-    code = program.close()
+    if "--until-closed" in sys.argv:
+        code = leave_to_operator(program, data)
+    else:
+        take_pictures(program)
+        code = program.close()
+        say("\nSNMP.txt:\n" + text_of(data.trap_octets()))
+        say("log.txt:\n" + text_of(data.log_octets()))
     driver.close()
-    say("\nSNMP.txt:\n" + text_of(data.trap_octets()))
-    say("log.txt:\n" + text_of(data.log_octets()))
     say(f"Quillmont.exe ended with exit code {code}.")
-    if b"(memTotalReal)" not in data.trap_octets():
-        sys.exit("No name was found for memTotalReal.")
     return code
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    try:
+        sys.exit(main())
+    except KeyboardInterrupt:
+        sys.exit("Interrupted.")

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Shows on a virtual display what the program does with real traps, and saves pictures of its windows.
-# Called by run.sh, in a private network where one is to be had.
+# Shows what the program does with real traps: on the display that DISPLAY names, until its main window is closed, or
+# without one on a virtual display, saving pictures of its windows. Called by run.sh, in a private network where one is
+# to be had.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -19,10 +20,23 @@ LeftBehind() {
         "WINEPREFIX=$WINEPREFIX" /proc/[0-9]*/environ || true
 }
 
-StartDisplay
-UseTemporaryPrefix
+if [[ -n "${DISPLAY:-}" ]]; then
+    show=(--until-closed)
+    mkdir -p "$wine_folder"
+    # A prefix belongs to one network, and this run has one of its own.
+    exec 8>"$wine_folder/run.lock"
+    if ! flock --nonblock 8; then
+        echo "run.sh runs already; close that window first." >&2
+        exit 1
+    fi
+    UsePrefix "$wine_folder/run"
+else
+    show=()
+    StartDisplay
+    UseTemporaryPrefix
+fi
 code=0
-/usr/bin/python3 -B scripts/show_receiver.py || code=$?
+/usr/bin/python3 -B scripts/show_receiver.py "${show[@]}" 8>&- || code=$?
 CleanUp
 left="$(LeftBehind)"
 if [[ -n "$left" ]]; then

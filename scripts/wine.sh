@@ -5,12 +5,16 @@
 # network needs a prefix whose server was started inside it.
 
 project_root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
-wine_folder="${QUILLMONT_WINE_FOLDER:-$project_root/build/wine}"
+# Of one user: Wine refuses another's prefix, and in a private network everybody goes by the name of root.
+wine_folder="${QUILLMONT_WINE_FOLDER:-$project_root/build/wine/${QUILLMONT_USER:-$EUID}}"
 
 # Where every Python script finds the harness package.
 export PYTHONPATH="$project_root/tests"
 # Wine names no file beyond ASCII in a system without a locale, as a bare container is; this one is always there.
 export LC_ALL=C.UTF-8
+if [[ "$(locale charmap 2>/dev/null)" != UTF-8 ]]; then
+    echo "This system lacks the locale C.UTF-8: names beyond ASCII will fail under Wine." >&2
+fi
 export WINEDEBUG="${WINEDEBUG:--all}"
 # Without these a fresh prefix asks to install .NET and a browser engine, and programs make menu entries.
 export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
@@ -89,12 +93,14 @@ StopWine() {
     fi
 }
 
-# Starts a virtual display on a free number and exports DISPLAY.
+# Starts a virtual display on a free number and exports DISPLAY. Without a socket or a lock file in /tmp: a display of
+# a private network is nobody else's, and its server, which sees no process but its own, would take those of the
+# user's display for abandoned and replace them.
 StartDisplay() {
     local channel
     channel="$(mktemp -u)"
     mkfifo "$channel"
-    Xvfb -displayfd 7 -screen 0 1280x900x24 -nolisten tcp 7>"$channel" >/dev/null 2>&1 &
+    Xvfb -displayfd 7 -screen 0 1280x900x24 -nolisten tcp -nolisten unix -nolock 7>"$channel" >/dev/null 2>&1 &
     display_pid=$!
     local number
     read -r number <"$channel"

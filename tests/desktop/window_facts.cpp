@@ -78,7 +78,7 @@ BOOL CALLBACK CollectTopLevel(HWND window, LPARAM parameter) {
     auto* search = reinterpret_cast<TopLevelSearch*>(parameter);
     DWORD process = 0;
     GetWindowThreadProcessId(window, &process);
-    if (process == search->process) {
+    if (search->process == 0 || process == search->process) {
         search->found.push_back(DescribeWindow(window));
     }
     return TRUE;

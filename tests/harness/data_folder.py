@@ -124,9 +124,13 @@ class DataFolder:
             lambda: f"start {count}, the log ends in {self.log_octets()[-500:]!r}",
         )
 
+    def traps_received(self):
+        """How many datagrams have been announced, which happens after their records are written."""
+        return sum(message.startswith("Trap received (") for message in self.log_messages())
+
     def wait_for_traps(self, count):
-        """Waits until `count` datagrams have been announced, which happens after their records are written."""
+        """Waits until `count` datagrams have been announced."""
         wait_until(
-            lambda: sum(message.startswith("Trap received (") for message in self.log_messages()) >= count,
+            lambda: self.traps_received() >= count,
             lambda: f"{count} traps in the log, which holds {self.log_messages()[-5:]!r}",
         )

@@ -91,13 +91,17 @@ class Program:
         """Returns when the program has handled everything that was posted to it before this call."""
         self.main.send(0)
 
+    def exit_code(self, seconds=0):
+        """The exit code once the program has ended; None while it runs, asked about for so long."""
+        return self.driver("wait_for_exit", self.process, int(seconds * 1000))
+
     @property
     def runs(self):
-        return self.driver("wait_for_exit", self.process, 0) is None
+        return self.exit_code() is None
 
     def wait_for_exit(self, seconds=DEFAULT_SECONDS):
         """The exit code."""
-        code = self.driver("wait_for_exit", self.process, int(seconds * 1000))
+        code = self.exit_code(seconds)
         assert code is not None, "the program still runs"
         return code
 

@@ -1,0 +1,162 @@
+"""A copy of the sources with what was built of them, and what the scripts in it find when somebody calls them."""
+
+import os
+import random
+import shutil
+import signal
+import subprocess
+from pathlib import Path
+
+import pytest
+
+from harness.places import ROOT, driver_file, program_file
+from harness.waiting import wait_until
+
+NOBODY = 65534
+FOUND_IN = ("/usr/local/bin", "/usr/bin", "/bin", "/usr/sbin", "/sbin")
+# What a whole run takes with a fresh Wine prefix, and much more.
+RUN_SECONDS = 150
+
+
+class User:
+    """Root, or somebody who is not. Whoever runs the tests is one of the two; root can be the other too."""
+
+    def __init__(self, name):
+        self.name = name
+        self.switch = []
+        if name == "root" and os.geteuid() != 0:
+            pytest.skip("Only root can try what root can do.")
+        if name == "ordinary" and os.geteuid() == 0:
+            self.switch = ["setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups"]
+            if subprocess.run([*self.switch, "true"], capture_output=True, check=False).returncode != 0:
+                pytest.skip("This root cannot become anybody else: it is one of a user namespace.")
+
+    def own(self, folder):
+        """Gives the user a folder and all in it."""
+        if self.switch:
+            for path in [folder, *folder.rglob("*")]:
+                os.chown(path, NOBODY, NOBODY, follow_symlinks=False)
+
+    def need_private_network(self, folder):
+        command = [*self.switch, folder / "scripts/in_private_network.sh", "true"]
+        result = subprocess.run(command, capture_output=True, text=True, check=False)
+        if result.returncode != 0:
+            pytest.skip(result.stderr.strip())
+
+
+class Clone:
+    def __init__(self, folder, user):
+        self.folder = folder
+        self.user = user
+        self.handed_over = False
+        self.commands = folder / "commands"
+        self.environment = {
+            "HOME": str(folder / "home"),
+            # Not the name of the user id: Wine goes by this one.
+            "USER": "somebody",
+            "PATH": ":".join([str(self.commands), *FOUND_IN]),
+        }
+        shutil.copytree(ROOT, folder, ignore=self._left_out, symlinks=True, dirs_exist_ok=True)
+        self.commands.mkdir()
+        (folder / "home").mkdir()
+
+    @staticmethod
+    def _left_out(directory, names):
+        return {name for name in names if Path(directory) == ROOT and name in ("build", "dist", ".git")}
+
+    def add_programs(self):
+        """What was built, in its places, and nothing that would build it again."""
+        desktop = self.folder / "build/windows/tests/desktop"
+        desktop.mkdir(parents=True)
+        shutil.copy(program_file(), self.folder / "build/windows")
+        for file in (driver_file(), driver_file().with_name("quillmont_desktop_spy.dll")):
+            shutil.copy(file, desktop)
+        self.add_command("cmake", "exit 0")
+
+    def add_command(self, name, script):
+        """A command that is found before the system's own."""
+        path = self.commands / name
+        path.write_text(f"#!/bin/sh\n{script}\n")
+        path.chmod(0o755)
+
+    def hide_command(self, name):
+        """As on a system without it: what else can be called is linked into one folder."""
+        for folder in reversed(FOUND_IN):
+            for path in Path(folder).glob("*"):
+                link = self.commands / path.name
+                if path.name != name and not link.exists() and not link.is_symlink():
+                    link.symlink_to(path)
+        self.environment["PATH"] = str(self.commands)
+
+    def hand_over(self):
+        """What stands in the clone before the first call of it is its user's."""
+        if not self.handed_over:
+            self.user.own(self.folder)
+            self.handed_over = True
+
+    def start(self, *command, **environment):
+        self.hand_over()
+        settings = [f"{key}={value}" for key, value in {**self.environment, **environment}.items()]
+        return subprocess.Popen(
+            [*self.user.switch, "env", "-i", *settings, *map(str, command)],
+            cwd=self.folder,
+            stdin=subprocess.DEVNULL,
+            stdout=subprocess.PIPE,
+            stderr=subprocess.STDOUT,
+            text=True,
+            start_new_session=True,
+        )
+
+    def run(self, *command, seconds=RUN_SECONDS, **environment):
+        """The exit code and what was printed."""
+        process = self.start(*command, **environment)
+        try:
+            output, _ = process.communicate(timeout=seconds)
+        except subprocess.TimeoutExpired:
+            end_session(process)
+            raise
+        print(output)
+        return process.returncode, output
+
+
+def end_session(process):
+    """Ends the process and what it started, giving each of them the time to clear up."""
+    if process.poll() is None:
+        os.killpg(process.pid, signal.SIGTERM)
+    process.wait(timeout=60)
+
+
+class VirtualDisplay:
+    """A display that stands for the user's own, with a window manager: without one no window comes up."""
+
+    def __init__(self):
+        # A number that no display of the machine's users has.
+        self.name = f":{random.randrange(1000, 30000)}"
+        reading, writing = os.pipe()
+        command = ["Xvfb", self.name, "-displayfd", str(writing), "-screen", "0", "1280x900x24", "-ac"]
+        self._process = subprocess.Popen(command, pass_fds=[writing], stderr=subprocess.DEVNULL)
+        os.close(writing)
+        with os.fdopen(reading) as channel:
+            assert channel.readline().strip() == self.name[1:], "the display did not start"
+        self._manager = subprocess.Popen(["evilwm", "-fn", "fixed", "-display", self.name], stderr=subprocess.DEVNULL)
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        for process in (self._manager, self._process):
+            process.terminate()
+            process.wait(timeout=60)
+
+
+def wait_for_line(process, wanted):
+    """Reads what the process prints until a line holds what is wanted; all lines so far."""
+    lines = []
+
+    def is_there():
+        lines.append(process.stdout.readline())
+        return wanted in lines[-1] or not lines[-1]
+
+    wait_until(is_there, wanted, RUN_SECONDS)
+    assert lines[-1], f"{wanted!r} was never printed: {''.join(lines)}"
+    return lines

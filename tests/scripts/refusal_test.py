@@ -1,0 +1,113 @@
+"""What the scripts say, at once and in one sentence, where something that they need is refused."""
+
+import os
+
+import pytest
+
+# Nothing is installed, built or waited for before the sentence.
+AT_ONCE_SECONDS = 20
+
+
+def last_line(output):
+    return output.rstrip("\n").rpartition("\n")[2]
+
+
+@pytest.fixture
+def fresh(clone):
+    """A clone on a machine that lacks every package."""
+    clone.add_command("dpkg-query", "exit 1")
+    clone.add_command("cmake", "echo cmake was called; exit 1")
+    clone.add_command("sudo", 'exec "$@"')
+    return clone
+
+
+def expect_refusal(clone, sentence, *command):
+    code, output = clone.run(*(command or ["./run.sh"]), seconds=AT_ONCE_SECONDS)
+    assert code not in (0, None)
+    assert sentence in last_line(output)
+    assert "cmake was called" not in output
+
+
+def test_refused_user_namespaces_end_it_before_anything_is_installed(fresh, user):
+    if user.name == "root":
+        pytest.skip("Root needs none: it may bind the ports of the machine's own network.")
+    fresh.add_command("unshare", "exit 1")
+    # What a container sets that gives everybody the low ports.
+    fresh.add_command("cat", "echo 1024")
+    fresh.add_command("apt-get", "echo apt-get was called; exit 1")
+    expect_refusal(fresh, "This machine refuses ordinary users a private network (user namespaces)")
+
+
+def test_a_missing_sudo_is_said_with_what_it_was_needed_for(fresh, user):
+    if user.name == "root":
+        pytest.skip("Root needs no sudo.")
+    fresh.hide_command("sudo")
+    (fresh.commands / "sudo").unlink()
+    expect_refusal(fresh, "There is no sudo here; as root run: apt-get install --no-install-recommends cmake ninja")
+
+
+@pytest.mark.parametrize("failing", ["update", "install"])
+def test_a_failing_apt_is_said_below_its_own_words(fresh, failing):
+    fresh.add_command("apt-get", f'[ "$1" != {failing} ] || {{ echo "E: no network" >&2; exit 100; }}')
+    expect_refusal(fresh, "These packages could not be installed; the lines above say why: cmake ninja-build")
+
+
+def test_a_refused_sudo_is_said_below_its_own_words(fresh, user):
+    if user.name == "root":
+        pytest.skip("Root needs no sudo.")
+    fresh.add_command("sudo", 'echo "sudo: a password is required" >&2; exit 1')
+    expect_refusal(fresh, "These packages could not be installed; the lines above say why: cmake ninja-build")
+
+
+def test_a_system_without_apt_is_told_what_to_install(fresh):
+    fresh.hide_command("apt-get")
+    expect_refusal(fresh, "There is no apt-get here; install these by the means of this system: cmake ninja-build")
+
+
+def test_a_folder_that_somebody_else_has_built_in_is_said_whose_it_is(clone, user):
+    if not user.switch:
+        pytest.skip("Only root can build as somebody else.")
+    clone.add_programs()
+    clone.hand_over()
+    os.chown(clone.folder / "build/windows/Quillmont.exe", 0, 0)
+    expect_refusal(clone, "build/windows/Quillmont.exe belongs to root: remove", "scripts/build.sh", "windows")
+
+
+PRESETS = """{
+  "version": 6,
+  "configurePresets": [
+    {"name": "windows", "generator": "Ninja", "binaryDir": "${sourceDir}/build/${presetName}"}
+  ],
+  "buildPresets": [{"name": "windows", "configurePreset": "windows"}]
+}
+"""
+
+
+def test_a_clone_that_was_moved_is_built_anew(clone):
+    """With the real CMake, and a project that is configured in no time."""
+    (clone.folder / "CMakeLists.txt").write_text("cmake_minimum_required(VERSION 3.25)\nproject(moved LANGUAGES NONE)\n")
+    (clone.folder / "CMakePresets.json").write_text(PRESETS)
+    former = clone.folder
+    assert clone.run("scripts/build.sh", "windows")[0] == 0
+    clone.folder = former.with_name(former.name + "-moved")
+    former.rename(clone.folder)
+    try:
+        code, output = clone.run("scripts/build.sh", "windows")
+        assert code == 0
+        assert output.startswith(f"build/windows was made in {former}: building it anew.\n")
+        code, output = clone.run("scripts/build.sh", "windows")
+        assert code == 0
+        assert "anew" not in output
+    finally:
+        clone.folder.rename(former)
+
+
+def test_a_system_without_the_locale_is_told_what_will_fail(clone):
+    assert clone.run("scripts/with_harness.sh", "true") == (0, "")
+    without = ["unshare", "--user", "--map-root-user", "--mount", "sh", "-c"]
+    code, output = clone.run(*without, "mount -t tmpfs tmpfs /usr/lib/locale")
+    if code != 0:
+        pytest.skip(f"The system's locales cannot be hidden here: {output}")
+    code, output = clone.run(*without, "mount -t tmpfs tmpfs /usr/lib/locale && scripts/with_harness.sh true")
+    assert code == 0
+    assert "lacks the locale C.UTF-8" in last_line(output)
