@@ -38,13 +38,16 @@ HANDLE StartedProcess(const Request& request, size_t index) {
 
 // Wine now and then, less than once in a thousand starts, gives a process up before it comes to its program:
 // an internal error. So that answer, and no other, is asked about again.
-DWORD CreateProcessPatiently(const std::wstring& program, PROCESS_INFORMATION* started) {
+DWORD CreateProcessPatiently(const std::wstring& program, POINT place, PROCESS_INFORMATION* started) {
     constexpr int kAttempts = 3;
     DWORD error = ERROR_INTERNAL_ERROR;
     for (int attempt = 0; attempt < kAttempts && error == ERROR_INTERNAL_ERROR; ++attempt) {
         std::wstring commandLine = L"\"" + program + L"\"";
         STARTUPINFOW startup = {};
         startup.cb = sizeof(startup);
+        startup.dwFlags = STARTF_USEPOSITION;
+        startup.dwX = static_cast<DWORD>(place.x);
+        startup.dwY = static_cast<DWORD>(place.y);
         const BOOL created = CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0,
                                             nullptr, nullptr, &startup, started);
         error = created ? ERROR_SUCCESS : GetLastError();
@@ -52,9 +55,15 @@ DWORD CreateProcessPatiently(const std::wstring& program, PROCESS_INFORMATION* s
     return error;
 }
 
+// Two numbers behind the program: where the system puts its first window when it asks for no place of
+// its own.
 std::string StartProcess(const Request& request) {
     PROCESS_INFORMATION started = {};
-    if (const DWORD error = CreateProcessPatiently(request.Text(0), &started); error != ERROR_SUCCESS) {
+    POINT place = {};
+    if (request.arguments.size() > 1) {
+        place = {static_cast<LONG>(request.Number(1)), static_cast<LONG>(request.Number(2))};
+    }
+    if (const DWORD error = CreateProcessPatiently(request.Text(0), place, &started); error != ERROR_SUCCESS) {
         throw RequestError("CreateProcessW failed: " + std::to_string(error));
     }
     CloseHandle(started.hThread);

@@ -67,6 +67,11 @@ def test_the_outer_size_is_694_by_90(program):
     assert (right - left, bottom - top) == (694, 90)
 
 
+def test_its_place_is_left_to_the_system(data, start):
+    left, top, _, _ = start(place=(123, 77)).main.facts.rect
+    assert (left, top) == (123, 77)
+
+
 def test_the_class_has_the_white_brush_and_the_arrow_and_neither_icon_nor_menu(program):
     program.attach_spy()
     seen = program.main.window_class

@@ -380,6 +380,19 @@ TEST_F(Recording, ASendThatFailsIsALineForEachTrapBehindTheTurn) {
     CloseUdpSocket(*forwarder);
 }
 
+// Longer than any that UDP brings over IPv4.
+TEST_F(Recording, ADatagramThatFillsTheBufferIsRecordedToItsLastOctet) {
+    constexpr size_t kText = 65'471;
+    const Octets full = EncodeV2Trap({{"1.3.6.1.4.1.1", EncodeOctetString(std::string(kText, 'x'))},
+                                      {"1.3.6.1.4.1.2", EncodeInteger(4711)}});
+    ASSERT_EQ(full.size(), TrapTurn::kLargestDatagram);
+    std::vector<TrapArrival> turn = {{full.data(), full.size(), kSender, kTime}};
+    RecordTraps(turn, nullptr, workspace_);
+    EXPECT_EQ(TrapFile(), std::string(kFrom) + "---> [1] 1.3.6.1.4.1.1  OCTET STRING = \"" +
+                              std::string(kText, 'x') +
+                              "\"\r\r\n---> [2] 1.3.6.1.4.1.2  INTEGER = 4711\r\r\n\r\r\n");
+}
+
 TEST_F(Recording, AGiantsMemoryIsGivenBackAndAnOrdinaryTurnsIsKept) {
     std::vector<TrapArrival> ordinary = ArrivalsOf({FindSample("v2_eight_bindings")});
     RecordTraps(ordinary, nullptr, workspace_);

@@ -31,8 +31,8 @@ def start(driver):
     """A function that starts the program; whatever it started is gone after the test."""
     started = []
 
-    def start_program(executable=None):
-        started.append(Program(driver, executable))
+    def start_program(executable=None, **options):
+        started.append(Program(driver, executable, **options))
         return started[-1]
 
     yield start_program

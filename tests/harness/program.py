@@ -30,9 +30,10 @@ STOP_LINES = sorted(
 
 
 class Program:
-    def __init__(self, driver, executable=None):
+    def __init__(self, driver, executable=None, place=(0, 0)):
+        """`place` is where the system puts the first window when the program leaves it to the system."""
         self.driver = driver
-        self.process = driver("start", windows_path(executable or program_file()))
+        self.process = driver("start", windows_path(executable or program_file()), *place)
         self.main = self.wait_for_window(MAIN_CLASS)
 
     def windows(self):
