@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Checks the C++ sources: their shape (clang-format, and the wrapping of comments), what clang-tidy says of all that ships,
-# or the direction of the includes between folders.
+# Checks the C++ sources: their shape (clang-format, and the wrapping of comments), what clang-tidy says of all that
+# ships, or the direction of the includes between folders.
 # Usage: scripts/check_style.sh format | tidy BUILD_FOLDER | arrows. Prints how to mend the shape.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."

@@ -63,7 +63,8 @@ std::string StartProcess(const Request& request) {
     if (request.arguments.size() > 1) {
         place = {static_cast<LONG>(request.Number(1)), static_cast<LONG>(request.Number(2))};
     }
-    if (const DWORD error = CreateProcessPatiently(request.Text(0), place, &started); error != ERROR_SUCCESS) {
+    if (const DWORD error = CreateProcessPatiently(request.Text(0), place, &started);
+        error != ERROR_SUCCESS) {
         throw RequestError("CreateProcessW failed: " + std::to_string(error));
     }
     CloseHandle(started.hThread);
