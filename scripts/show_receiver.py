@@ -14,6 +14,7 @@ from harness.driver import Driver
 from harness.pictures import save_picture
 from harness.places import ROOT
 from harness.program import Program
+from harness.standard_names import make_standard_names
 from harness.tool_windows import LOG, MONITOR, STATUS, TOOL_WINDOWS
 
 PICTURES = ROOT / "build" / "pictures"
@@ -23,7 +24,9 @@ SAMPLES = ["NET-SNMP-AGENT-MIB.txt", "NET-SNMP-MIB.txt", "UCD-DISKIO-MIB.txt", "
 # memTotalReal and memTotalFree of UCD-SNMP-MIB, without an instance: a name needs exactly its identifier.
 MEM_TOTAL_REAL = "1.3.6.1.4.1.2021.4.5"
 MEM_TOTAL_FREE = "1.3.6.1.4.1.2021.4.11"
-LOAD_AVERAGE = "1.3.6.1.4.1.2021.10.1.3.1"
+# What a link that goes down carries: instances, which standard-names.mib names.
+IF_ENTRY = "1.3.6.1.2.1.2.2.1"
+LINK = [f"{IF_ENTRY}.1.3", "i", "3", f"{IF_ENTRY}.7.3", "i", "1", f"{IF_ENTRY}.8.3", "i", "2"]
 
 
 def say(text):
@@ -38,19 +41,21 @@ def import_samples(data):
     data.mibs.mkdir(parents=True, exist_ok=True)
     for name in SAMPLES:
         shutil.copy(MIB_SAMPLES / name, data.mibs)
-    say(f"MIB files: {', '.join(SAMPLES)}")
+    names = make_standard_names(data.mibs)
+    say(f"MIB files: {', '.join([*SAMPLES, names.name])}")
 
 
 def send_traps(data):
     say("Sending a version 1 trap, a version 2c trap and an inform with snmptrap.")
     before = data.traps_received()
-    traps.send_v1(LOAD_AVERAGE, "s", "0.42")
-    traps.send_v2c(MEM_TOTAL_REAL, "i", "8029184", LOAD_AVERAGE, "s", "0.42")
+    traps.send_v1(MEM_TOTAL_REAL, "i", "8029184")
+    traps.send_v2c(*LINK, f"{IF_ENTRY}.2.3", "s", "GigabitEthernet0/3")
     if traps.send_inform(MEM_TOTAL_FREE, "i", "1204"):
         sys.exit("The inform was answered, and nothing may ever be.")
     data.wait_for_traps(before + 3)
-    if b"(memTotalReal)" not in data.trap_octets():
-        sys.exit("No name was found for memTotalReal.")
+    for name in ("memTotalReal", "sysUpTime-0", "ifOperStatus-3"):
+        if f"({name})".encode() not in data.trap_octets():
+            sys.exit(f"No name was found for {name}.")
 
 
 def take_pictures(program):

@@ -15,6 +15,7 @@ def test_without_a_display_it_prints_what_was_recorded_and_leaves_nothing(ready)
     code, output = ready.run("./run.sh")
     assert code == 0
     assert "1.3.6.1.4.1.2021.4.5 (memTotalReal)  INTEGER = 8029184" in output
+    assert "1.3.6.1.2.1.2.2.1.8.3 (ifOperStatus-3)  INTEGER = 2" in output
     assert output.endswith("Quillmont.exe ended with exit code 0.\nNo process was left behind.\n")
     assert (ready.folder / "build/pictures/main_window.png").exists()
 
