@@ -45,10 +45,9 @@ def main():
                                 "soaking instead of a minute")
     arguments.add_argument("--before", metavar="FOLDER",
                            help="programs of another state, measured beside these (measuring/places.py)")
-    arguments.add_argument("--engine-rate", type=int, default=2000,
+    arguments.add_argument("--engine-rate", type=int, default=50000,
                            help="traps a second of the sustained load, natively")
-    arguments.add_argument("--program-rate", type=int, default=500, help="the same for Quillmont.exe")
-    arguments.add_argument("--in-hand", type=int, default=1, help="traps that a kill may cost")
+    arguments.add_argument("--program-rate", type=int, default=5000, help="the same for Quillmont.exe")
     arguments.add_argument("parts", nargs="*", metavar="PART", help=f"some of {', '.join(PARTS)}; without any, all")
     options = arguments.parse_args()
     storm = Storm(options)

@@ -5,6 +5,7 @@ import re
 import subprocess
 from pathlib import Path
 
+PIECE = 1 << 24  # octets of a file that are looked at together
 TICKS_A_SECOND = os.sysconf("SC_CLK_TCK")
 
 
@@ -67,8 +68,13 @@ class TextCounter:
             return self.count
         with open(self.path, "rb") as file:
             file.seek(self._offset)
-            octets = file.read()
+            while end := self._count_lines(file.read(PIECE)):
+                self._offset += end
+                file.seek(self._offset)
+        return self.count
+
+    def _count_lines(self, octets):
+        """Counts in the whole lines; how many octets they are."""
         end = octets.rfind(b"\n") + 1
         self.count += octets.count(self._text, 0, end)
-        self._offset += end
-        return self.count
+        return end

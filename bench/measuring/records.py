@@ -4,6 +4,8 @@ import re
 
 from harness.data_folder import LINE_END, STAMP
 
+from measuring.counters import PIECE
+
 # Bindings of each trap whose record is looked at.
 BINDINGS = 6
 
@@ -22,7 +24,6 @@ RECORD = re.compile(
         ]
     )
 )
-PIECE = 1 << 24
 
 
 def parse_records(octets):

@@ -18,10 +18,11 @@ class Sent(NamedTuple):
 
 
 class Sender:
-    """A sender that runs beside what is measured. Modes and numbers as sender.cpp has them."""
+    """A sender that runs beside what is measured, no longer than the `with` statement that starts it. Modes and numbers
+    as sender.cpp has them."""
 
     def __init__(self, mode, **numbers):
-        words = [f"{name.rstrip('_')}={number}" for name, number in numbers.items()]
+        words = [f"{name}={number}" for name, number in numbers.items()]
         self._process = subprocess.Popen(
             [native_tool("trap_sender"), mode, *words], stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True
         )
@@ -30,18 +31,26 @@ class Sender:
     def runs(self):
         return self._process.poll() is None
 
-    def wait(self, seconds=None):
+    def wait(self):
         """What was sent."""
-        output, errors = self._process.communicate(timeout=seconds)
+        output, errors = self._process.communicate()
         assert self._process.returncode == 0, f"the sender failed: {errors}"
         count, lost, sending, whole = output.split()
         return Sent(int(count), int(lost), float(sending), float(whole))
 
     def end(self):
         """For one that was to go on longer than anybody needs it."""
-        self._process.kill()
-        self._process.communicate()
+        if self.runs:
+            self._process.kill()
+            self._process.communicate()
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.end()
 
 
 def send(mode, **numbers):
-    return Sender(mode, **numbers).wait()
+    with Sender(mode, **numbers) as sender:
+        return sender.wait()

@@ -1,6 +1,8 @@
 """Bursts, back to back: what was sent, received, recorded, logged and forwarded; with a flood on port 161 beside them
 and without."""
 
+from contextlib import ExitStack
+
 from harness.traps import LISTENER_PORT
 from harness.waiting import wait_until
 
@@ -13,6 +15,7 @@ from measuring.tables import row, table
 
 BURSTS = (1000, 10000, 50000)
 FLOOD = 50000
+ENDLESS = 10**9
 STEADY = (20000, 2000)  # traps, a second
 TRAP_LINE = b"Trap received (127.0.0.1)."
 REQUEST_LINE = b"Datagram on UDP 161 from 127.0.0.1."
@@ -40,8 +43,8 @@ def noted_on_161(receiver, flood):
 
 
 def burst(receiver, count, with_flood):
-    with receiver, ForwardingTarget() as target:
-        flood = Sender("burst", count=FLOOD, port=LISTENER_PORT) if with_flood else None
+    with receiver, ForwardingTarget() as target, ExitStack() as beside:
+        flood = with_flood and beside.enter_context(Sender("burst", count=FLOOD, port=LISTENER_PORT))
         sent = send("burst", count=count, bindings=BINDINGS)
         noted = noted_on_161(receiver, flood.wait()) if flood else "-"
         cells = check_handled(receiver, target, sent.received)
@@ -73,12 +76,10 @@ def measure_flood(storm):
           "161 noted at")
     for receiver in receivers(storm):
         with receiver, ForwardingTarget() as target:
-            # As many as no receiver takes in twice the time.
-            flood = Sender("burst", count=10**9, port=LISTENER_PORT)
-            sent = send("paced", count=count, rate=rate, bindings=BINDINGS)
-            lines = TextCounter(receiver.data.log, REQUEST_LINE).look()
-            lost_161 = dropped(LISTENER_PORT)
-            flood.end()
+            with Sender("burst", count=ENDLESS, port=LISTENER_PORT):
+                sent = send("paced", count=count, rate=rate, bindings=BINDINGS)
+                lines = TextCounter(receiver.data.log, REQUEST_LINE).look()
+                lost_161 = dropped(LISTENER_PORT)
             recorded, _, _ = check_handled(receiver, target, sent.received)
             row(receiver.name, f"{sent.received}/{count}", recorded, f"{(lost_161 + lines) / sent.whole:,.0f}/s",
                 f"{lines / sent.whole:,.0f}/s")

@@ -11,6 +11,7 @@ from measuring.senders import Sender
 from measuring.tables import row, table
 
 SHORT, LONG = 10, 50  # kills
+IN_HAND = 256  # the most that one turn holds (trap/trap_turn.h)
 # More than any receiver takes, so that its buffer never runs dry; each start gets new numbers.
 RATE = 200000
 NUMBERS_A_START = 10**7
@@ -20,15 +21,12 @@ def kill_once(receiver, kill, before):
     """Octets of SNMP.txt, whole records in its new part, octets of a cut record, traps that were taken and lost."""
     wait_until(lambda: listens(TRAP_PORT), "the receiver to listen")
     taken_before = taken_from_sockets()
-    sender = Sender("paced", count=NUMBERS_A_START, rate=RATE, first=kill * NUMBERS_A_START, bindings=BINDINGS)
-    try:
+    with Sender("paced", count=NUMBERS_A_START, rate=RATE, first=kill * NUMBERS_A_START, bindings=BINDINGS):
         enough = len(before) + (kill % 5 + 1) * 100000
         wait_until(lambda: receiver.data.traps.exists() and receiver.data.traps.stat().st_size > enough, "records")
         receiver.kill()
         wait_until(lambda: not listens(TRAP_PORT), "the port to be free")
         taken = taken_from_sockets() - taken_before
-    finally:
-        sender.end()
     octets = receiver.data.trap_octets()
     assert octets.startswith(before), "an earlier record has changed"
     numbers, rest = parse_records(octets[len(before) :])
@@ -55,4 +53,4 @@ def measure_kills(storm):
     for programs in storm.states:
         for receiver in (NativeEngine(programs), ShippedProgram(storm.driver, programs)):
             missing = kill_repeatedly(receiver, LONG if storm.options.long else SHORT)
-            assert missing <= storm.options.in_hand, f"{missing} traps are missing after one kill"
+            assert missing <= IN_HAND, f"{missing} traps are missing after one kill"

@@ -43,30 +43,37 @@ def trap_lines(path):
     return (line for line in path.read_bytes().split(b"\n") if b"Trap received (" in line)
 
 
+def show(tool, program):
+    """Opens a window, lets it stand for a while and closes it."""
+    window = tool.open(program)
+    time.sleep(WINDOW_SECONDS)
+    window.close()
+    window.wait_closed()
+
+
+def footprint(pid):
+    return memory_kilobytes(pid), thread_count(pid), descriptor_count(pid)
+
+
 def soak(receiver, seconds, move_seconds):
     columns = ("receiver", "second", "moves", "windows", "memory kB", "threads", "descriptors")
     table(f"{RATE}/s for {seconds} s, files moved away every {move_seconds} s", *columns)
     tools = itertools.cycle(TOOL_WINDOWS)
+    numbers = {"count": RATE * seconds, "rate": RATE, "bindings": BINDINGS}
     opened = 0
-    with receiver:
+    with receiver, Sender("paced", **numbers) as sender:
         files = MovedFiles(receiver.data)
-        sender = Sender("paced", count=RATE * seconds, rate=RATE, bindings=BINDINGS)
         start = time.monotonic()
         next_move, next_report = move_seconds, seconds / 10
         while sender.runs:
-            window = next(tools).open(receiver.program)
+            show(next(tools), receiver.program)
             opened += 1
-            time.sleep(WINDOW_SECONDS)
-            window.close()
-            window.wait_closed()
             elapsed = time.monotonic() - start
             if elapsed >= next_move:
                 files.move()
                 next_move += move_seconds
             if elapsed >= next_report:
-                pid = receiver.pid
-                row(receiver.name, int(elapsed), files.count, opened, memory_kilobytes(pid), thread_count(pid),
-                    descriptor_count(pid))
+                row(receiver.name, int(elapsed), files.count, opened, *footprint(receiver.pid))
                 next_report += seconds / 10
         sent = sender.wait()
         assert sent.lost == 0, f"{sent.lost} dropped"

@@ -26,8 +26,8 @@ def sustain(receiver, rate, seconds):
         memory.append(memory_kilobytes(receiver.pid))
         row(receiver.name, second, receiver.recorded(), dropped(TRAP_PORT), memory[-1], thread_count(receiver.pid))
 
-    with receiver, ForwardingTarget() as target:
-        sender = Sender("paced", count=rate * seconds, rate=rate, bindings=BINDINGS)
+    numbers = {"count": rate * seconds, "rate": rate, "bindings": BINDINGS}
+    with receiver, ForwardingTarget() as target, Sender("paced", **numbers) as sender:
         start = time.monotonic()
         step = min(60, seconds // 4)
         for second in range(step, seconds + 1, step):

@@ -49,9 +49,9 @@ def measure_answers(storm):
         for programs in storm.states:
             with ShippedProgram(storm.driver, programs, windows) as receiver:
                 main = receiver.program.main
-                sender = Sender("paced", count=count, rate=rate, bindings=BINDINGS)
-                longest = storm.driver("longest_answer", main.handle, 1000 * count // rate)
-                received = sender.wait().received
+                with Sender("paced", count=count, rate=rate, bindings=BINDINGS) as sender:
+                    longest = storm.driver("longest_answer", main.handle, 1000 * count // rate)
+                    received = sender.wait().received
                 receiver.wait_for_records(received)
                 check_order(read_numbers(receiver.data.traps), received)
                 start = time.monotonic()
