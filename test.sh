@@ -4,7 +4,7 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 
-scripts/packages.sh build run test package
+scripts/packages.sh build run test package icon
 builds=(native tsan windows)
 for build in "${builds[@]}"; do
     scripts/build.sh "$build"

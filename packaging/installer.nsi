@@ -42,6 +42,8 @@ VIAddVersionKey "FileDescription" "${NAME} Setup"
 VIAddVersionKey "CompanyName" "Quillmont"
 VIAddVersionKey "LegalCopyright" "© 2026 Quillmont. All rights reserved."
 
+!define MUI_ICON "../resources/quillmont.ico"
+!define MUI_UNICON "../resources/quillmont.ico"
 !define MUI_ABORTWARNING
 !define MUI_COMPONENTSPAGE_SMALLDESC
 !define MUI_WELCOMEPAGE_TEXT "Setup installs ${NAME} for all users of this computer.$\r$\n$\r$\nA ${NAME} that \

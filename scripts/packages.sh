@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Names every Debian package that building, running and testing need, and installs what is missing.
-# Usage: scripts/packages.sh [build] [run] [test] [package] [picture] [bench]. Asks nothing; as an ordinary user it goes
-# through sudo.
+# Usage: scripts/packages.sh [build] [run] [test] [package] [icon] [picture] [bench]. Asks nothing; as an ordinary user
+# it goes through sudo.
 set -euo pipefail
 
 build_packages=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix libgtest-dev)
@@ -16,6 +16,8 @@ test_packages=(clang libclang-rt-dev clang-format clang-tidy git python3-pytest 
 # makensis (nsis) makes the installer, pandoc the guide's HTML; osslsigncode signs, and openssl makes what the tests
 # sign with.
 package_packages=(nsis pandoc zip unzip osslsigncode openssl)
+# rsvg-convert (librsvg2-bin) and icotool (icoutils) draw the icon.
+icon_packages=(librsvg2-bin icoutils)
 picture_packages=(pngquant)
 # The benchmarks' library and the peers that the receiver is held against; gnuplot draws the picture.
 bench_packages=(libbenchmark-dev libsnmp-dev snmptrapd gnuplot-nox)

@@ -1,0 +1,62 @@
+"""The icon: drawn once, in every size, and in every file that Explorer shows. That the windows' classes have none is
+for the desktop tests."""
+
+import struct
+import subprocess
+
+from harness.places import ROOT
+from installation import package, unpack
+
+ICON = ROOT / "resources" / "quillmont.ico"
+SIZES = [16, 24, 32, 48, 256]
+PNG_MARK = b"\x89PNG"
+
+
+def read_images(octets):
+    """The size and the octets of each image of an icon file."""
+    reserved, kind, count = struct.unpack_from("<HHH", octets)
+    assert (reserved, kind) == (0, 1)
+    for index in range(count):
+        width, height, _, _, _, depth, length, start = struct.unpack_from("<BBBBHHII", octets, 6 + 16 * index)
+        assert (width, depth) == (height, 32)
+        yield width or 256, octets[start : start + length]
+
+
+IMAGES = dict(read_images(ICON.read_bytes()))
+
+
+def test_it_has_the_sizes_that_explorer_and_the_shortcuts_ask_for():
+    assert sorted(IMAGES) == SIZES
+    # Only the largest may be a PNG: older parts of Windows read no other.
+    assert [size for size, image in IMAGES.items() if image.startswith(PNG_MARK)] == [256]
+
+
+def test_program_installer_and_uninstaller_have_it(installation, tmp_path):
+    installation.install()
+    program = unpack(tmp_path / "zip") / "Quillmont.exe"
+    for file in (program, package("setup.exe"), installation.folder / "uninstall.exe"):
+        octets = file.read_bytes()
+        assert [size for size, image in IMAGES.items() if image not in octets] == [], file.name
+
+
+def pixels(icon, folder):
+    """The pixels of each size, as red, green, blue and opacity."""
+    folder.mkdir()
+    subprocess.run(["icotool", "--extract", "--output", folder, icon], check=True)
+    found = {}
+    for image in folder.glob("*.png"):
+        command = ["convert", image, "-depth", "8", "rgba:-"]
+        octets = subprocess.run(command, check=True, capture_output=True).stdout
+        found[round((len(octets) / 4) ** 0.5)] = octets
+    return found
+
+
+def test_it_is_the_drawing(tmp_path):
+    drawn = tmp_path / "drawn.ico"
+    subprocess.run([ROOT / "packaging" / "make_icon.sh", drawn], check=True)
+    kept, drawn = pixels(ICON, tmp_path / "kept"), pixels(drawn, tmp_path / "new")
+    assert sorted(kept) == sorted(drawn) == SIZES
+    for size in SIZES:
+        # Other versions of the drawing library smooth an edge a little differently.
+        differences = [abs(left - right) for left, right in zip(kept[size], drawn[size], strict=True)]
+        assert sum(differences) / len(differences) < 1, f"{size} pixels: draw it anew with packaging/make_icon.sh"
