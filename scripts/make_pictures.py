@@ -1,55 +1,32 @@
 """Takes the pictures of docs/pictures/ on the virtual display that make_pictures.sh has prepared.
 
-Every picture shows what the program really did with traps that snmptrap
-really sent; only the places of the windows are arranged.
+Every picture shows what the program really did with traps that snmptrap really sent; only the places of the windows
+are arranged.
 """
 
-import shutil
 import subprocess
 import sys
-from pathlib import Path
 
-from harness import traps
+from harness import samples, traps
 from harness.data_folder import find_data_folder
 from harness.driver import Driver
 from harness.mib_dialogs import ID_NO, ask_to_delete
 from harness.pictures import look_at_display
 from harness.places import ROOT
 from harness.program import Program
-from harness.standard_names import make_standard_names
 from harness.tool_windows import MONITOR, STATUS, TOOL_WINDOWS
 from harness.waiting import wait_until
 
 PICTURES = ROOT / "docs" / "pictures"
 COLOURS = "64"  # enough for text with smoothed edges
 
-MIB_SAMPLES = Path("/usr/share/snmp/mibs")
-SAMPLES = [
-    "NET-SNMP-AGENT-MIB.txt",
-    "NET-SNMP-EXAMPLES-MIB.txt",
-    "NET-SNMP-MIB.txt",
-    "UCD-DISKIO-MIB.txt",
-    "UCD-SNMP-MIB.txt",
-]
-
-# Identifiers of UCD-SNMP-MIB and NET-SNMP-EXAMPLES-MIB, without an instance: a name needs exactly its identifier.
-MEM_TOTAL_REAL = "1.3.6.1.4.1.2021.4.5"
-MEM_AVAIL_REAL = "1.3.6.1.4.1.2021.4.6"
-MEM_TOTAL_FREE = "1.3.6.1.4.1.2021.4.11"
-MEM_SWAP_ERROR = "1.3.6.1.4.1.2021.4.101"
-HEARTBEAT_RATE = "1.3.6.1.4.1.8072.2.3.2.1"
-HEARTBEAT_NAME = "1.3.6.1.4.1.8072.2.3.2.2"
-IF_ENTRY = "1.3.6.1.2.1.2.2.1"
-IF_ALIAS = "1.3.6.1.2.1.31.1.1.1.18"
-
 
 def send_traps(data):
-    link = [f"{IF_ENTRY}.1.3", "i", "3", f"{IF_ENTRY}.7.3", "i", "1", f"{IF_ENTRY}.8.3", "i", "2"]
-    names = [f"{IF_ENTRY}.2.3", "s", "GigabitEthernet0/3", f"{IF_ALIAS}.3", "s", "to the server room"]
-    traps.send_v2c(*link, *names)
-    traps.send_v1(MEM_TOTAL_REAL, "i", "8029184", MEM_AVAIL_REAL, "i", "1204")
-    traps.send_v2c(HEARTBEAT_RATE, "i", "30", HEARTBEAT_NAME, "s", "backup-server")
-    traps.send_v2c(MEM_TOTAL_FREE, "i", "1204", MEM_SWAP_ERROR, "s", "Running out of swap space (1204)")
+    samples.send_link_down()
+    samples.send_memory_report()
+    traps.send_v2c(samples.HEARTBEAT_RATE, "i", "30", samples.HEARTBEAT_NAME, "s", "backup-server")
+    swap = [samples.MEM_SWAP_ERROR, "s", "Running out of swap space (1204)"]
+    traps.send_v2c(samples.MEM_TOTAL_FREE, "i", "1204", *swap)
     traps.send_raw(b"not an SNMP message")
     data.wait_for_traps(5)
 
@@ -134,10 +111,7 @@ def main():
     PICTURES.mkdir(parents=True, exist_ok=True)
     driver = Driver()
     data = find_data_folder(driver)
-    data.mibs.mkdir(parents=True)
-    for name in SAMPLES:
-        shutil.copy(MIB_SAMPLES / name, data.mibs)
-    make_standard_names(data.mibs)
+    samples.add_samples(data)
     program = Program(driver).wait_running()
     data.wait_for_start()
     program.main.move(40, 20)
@@ -149,9 +123,8 @@ def main():
     take_main_window(program)
     code = program.close()
     driver.close()
-    for name in (b"(ifAlias-3)", b"(memTotalReal)", b"(netSnmpExampleHeartbeatRate)"):
-        if name not in data.trap_octets():
-            sys.exit(f"The pictures lack the name {name.decode()}.")
+    if missing := samples.missing_names(data, "ifAlias-3", "memTotalReal", "netSnmpExampleHeartbeatRate"):
+        sys.exit(f"The pictures lack names: {', '.join(missing)}.")
     return code
 
 

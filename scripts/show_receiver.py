@@ -4,29 +4,18 @@
 WINEPREFIX, DISPLAY and where the harness is are set by show_receiver.sh.
 """
 
-import shutil
 import sys
-from pathlib import Path
 
-from harness import traps
+from harness import samples, traps
 from harness.data_folder import find_data_folder
 from harness.driver import Driver
 from harness.pictures import save_picture
 from harness.places import ROOT
 from harness.program import Program
-from harness.standard_names import make_standard_names
 from harness.tool_windows import LOG, MONITOR, STATUS, TOOL_WINDOWS
 
 PICTURES = ROOT / "build" / "pictures"
-MIB_SAMPLES = Path("/usr/share/snmp/mibs")
-SAMPLES = ["NET-SNMP-AGENT-MIB.txt", "NET-SNMP-MIB.txt", "UCD-DISKIO-MIB.txt", "UCD-SNMP-MIB.txt"]
-
-# memTotalReal and memTotalFree of UCD-SNMP-MIB, without an instance: a name needs exactly its identifier.
-MEM_TOTAL_REAL = "1.3.6.1.4.1.2021.4.5"
-MEM_TOTAL_FREE = "1.3.6.1.4.1.2021.4.11"
-# What a link that goes down carries: instances, which standard-names.mib names.
-IF_ENTRY = "1.3.6.1.2.1.2.2.1"
-LINK = [f"{IF_ENTRY}.1.3", "i", "3", f"{IF_ENTRY}.7.3", "i", "1", f"{IF_ENTRY}.8.3", "i", "2"]
+NAMES = ["memTotalReal", "memTotalFree", "sysUpTime-0", "ifOperStatus-3"]
 
 
 def say(text):
@@ -37,25 +26,16 @@ def text_of(octets):
     return octets.decode("latin-1").replace("\r\r\n", "\n")
 
 
-def import_samples(data):
-    data.mibs.mkdir(parents=True, exist_ok=True)
-    for name in SAMPLES:
-        shutil.copy(MIB_SAMPLES / name, data.mibs)
-    names = make_standard_names(data.mibs)
-    say(f"MIB files: {', '.join([*SAMPLES, names.name])}")
-
-
 def send_traps(data):
     say("Sending a version 1 trap, a version 2c trap and an inform with snmptrap.")
     before = data.traps_received()
-    traps.send_v1(MEM_TOTAL_REAL, "i", "8029184")
-    traps.send_v2c(*LINK, f"{IF_ENTRY}.2.3", "s", "GigabitEthernet0/3")
-    if traps.send_inform(MEM_TOTAL_FREE, "i", "1204"):
+    samples.send_memory_report()
+    samples.send_link_down()
+    if traps.send_inform(samples.MEM_TOTAL_FREE, "i", "1204"):
         sys.exit("The inform was answered, and nothing may ever be.")
     data.wait_for_traps(before + 3)
-    for name in ("memTotalReal", "sysUpTime-0", "ifOperStatus-3"):
-        if f"({name})".encode() not in data.trap_octets():
-            sys.exit(f"No name was found for {name}.")
+    if missing := samples.missing_names(data, *NAMES):
+        sys.exit(f"The records lack names: {', '.join(missing)}.")
 
 
 def take_pictures(program):
@@ -88,7 +68,7 @@ def leave_to_operator(program, data):
 def main():
     driver = Driver()
     data = find_data_folder(driver)
-    import_samples(data)
+    say(f"MIB files: {', '.join(samples.add_samples(data))}")
     started = data.log_messages().count("Server started.")
     program = Program(driver)
     data.wait_for_log("Server started.", started + 1)

@@ -17,13 +17,13 @@ def start_wine(*command, **options):
     )
 
 
-def run_wine(*command, seconds=120):
-    """The exit code. No pipes: what a command leaves running would hold them open, and so would Wine's services,
-    which the first program of a prefix starts."""
+def run_wine(*command, seconds=120, output=subprocess.DEVNULL):
+    """The exit code; what is printed goes into the file `output`. No pipes: what a command leaves running would hold
+    them open, and so would Wine's services, which the first program of a prefix starts."""
     return subprocess.run(
         ["wine", *map(str, command)],
         stdin=subprocess.DEVNULL,
-        stdout=subprocess.DEVNULL,
+        stdout=output,
         stderr=subprocess.DEVNULL,
         timeout=seconds,
         check=False,

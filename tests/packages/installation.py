@@ -3,7 +3,6 @@
 import os
 import re
 import shutil
-import subprocess
 import tempfile
 import zipfile
 from pathlib import Path
@@ -122,14 +121,7 @@ class Installation:
     def ask(self, program, *switches):
         """The exit code and what is printed, into a file: a pipe would be held open by what is left running."""
         with tempfile.TemporaryFile() as output:
-            code = subprocess.run(
-                ["wine", program, *as_typed(switches)],
-                stdin=subprocess.DEVNULL,
-                stdout=output,
-                stderr=subprocess.DEVNULL,
-                timeout=120,
-                check=False,
-            ).returncode
+            code = run_wine(program, *as_typed(switches), output=output)
             output.seek(0)
             return code, output.read().decode().replace("\r\n", "\n")
 

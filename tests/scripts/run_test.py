@@ -3,6 +3,8 @@ that it needs is refused."""
 
 import subprocess
 
+import pytest
+
 from clone import VirtualDisplay, end_session, wait_for_line
 from harness.tool_windows import STATUS
 from harness.waiting import wait_until
@@ -20,6 +22,7 @@ def test_without_a_display_it_prints_what_was_recorded_and_leaves_nothing(ready)
     assert (ready.folder / "build/pictures/main_window.png").exists()
 
 
+@pytest.mark.parametrize("user", ["ordinary"], indirect=True)
 def test_a_display_that_is_out_of_reach_is_said_to_be_and_replaced(ready):
     code, output = ready.run("./run.sh", DISPLAY="127.0.0.1:99")
     assert code == 0
