@@ -12,12 +12,13 @@ if(WIN32)
   add_test(NAME windows.memory COMMAND ${RUNNER} $<TARGET_FILE:quillmont_memory_tests>)
   add_test(NAME windows.broken_walk COMMAND ${RUNNER} $<TARGET_FILE:quillmont_broken_walk_tests>)
   add_test(NAME windows.file_layer COMMAND ${RUNNER} $<TARGET_FILE:quillmont_file_layer_tests>)
+  add_test(NAME windows.receiver_steps COMMAND ${RUNNER} $<TARGET_FILE:quillmont_receiver_steps_tests>)
   add_test(NAME windows.broken_search COMMAND ${RUNNER} $<TARGET_FILE:quillmont_broken_search_tests>)
   add_test(NAME windows.attributes COMMAND ${RUNNER} $<TARGET_FILE:quillmont_attribute_tests>)
   add_test(NAME windows.start_up COMMAND ${RUNNER} $<TARGET_FILE:quillmont_start_up_tests>)
   set_tests_properties(
-      windows.unit windows.memory windows.broken_walk windows.file_layer windows.broken_search windows.attributes
-      windows.start_up PROPERTIES TIMEOUT 300)
+      windows.unit windows.memory windows.broken_walk windows.file_layer windows.receiver_steps
+      windows.broken_search windows.attributes windows.start_up PROPERTIES TIMEOUT 300)
   if(NOT CMAKE_HOST_WIN32)
     add_test(NAME windows.second_compiler
         COMMAND /usr/bin/python3 -B ${CMAKE_SOURCE_DIR}/scripts/check_second_compiler.py ${CMAKE_BINARY_DIR})
@@ -33,6 +34,7 @@ else()
   gtest_discover_tests(quillmont_memory_tests TEST_PREFIX memory. PROPERTIES TIMEOUT 60)
   gtest_discover_tests(quillmont_broken_walk_tests TEST_PREFIX broken_walk. PROPERTIES TIMEOUT 60)
   gtest_discover_tests(quillmont_file_layer_tests TEST_PREFIX file_layer. PROPERTIES TIMEOUT 60)
+  gtest_discover_tests(quillmont_receiver_steps_tests TEST_PREFIX receiver_steps. PROPERTIES TIMEOUT 60)
   gtest_discover_tests(quillmont_broken_search_tests TEST_PREFIX broken_search. PROPERTIES TIMEOUT 60)
   foreach(check commands promises user_guide value_types)
     add_test(NAME docs.${check}

@@ -7,6 +7,7 @@
 #include "mib/name_store.h"
 #include "tests/engine/engine_fixture.h"
 #include "tests/support/exclusive_port.h"
+#include "tests/support/lock_waits.h"
 #include "trap/server_state.h"
 
 namespace {
@@ -183,6 +184,11 @@ TEST_F(ServerControl, TheLastTrapIsKeptOverStopAndStart) {
     ASSERT_TRUE(StartServer());
     EXPECT_EQ(ServerState.lastTrapTick, tick);
     EXPECT_EQ(CopyLastTrapSender(), sender);
+}
+
+TEST_F(ServerControl, TheLastSenderIsCopiedAndReplacedUnderItsLock) {
+    EXPECT_TRUE(WaitsFor(LastTrapSenderLock, [] { CopyLastTrapSender(); }));
+    EXPECT_TRUE(WaitsFor(LastTrapSenderLock, [] { ReplaceLastTrapSender(L"10.1.2.3:49152"); }));
 }
 
 TEST_F(ServerControl, TheTrapSocketIsGrantedMoreThanTheDefaultBuffer) {

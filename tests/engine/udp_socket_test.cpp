@@ -62,6 +62,35 @@ TEST_F(UdpSockets, WhatWaitedInAClosedSocketIsNotReceivedByItsSuccessor) {
     CloseUdpSocket(*second);
 }
 
+TEST_F(UdpSockets, ABoundSocketHearsEveryAddressOfTheMachine) {
+    const UdpSocketRef socket = OpenUdpSocket();
+    ASSERT_TRUE(BindToAllAddresses(*socket, 30004));
+    const UdpSocketRef sender = OpenUdpSocket();
+    for (const uint32_t address : {0x7F000001U, 0x7F000002U, 0x7FFFFFFEU}) {
+        const uint8_t octet = 1;
+        ASSERT_EQ(SendDatagram(*sender, {address, 30004}, &octet, 1), SendResult::Sent);
+        uint8_t buffer[16];
+        size_t size = 0;
+        Ipv4Endpoint from;
+        EXPECT_TRUE(WaitUntil([&] {
+            return TakeDatagram(*socket, buffer, sizeof buffer, &size, &from) == ReceiveResult::Datagram;
+        })) << std::hex
+            << address;
+    }
+    CloseUdpSocket(*sender);
+    CloseUdpSocket(*socket);
+}
+
+// As a start does while the socket of the run before is still there.
+TEST_F(UdpSockets, APortThatOneOfOursStillHoldsCanBeBound) {
+    const UdpSocketRef former = OpenUdpSocket();
+    ASSERT_TRUE(BindToAllAddresses(*former, 30005));
+    const UdpSocketRef next = OpenUdpSocket();
+    EXPECT_TRUE(BindToAllAddresses(*next, 30005));
+    CloseUdpSocket(*next);
+    CloseUdpSocket(*former);
+}
+
 TEST_F(UdpSockets, OnlyPlainDottedAddressesParse) {
     uint32_t address = 42;
     for (const char* text :

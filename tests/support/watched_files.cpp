@@ -9,12 +9,25 @@ WatchedFiles Files;
 namespace {
 
 std::map<std::wstring, std::string> contents;
+std::map<std::wstring, uint64_t> claimedSizes;
+
+void NoteOpening(const std::wstring& path) {
+    if (Files.onOpen) {
+        Files.onOpen(path);
+    }
+}
 
 }  // namespace
 
+void WatchedFiles::ClaimSize(const std::wstring& path, uint64_t size) {
+    claimedSizes[path] = size;
+}
+
 void WatchedFiles::Reset() {
     contents.clear();
+    claimedSizes.clear();
     onAppend = nullptr;
+    onOpen = nullptr;
 }
 
 std::string WatchedFiles::ReadOctetsOf(const std::wstring& path) const {
@@ -27,6 +40,7 @@ bool WatchedFiles::Has(const std::wstring& path) const {
 }
 
 bool AppendOctets(const std::wstring& path, std::string_view octets) {
+    NoteOpening(path);
     if (Files.onAppend) {
         Files.onAppend(path, octets);
     }
@@ -35,13 +49,17 @@ bool AppendOctets(const std::wstring& path, std::string_view octets) {
 }
 
 bool ReplaceOctets(const std::wstring& path, std::string_view octets) {
+    NoteOpening(path);
     contents[path] = octets;
     return true;
 }
 
 bool ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octets, uint64_t largestFile) {
+    NoteOpening(path);
     octets = Files.ReadOctetsOf(path);
-    if (!contents.contains(path) || octets.size() > largestFile) {
+    const auto claimed = claimedSizes.find(path);
+    const uint64_t size = claimed == claimedSizes.end() ? octets.size() : claimed->second;
+    if (!contents.contains(path) || size > largestFile) {
         octets.clear();
         return false;
     }

@@ -8,6 +8,7 @@
 #include <thread>
 #include <vector>
 
+#include "tests/support/lock_waits.h"
 #include "tests/support/mib_tables.h"
 
 namespace {
@@ -335,6 +336,11 @@ TEST_F(NameStore, LookupWaitsForALoadAndSeesItsResult) {
     }
     reader.join();
     EXPECT_EQ(seen, L"new");
+}
+
+TEST_F(NameStore, LookingUpAndCountingWaitForTheLock) {
+    EXPECT_TRUE(WaitsFor(MibStoreLock, [] { NameOf(L"1.2.3"); }));
+    EXPECT_TRUE(WaitsFor(MibStoreLock, [] { CountOidNames(); }));
 }
 
 TEST_F(NameStore, CountFollowsTheTable) {
