@@ -272,6 +272,13 @@ const std::map<std::string, Handler> handlers = {
      [](const Request& r) {
          return AskSpy(r.Window(0), SpyQuestion::colouring, static_cast<UINT>(r.Number(1)));
      }},
+    {"spy_calls", [](const Request&) { return ReadSpyCalls(); }},
+    {"spy_choose", [](const Request& r) { return ChooseInNextDialog(r.arguments); }},
+    {"spy_grow", [](const Request& r) { return GrowAtNextReading(r.Text(0), r.Text(1)); }},
+    {"spy_kill_timer",
+     [](const Request& r) {
+         return AskSpy(r.Window(0), SpyQuestion::killTimer, static_cast<UINT>(r.Number(1)));
+     }},
     {"spy_timers", [](const Request&) { return ReadSpyTimers(); }},
     {"spy_folder", [](const Request& r) { return AskSpy(r.Window(0), SpyQuestion::folder, 0); }},
     {"spy_resources", [](const Request& r) { return AskSpy(r.Window(0), SpyQuestion::resources, 0); }},

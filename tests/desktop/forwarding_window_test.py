@@ -158,6 +158,28 @@ def test_leaving_without_save_changes_nothing(data, start, leave):
     )
 
 
+def test_a_second_click_leaves_what_was_typed(program):
+    window = FORWARDING.open(program)
+    edit_everything(window)
+    program.settle()
+    program.main.control(FORWARDING.button).click()
+    program.settle()
+    assert (window.field(CHECK).checked, window.field(IP).text, window.field(PORT).text) == (
+        True,
+        "10.9.9.9",
+        "9999",
+    )
+
+
+@pytest.mark.parametrize("command, saved", [(SAVE, True), (CANCEL, False)], ids=["save", "cancel"])
+def test_a_command_is_known_by_its_low_half(program, data, command, saved):
+    window = FORWARDING.open(program)
+    window.command(command | 1 << 16)
+    window.wait_closed()
+    program.settle()
+    assert (UPDATED in data.log_messages()) == saved
+
+
 def test_closing_the_main_window_over_unsaved_input_saves_the_former_settings(program, data):
     edit_everything(FORWARDING.open(program))
     assert program.close() == 0

@@ -4,7 +4,8 @@ import pytest
 
 from harness.data_folder import config
 from harness.program import MAIN_CLASS, START_LINES, STOP_LINES, TITLE
-from harness.traps import LISTENER_PORT, TRAP_PORT, hold_port
+from harness.tool_windows import MONITOR, TOOL_WINDOWS
+from harness.traps import LISTENER_PORT, TRAP_PORT, hold_port, send_raw
 from harness.waiting import wait_until
 from harness.window import (
     BLACK,
@@ -20,6 +21,11 @@ from harness.window import (
     describe_control,
     rgb,
 )
+
+WM_SYSCOMMAND = 0x0112
+SC_MINIMIZE = 0xF020
+SC_RESTORE = 0xF120
+WS_MINIMIZE = 0x20000000
 
 GREEN = rgb(0, 180, 0)
 RED = rgb(200, 0, 0)
@@ -263,3 +269,20 @@ def test_button_colouring_is_left_to_the_system(program):
     program.attach_spy()
     answer = program.main.controls()[0].colouring(WM_CTLCOLORBTN)
     assert answer.brush.handle != program.main.window_class.brush.handle
+
+
+def test_the_tool_windows_minimise_and_come_back_with_the_main_window(program, data):
+    windows = [tool.open(program) for tool in TOOL_WINDOWS]
+    program.main.post(WM_SYSCOMMAND, SC_MINIMIZE)
+    wait_until(lambda: program.main.facts.style & WS_MINIMIZE, "the main window as an icon")
+    wait_until(lambda: not any(window.facts.visible for window in windows), "the tool windows gone with it")
+    send_raw(b"")
+    data.wait_for_traps(1)
+    program.main.post(WM_SYSCOMMAND, SC_RESTORE)
+    wait_until(lambda: not program.main.facts.style & WS_MINIMIZE, "the main window back")
+    wait_until(lambda: all(window.facts.visible for window in windows), "the tool windows back")
+    assert [program.find_windows(tool.class_name) for tool in TOOL_WINDOWS] == [[window] for window in windows]
+    wait_for_disc(program, GREEN)
+    monitor = windows[TOOL_WINDOWS.index(MONITOR)]
+    wait_until(lambda: "(not decoded)" in monitor.only("Edit").text, "the trap that came meanwhile")
+    assert program.close() == 0

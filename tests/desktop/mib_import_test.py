@@ -17,7 +17,7 @@ from harness.mib_dialogs import (
 )
 from harness.processes import run_wine
 from harness.program import DIALOG_CLASS, STATUS_BUTTON
-from harness.tool_windows import IMPORT_BUTTON, STATUS
+from harness.tool_windows import DELETE_BUTTON, IMPORT_BUTTON, STATUS
 from harness.traps import V2C_HEAD, integer_binding, message, send_raw, send_v2c
 from harness.waiting import wait_until
 from harness.window import Window
@@ -173,6 +173,59 @@ def test_a_dialog_that_cannot_be_loaded_is_a_failed_import(data, start):
         assert run_wine("reg", "delete", DLL_OVERRIDES, "/f") == 0
 
 
+def test_the_dialog_is_asked_for_with_exactly_this_record(program, status):
+    program.attach_spy()
+    FileDialog(program, status).cancel()
+    flags = 0x00080000 | 0x00000200 | 0x00001000  # explorer, several files, the file must exist
+    filters = "MIB files (*.mib;*.txt)|*.mib;*.txt;*.my|All files|*.*|"
+    assert program.calls("GetOpenFileNameW") == [
+        f"GetOpenFileNameW filter={filters} index=1 capacity=8192 flags={flags} more=0 size=1"
+        " file= folder=none extension=none"
+    ]
+
+
+def test_several_files_are_imported_in_the_order_of_the_dialog(program, data, status, samples):
+    names = ("c.mib", "a.mib", "d.mib", "b.mib")
+    for number, name in enumerate(names):
+        samples.add(name, mib(name[0], 9990 + number))
+    program.attach_spy()
+    program.choose_in_next_dialog(samples.windows_folder, *names)
+    before = len(data.log_messages())
+    status.control(IMPORT_BUTTON).click()
+    data.wait_for_log(MAPPINGS + "4")
+    assert new_messages(data, before) == [*(f"MIB imported: {name}" for name in names), MAPPINGS + "4"]
+
+
+def test_the_status_window_goes_on_refreshing_behind_the_dialog(program, data, status):
+    dialog = FileDialog(program, status)
+    assert status.line("Last trap:").text == "Last trap:             (none)"
+    send_raw(message(integer_binding(1)))
+    data.wait_for_traps(1)
+    wait_until(lambda: status.line("Last trap:").text.endswith("s ago)"), "a refresh behind the dialog")
+    dialog.cancel()
+
+
+def test_closing_the_main_window_over_an_open_dialog_ends_the_program_with_0(program, data, status):
+    FileDialog(program, status)
+    assert program.close() == 0
+    assert data.log_messages()[-1] == "Config saved."
+    assert list(data.mibs.iterdir()) == []
+
+
+def test_the_status_window_closed_behind_the_dialog_leaves_a_working_program(program, data, status, samples):
+    dialog = FileDialog(program, status)
+    before = data.log_octets()
+    status.close()
+    status.wait_closed()
+    dialog.window.wait_closed()
+    program.settle()
+    assert data.log_octets() == before
+    again = STATUS.open(program)
+    import_files(program, again, samples.add("one.mib", mib("one", 9991)))
+    assert listed(again) == ["one.mib"]
+    assert program.close() == 0
+
+
 def test_cancelling_the_dialog_does_nothing(program, data, status, samples):
     before = data.log_octets()
     dialog = FileDialog(program, status)
@@ -306,6 +359,21 @@ def test_the_question_has_its_exact_text_two_buttons_and_the_status_window_as_ow
     assert len(texts) == 2
     question.control(ID_NO).click()
     question.wait_closed()
+
+
+def test_the_question_warns_and_asks_yes_or_no_with_yes_as_its_default(program, status):
+    program.attach_spy()
+    question = ask_to_delete(program, status)
+    assert program.calls("MessageBoxW") == [f"MessageBoxW {0x04 | 0x30}"]
+    question.control(ID_NO).click()
+    question.wait_closed()
+
+
+@pytest.mark.parametrize("command, title", [(IMPORT_BUTTON, IMPORT_TITLE), (DELETE_BUTTON, QUESTION_TITLE)])
+def test_a_command_is_known_by_its_low_half(program, status, command, title):
+    status.command(command | 1 << 16)
+    dialog = program.wait_for_window(DIALOG_CLASS, title)
+    dialog.close()
 
 
 def test_answering_no_changes_nothing(program, data, status):

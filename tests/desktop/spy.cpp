@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <vector>
 
 #include "tests/desktop/json_text.h"
@@ -25,6 +26,13 @@ void CreateSharedMemory() {
     if (memory == nullptr) {
         throw RequestError("no shared memory for the spy");
     }
+}
+
+SpyMemory& AttachedMemory() {
+    if (memory == nullptr) {
+        throw RequestError("the spy is not attached");
+    }
+    return *memory;
 }
 
 HHOOK SetHook(HMODULE library, int kind, const char* procedure, DWORD thread) {
@@ -99,17 +107,17 @@ std::string AttachSpy(HWND window) {
     if (library == nullptr) {
         throw RequestError("quillmont_desktop_spy.dll could not be loaded");
     }
-    const DWORD thread = GetWindowThreadProcessId(window, nullptr);
+    DWORD process = 0;
+    const DWORD thread = GetWindowThreadProcessId(window, &process);
+    memory->program = process;
     sentHook = SetHook(library, WH_CALLWNDPROC, "SeeSentMessage", thread);
     fetchedHook = SetHook(library, WH_GETMESSAGE, "SeeFetchedMessage", thread);
+    SendWithLimit(window, WM_NULL, 0, 0);  // the first message that is seen loads the library
     return "null";
 }
 
 std::string AskSpy(HWND window, SpyQuestion question, UINT message) {
-    if (memory == nullptr) {
-        throw RequestError("the spy is not attached");
-    }
-    memory->answer = {};
+    AttachedMemory().answer = {};
     SendWithLimit(window, RegisterWindowMessageW(spyMessageName), static_cast<WPARAM>(question),
                   static_cast<LPARAM>(message));
     const SpyAnswer answer = memory->answer;
@@ -127,10 +135,7 @@ std::string AskSpy(HWND window, SpyQuestion question, UINT message) {
 }
 
 std::string ReadSpyTimers() {
-    if (memory == nullptr) {
-        throw RequestError("the spy is not attached");
-    }
-    const uint32_t count = memory->timerCount;
+    const uint32_t count = AttachedMemory().timerCount;
     std::vector<std::string> events;
     for (uint32_t i = count - std::min(count, spyTimerEvents); i != count; ++i) {
         const SpyTimerEvent& event = memory->timers[i % spyTimerEvents];
@@ -139,4 +144,43 @@ std::string ReadSpyTimers() {
                                    JsonNumber(static_cast<int64_t>(event.tick))}));
     }
     return JsonList(events);
+}
+
+std::string ReadSpyCalls() {
+    SpyMemory& spy = AttachedMemory();
+    const uint32_t count = spy.callCount;
+    std::vector<std::string> calls;
+    for (uint32_t i = count - std::min(count, spyCalls); i != count; ++i) {
+        calls.push_back(JsonText(spy.calls[i % spyCalls]));
+    }
+    return JsonList(calls);
+}
+
+// The texts one behind the other, each with its zero, and one more zero.
+std::string ChooseInNextDialog(const std::vector<std::wstring>& texts) {
+    SpyMemory& spy = AttachedMemory();
+    std::wstring buffer;
+    for (const std::wstring& text : texts) {
+        buffer += text + L'\0';
+    }
+    if (buffer.size() >= std::size(spy.wishes.choice)) {
+        throw RequestError("too many files to choose");
+    }
+    std::fill(std::begin(spy.wishes.choice), std::end(spy.wishes.choice), L'\0');
+    buffer.copy(spy.wishes.choice, buffer.size());
+    spy.wishes.choiceIsReady = 1;
+    return "null";
+}
+
+std::string GrowAtNextReading(const std::wstring& path, const std::wstring& octets) {
+    SpyWishes& wishes = AttachedMemory().wishes;
+    if (path.size() >= std::size(wishes.growingFile) || octets.size() >= std::size(wishes.growth)) {
+        throw RequestError("too long");
+    }
+    wishes.growingFile[path.copy(wishes.growingFile, path.size())] = L'\0';
+    std::transform(octets.begin(), octets.end(), wishes.growth,
+                   [](wchar_t character) { return static_cast<char>(character); });
+    wishes.growth[octets.size()] = '\0';
+    wishes.growthIsReady = 1;
+    return "null";
 }

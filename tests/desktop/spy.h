@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "platform/windows/windows_headers.h"
 #include "tests/desktop/spy_memory.h"
@@ -14,3 +15,9 @@ std::string AttachSpy(HWND window);
 std::string AskSpy(HWND window, SpyQuestion question, UINT message);
 // [window, timer, milliseconds] of the timer messages fetched since the spy was attached, oldest first.
 std::string ReadSpyTimers();
+// The calls of the system that the program made since then, as texts (spy_calls.h), oldest first.
+std::string ReadSpyCalls();
+// The next file dialog answers with these texts in its buffer instead of being shown.
+std::string ChooseInNextDialog(const std::vector<std::wstring>& texts);
+// The next time the program opens the file for reading, it has grown by these octets.
+std::string GrowAtNextReading(const std::wstring& path, const std::wstring& octets);

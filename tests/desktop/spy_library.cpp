@@ -1,6 +1,7 @@
 // Loaded into the program under test by a message hook: reads what another process cannot see (a
 // control's font, a window class's brush, what a window answers to the colouring messages) and notes
 // every timer message.
+#include "tests/desktop/spy_calls.h"
 #include "tests/desktop/spy_memory.h"
 
 namespace {
@@ -91,6 +92,9 @@ void AnswerQuestion(const CWPSTRUCT& message) {
         case SpyQuestion::folder:
             GetCurrentDirectoryW(MAX_PATH, answer.currentFolder);
             break;
+        case SpyQuestion::killTimer:
+            KillTimer(message.hwnd, static_cast<UINT_PTR>(message.lParam));
+            break;
     }
     answer.answered = 1;
     memory->answer = answer;
@@ -126,6 +130,9 @@ BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {
     if (reason == DLL_PROCESS_ATTACH) {
         spyMessage = RegisterWindowMessageW(spyMessageName);
         OpenSharedMemory();
+        if (memory != nullptr && memory->program == GetCurrentProcessId()) {
+            CatchCalls(*memory);
+        }
     }
     return TRUE;
 }

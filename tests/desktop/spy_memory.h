@@ -15,6 +15,7 @@ enum class SpyQuestion : uint32_t {
     colouring = 2,  // what its parent answers to the WM_CTLCOLOR message in lParam
     resources = 3,  // GDI objects and kernel handles of the program
     folder = 4,     // the program's current folder
+    killTimer = 5,  // ends the window's timer of the number in lParam
 };
 
 struct SpyBrush {
@@ -48,8 +49,25 @@ struct SpyTimerEvent {
 };
 
 inline constexpr uint32_t spyTimerEvents = 512;
+inline constexpr uint32_t spyCalls = 256;
+inline constexpr uint32_t spyCallLength = 512;
+
+// What the driver wants of the calls that are caught. Each is done once and then forgotten.
+struct SpyWishes {
+    // Ready: the next file dialog is not shown and answers with these octets of its buffer.
+    volatile uint32_t choiceIsReady;
+    wchar_t choice[4096];
+    // Ready: before the program opens that file for reading, these octets are appended to it.
+    volatile uint32_t growthIsReady;
+    wchar_t growingFile[MAX_PATH];
+    char growth[256];
+};
 
 struct SpyMemory {
+    uint32_t program;  // the process whose calls are to be caught
+    SpyWishes wishes;
+    volatile uint32_t callCount;             // calls ever seen, as with the timers
+    wchar_t calls[spyCalls][spyCallLength];  // each as a text
     SpyAnswer answer;
     volatile uint32_t timerCount;  // events ever seen; the last spyTimerEvents of them are kept, round robin
     SpyTimerEvent timers[spyTimerEvents];

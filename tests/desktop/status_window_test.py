@@ -19,6 +19,7 @@ LISTENING_LINE = "Listening:              UDP 162 (traps)"
 WITH_161 = "  |  UDP 161 (snmp)"
 NO_TRAP_LINE = "Last trap:             (none)"
 
+WM_TIMER = 0x0113
 LB_ERR = -1
 LB_SETCURSEL = 0x0186
 LB_GETCURSEL = 0x0188
@@ -209,6 +210,18 @@ def test_a_refresh_takes_the_selection_and_goes_back_to_the_top(data, start):
     files.send(LB_SETTOPINDEX, 60)
     wait_until(lambda: files.send(LB_GETCURSEL) == LB_ERR, "the selection to be gone")
     assert files.send(LB_GETTOPINDEX) == 0
+
+
+def test_only_its_own_timer_makes_the_window_look(program, data):
+    program.attach_spy()
+    window = STATUS.open(program)
+    window.kill_timer(STATUS.timer)
+    data.add_mib("one.mib", "")
+    for number in (1, 1001, 1002, 1004):
+        assert window.send(WM_TIMER, number) == 0
+    assert label(window, COUNTS) == counts_line(0, 0)
+    assert window.send(WM_TIMER, STATUS.timer) == 0
+    assert label(window, COUNTS) == counts_line(1, 0)
 
 
 def test_a_second_click_touches_nothing_in_the_window(data, start):

@@ -28,6 +28,7 @@ from harness.window import (
 )
 
 WM_TIMER = 0x0113
+SW_SHOW = 5
 WM_CTLCOLORLISTBOX = 0x0134
 
 each_window = pytest.mark.parametrize("tool", TOOL_WINDOWS, ids=lambda tool: tool.name)
@@ -99,6 +100,17 @@ def test_edits_and_statics_are_black_on_opaque_white(program, tool):
         assert (answer.backgroundMode, answer.background, answer.text) == (2, WHITE, BLACK)
         assert answer.brush.handle == brush
     assert control.colouring(WM_CTLCOLORLISTBOX).brush.handle != brush
+
+
+@each_window
+def test_the_window_opens_at_the_default_place_and_gets_its_font_before_it_is_shown(program, tool):
+    program.attach_spy()
+    window = tool.open(program)
+    program.settle()
+    assert program.calls("CreateWindowExW") == [f"CreateWindowExW {tool.class_name} default default"]
+    handles = [window.handle, *(facts.handle for facts in window.children())]
+    calls = [call for call in program.driver("spy_calls") if call.split()[0] in ("WM_SETFONT", "ShowWindow")]
+    assert calls == [*(f"WM_SETFONT {handle}" for handle in handles), f"ShowWindow {window.handle} {SW_SHOW}"]
 
 
 @each_window

@@ -10,6 +10,9 @@ from harness.tool_windows import LOG, MONITOR, VIEWERS
 from harness.traps import LOOPBACK, TRAP_PORT, integer_binding, integer_line, message, send_raw, udp_socket
 from harness.waiting import DEFAULT_SECONDS, stays_true, wait_until
 
+WM_TIMER = 0x0113
+EM_CANUNDO = 0x00C6
+
 # What an edit control takes unless it is told otherwise.
 DEFAULT_LIMIT = 30000
 
@@ -203,6 +206,94 @@ def test_1a_ends_the_text_at_opening_only(program, data):
     assert view.text == "a"
     append(data.traps, b"c\x1ad")
     wait_for_view(view, "ac\x1ad")
+
+
+OTHER_TIMERS = (1, 1000, 1001, 1002, 1003)
+
+
+@each_viewer
+def test_only_its_own_timer_makes_a_viewer_look(program, data, viewer):
+    data.wait_for_start()
+    program.attach_spy()
+    window = viewer.open(program)
+    window.kill_timer(viewer.timer)
+    before = view_of(window).text
+    append(file_of(data, viewer), b"new\n")
+    for number in OTHER_TIMERS:
+        if number != viewer.timer:
+            assert window.send(WM_TIMER, number) == 0
+    assert view_of(window).text == before
+    assert window.send(WM_TIMER, viewer.timer) == 0
+    assert view_of(window).text == before + "new\n"
+
+
+@each_viewer
+def test_a_second_click_does_not_load_the_file_anew(program, data, viewer):
+    data.wait_for_start()
+    program.attach_spy()
+    window = viewer.open(program)
+    window.kill_timer(viewer.timer)
+    before = view_of(window).text
+    append(file_of(data, viewer), b"new\n")
+    program.main.control(viewer.button).click()
+    program.settle()
+    assert view_of(window).text == before
+    assert window.send(WM_TIMER, viewer.timer) == 0
+    assert view_of(window).text == before + "new\n"
+
+
+def test_what_is_written_between_the_size_and_the_reading_shows_twice(program, data):
+    data.traps.write_bytes(b"old\n")
+    program.attach_spy()
+    program.grow_at_next_reading(data.windows_path(data.traps), "first ")
+    window = MONITOR.open(program)
+    window.kill_timer(MONITOR.timer)
+    shown = "old\nfirst "
+    assert view_of(window).text in (shown, shown + "first ")
+    window.send(WM_TIMER, MONITOR.timer)
+    shown += "first "
+    assert view_of(window).text == shown
+    append(data.traps, b"second ")
+    program.grow_at_next_reading(data.windows_path(data.traps), "third ")
+    window.send(WM_TIMER, MONITOR.timer)
+    shown += "second third "
+    assert view_of(window).text == shown
+    window.send(WM_TIMER, MONITOR.timer)
+    assert view_of(window).text == shown + "third "
+
+
+def test_what_came_later_cannot_be_undone(program, data):
+    view = view_of(MONITOR.open(program))
+    append(data.traps, b"new\n")
+    wait_for_view(view, "new\n")
+    assert view.send(EM_CANUNDO) == 0
+
+
+def test_a_character_cut_by_two_polls_is_read_as_two_of_the_ansi_code_page(program, data):
+    program.attach_spy()
+    window = MONITOR.open(program)
+    window.kill_timer(MONITOR.timer)
+    whole = "\u00e9".encode()
+    for part, shown in ((whole[:1], "\u00c3"), (whole[1:], "\u00c3\u00a9"), (whole, "\u00c3\u00a9\u00e9")):
+        append(data.traps, part)
+        window.send(WM_TIMER, MONITOR.timer)
+        assert view_of(window).text == shown
+
+
+def test_clearing_makes_a_file_that_is_missing(program, data):
+    window = MONITOR.open(program)
+    data.traps.unlink()
+    window.control(300).click()
+    data.wait_for_log("SNMP.txt cleared.")
+    assert data.traps.read_bytes() == b""
+
+
+@each_viewer
+def test_the_clear_command_is_known_by_its_low_half(program, data, viewer):
+    window = viewer.open(program)
+    command = viewer.controls[1][-1]
+    window.command(command | 1 << 16)
+    data.wait_for_log(f"{file_of(data, viewer).name} cleared.")
 
 
 def test_clearing_traps_empties_view_and_file_and_logs_it(program, data):

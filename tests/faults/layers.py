@@ -40,10 +40,12 @@ _TESTED_BY = {
     "thread": ["thread_failure", "server_control"],
     "clock": ["activity_log"],
     "viewer_window": ["viewer"],
+    "files": ["attributes"],
+    "main_window": ["start_up"],
     "window_helpers": ["tool_windows", "main_window"],
-    "ui_resources": ["main_window", "tool_windows"],
+    "ui_resources": ["start_up", "main_window", "tool_windows"],
     "scoped_gdi": ["main_window"],
-    "win_main": ["startup"],
+    "win_main": ["start_up", "startup"],
 }
 
 _LARGEST_MEMORY = 4 << 30

@@ -88,6 +88,18 @@ class Program:
     def attach_spy(self):
         self.driver("spy_attach", self.main.handle)
 
+    def calls(self, function):
+        """What the program has asked of that function of the system since the spy was attached, as texts."""
+        return [call for call in self.driver("spy_calls") if call.split(" ", 1)[0] == function]
+
+    def choose_in_next_dialog(self, *texts):
+        """The next file dialog answers with these texts in its buffer instead of being shown."""
+        self.driver("spy_choose", *texts)
+
+    def grow_at_next_reading(self, path, text):
+        """The next time the program opens the file for reading, it has grown by the text."""
+        self.driver("spy_grow", path, text)
+
     def settle(self):
         """Returns when the program has handled everything that was posted to it before this call."""
         self.main.send(0)

@@ -177,6 +177,10 @@ class Window:
         facts["brush"] = SimpleNamespace(**facts["brush"])
         return SimpleNamespace(**facts)
 
+    def kill_timer(self, number):
+        """From here on the window's timer messages are those that a test sends."""
+        self.driver("spy_kill_timer", self.handle, number)
+
     def current_folder(self):
         return self.driver("spy_folder", self.handle)["currentFolder"]
 

@@ -1,0 +1,176 @@
+#include "tests/desktop/spy_calls.h"
+
+// clang-format off
+#include "platform/windows/windows_headers.h"
+#include <commdlg.h>
+// clang-format on
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <cwchar>
+#include <iterator>
+#include <string>
+#include <string_view>
+
+namespace {
+
+SpyMemory* memory = nullptr;
+
+void Note(const std::wstring& call) {
+    wchar_t* place = memory->calls[memory->callCount % spyCalls];
+    place[call.copy(place, spyCallLength - 1)] = L'\0';
+    memory->callCount = memory->callCount + 1;
+}
+
+std::wstring Number(HWND window) {
+    return std::to_wstring(std::bit_cast<INT_PTR>(window));
+}
+
+std::wstring Place(int number) {
+    return number == CW_USEDEFAULT ? L"default" : std::to_wstring(number);
+}
+
+// All texts up to the empty one that ends them.
+std::wstring FilterText(const wchar_t* filter) {
+    std::wstring text;
+    while (*filter != L'\0') {
+        const std::wstring_view part = filter;
+        text.append(part) += L'|';
+        filter += part.size() + 1;
+    }
+    return text;
+}
+
+std::wstring TextOrNone(const wchar_t* text) {
+    return text ? text : L"none";
+}
+
+HWND WINAPI SeeCreateWindowExW(DWORD exStyle, LPCWSTR className, LPCWSTR text, DWORD style, int x, int y,
+                               int width, int height, HWND parent, HMENU menu, HINSTANCE instance,
+                               LPVOID parameter) {
+    if ((style & WS_CHILD) == 0) {
+        Note(std::wstring(L"CreateWindowExW ") + className + L" " + Place(x) + L" " + Place(y));
+    }
+    return CreateWindowExW(exStyle, className, text, style, x, y, width, height, parent, menu, instance,
+                           parameter);
+}
+
+LRESULT WINAPI SeeSendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_SETFONT) {
+        Note(L"WM_SETFONT " + Number(window));
+    }
+    return SendMessageW(window, message, wParam, lParam);
+}
+
+BOOL WINAPI SeeShowWindow(HWND window, int command) {
+    Note(L"ShowWindow " + Number(window) + L" " + std::to_wstring(command));
+    return ShowWindow(window, command);
+}
+
+int WINAPI SeeMessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type) {
+    Note(L"MessageBoxW " + std::to_wstring(type));
+    return MessageBoxW(owner, text, caption, type);
+}
+
+decltype(&GetOpenFileNameW) openFileDialog = nullptr;
+
+BOOL WINAPI SeeGetOpenFileNameW(LPOPENFILENAMEW dialog) {
+    Note(L"GetOpenFileNameW filter=" + FilterText(dialog->lpstrFilter) + L" index=" +
+         std::to_wstring(dialog->nFilterIndex) + L" capacity=" + std::to_wstring(dialog->nMaxFile) +
+         L" flags=" + std::to_wstring(dialog->Flags) + L" more=" + std::to_wstring(dialog->FlagsEx) +
+         L" size=" + std::to_wstring(dialog->lStructSize == sizeof(*dialog)) + L" file=" +
+         TextOrNone(dialog->lpstrFile) + L" folder=" + TextOrNone(dialog->lpstrInitialDir) + L" extension=" +
+         TextOrNone(dialog->lpstrDefExt));
+    SpyWishes& wishes = memory->wishes;
+    if (wishes.choiceIsReady == 0) {
+        return openFileDialog(dialog);
+    }
+    wishes.choiceIsReady = 0;
+    const size_t size = std::min(std::size(wishes.choice), static_cast<size_t>(dialog->nMaxFile));
+    std::copy_n(wishes.choice, size, dialog->lpstrFile);
+    return TRUE;
+}
+
+FARPROC WINAPI SeeGetProcAddress(HMODULE library, LPCSTR name) {
+    const FARPROC found = GetProcAddress(library, name);
+    if (HIWORD(std::bit_cast<ULONG_PTR>(name)) == 0 || std::strcmp(name, "GetOpenFileNameW") != 0) {
+        return found;
+    }
+    openFileDialog = std::bit_cast<decltype(openFileDialog)>(found);
+    return std::bit_cast<FARPROC>(&SeeGetOpenFileNameW);
+}
+
+void AppendTo(const wchar_t* path, const char* octets) {
+    const HANDLE file = CreateFileW(path, FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                    OPEN_EXISTING, 0, nullptr);
+    DWORD written = 0;
+    WriteFile(file, octets, static_cast<DWORD>(std::strlen(octets)), &written, nullptr);
+    CloseHandle(file);
+}
+
+HANDLE WINAPI SeeCreateFileW(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
+                             DWORD disposition, DWORD attributes, HANDLE pattern) {
+    SpyWishes& wishes = memory->wishes;
+    if (wishes.growthIsReady != 0 && access == GENERIC_READ && _wcsicmp(path, wishes.growingFile) == 0) {
+        wishes.growthIsReady = 0;
+        AppendTo(path, wishes.growth);
+    }
+    return CreateFileW(path, access, share, security, disposition, attributes, pattern);
+}
+
+struct Catch {
+    const char* name;
+    const void* function;
+};
+
+template <typename Function>
+const void* AddressOf(Function function) {
+    return std::bit_cast<const void*>(function);
+}
+
+const Catch catches[] = {
+    {"CreateWindowExW", AddressOf(&SeeCreateWindowExW)}, {"SendMessageW", AddressOf(&SeeSendMessageW)},
+    {"ShowWindow", AddressOf(&SeeShowWindow)},           {"MessageBoxW", AddressOf(&SeeMessageBoxW)},
+    {"GetProcAddress", AddressOf(&SeeGetProcAddress)},   {"CreateFileW", AddressOf(&SeeCreateFileW)},
+};
+
+void Redirect(const char* name, IMAGE_THUNK_DATA& entry) {
+    for (const Catch& caught : catches) {
+        if (std::strcmp(name, caught.name) == 0) {
+            DWORD protection = 0;
+            VirtualProtect(&entry, sizeof(entry), PAGE_READWRITE, &protection);
+            entry.u1.Function = std::bit_cast<ULONG_PTR>(caught.function);
+            VirtualProtect(&entry, sizeof(entry), protection, &protection);
+        }
+    }
+}
+
+// The program's own table of imported functions, through which all its calls go.
+void RedirectImports() {
+    auto* image = std::bit_cast<BYTE*>(GetModuleHandleW(nullptr));
+    const auto* dosHeader = std::bit_cast<const IMAGE_DOS_HEADER*>(image);
+    const auto* header = std::bit_cast<const IMAGE_NT_HEADERS*>(image + dosHeader->e_lfanew);
+    const DWORD table = header->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
+    for (auto* library = std::bit_cast<const IMAGE_IMPORT_DESCRIPTOR*>(image + table); library->Name != 0;
+         ++library) {
+        const auto* name = std::bit_cast<const IMAGE_THUNK_DATA*>(image + library->OriginalFirstThunk);
+        auto* entry = std::bit_cast<IMAGE_THUNK_DATA*>(image + library->FirstThunk);
+        for (; name->u1.AddressOfData != 0; ++name, ++entry) {
+            if (!IMAGE_SNAP_BY_ORDINAL(name->u1.Ordinal)) {
+                Redirect(std::bit_cast<const IMAGE_IMPORT_BY_NAME*>(image + name->u1.AddressOfData)->Name,
+                         *entry);
+            }
+        }
+    }
+}
+
+}  // namespace
+
+void CatchCalls(SpyMemory& shared) {
+    memory = &shared;
+    HMODULE itself = nullptr;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                       std::bit_cast<LPCWSTR>(&CatchCalls), &itself);
+    RedirectImports();
+}
