@@ -64,10 +64,9 @@ class Layer:
     seconds: float = 0.0  # how long it takes when nothing is wrong
     gtest: bool = False
 
-    @property
-    def limit(self):
-        """A machine that is busy with other things may take this long; whoever takes longer hangs."""
-        return 20 + 5 * self.seconds
+    def limit(self, part=False):
+        """Seconds. A machine that is busy with other things may take this long; whoever takes longer hangs."""
+        return 20 + (1 if part else 5) * self.seconds
 
 
 def _property(test, name, default):
@@ -139,7 +138,7 @@ def run_layer(layer, scratch, filter_=None, bounded_memory=False):
         )  # fmt: skip
         hung = False
         try:
-            process.wait(layer.limit)
+            process.wait(layer.limit(part=filter_ is not None))
         except subprocess.TimeoutExpired:
             hung = True
         finally:

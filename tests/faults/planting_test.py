@@ -171,12 +171,12 @@ def test_what_does_not_compile_does_not_count(small):
 
 
 def test_a_run_that_hangs_is_killed_and_counts_as_found(small, monkeypatch):
-    monkeypatch.setattr(layers.Layer, "limit", 1)
+    monkeypatch.setattr(layers.Layer, "limit", lambda layer, part: 1)
     assert judge(small, "--value;", '__asm__ volatile("");').by == "faults: unit (hangs)"
 
 
 def test_a_run_that_hangs_leaves_nothing_behind(tmp_path, monkeypatch):
-    monkeypatch.setattr(layers.Layer, "limit", 1)
+    monkeypatch.setattr(layers.Layer, "limit", lambda layer, part: 1)
     layer = layers.Layer("endless", ["sh", "-c", "sleep 300 & echo $!; wait"], {}, str(tmp_path))
     run = layers.run_layer(layer, tmp_path)
     assert run.hung and not run.passed
