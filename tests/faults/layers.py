@@ -43,7 +43,6 @@ _TESTED_BY = {
     "thread": ["thread_failure", "server_control"],
     "clock": ["activity_log"],
     "viewer_window": ["viewer"],
-    "files": ["attributes"],
     "main_window": ["start_up"],
     "window_helpers": ["tool_windows", "main_window"],
     "ui_resources": ["start_up", "main_window", "tool_windows"],
