@@ -16,39 +16,33 @@ ASKED_FOR = (8 * MEBI, 32 * MEBI, 64 * MEBI)
 LATENCIES = 100
 
 
-def sizes(receiver, name):
-    """One row; each figure from a fresh receiver."""
+def measure(receiver, name, granted_anyway=None):
+    """One row. granted_anyway: a buffer that this system does not grant, in octets as the system counts them, which is
+    twice what is asked for; given from outside."""
     with receiver:
-        granted = granted_buffer(TRAP_PORT)
-        calm = memory_kilobytes(receiver.pid), measure_latency(receiver, LATENCIES).tenth
-        held = find_capacity(receiver)
-    with receiver:
-        loss = find_first_loss(receiver)
-    row(receiver.name, name, granted, held, loss or "none", f"{calm[0]:,} kB", f"{calm[1]:,.0f} us")
-
-
-def enlarged(receiver, octets):
-    """The same as far as it can be had for a buffer that this system does not grant."""
-    with receiver:
-        # The system counts twice what it is asked for.
-        if not enlarge_buffer(receiver.pid, octets // 2):
+        if granted_anyway and not enlarge_buffer(receiver.pid, granted_anyway // 2):
             print(f"{receiver.name}: this machine does not allow a larger buffer from outside.")
             return
         granted = granted_buffer(TRAP_PORT)
-        calm = memory_kilobytes(receiver.pid), measure_latency(receiver, LATENCIES).tenth
+        memory = memory_kilobytes(receiver.pid)
+        latency = measure_latency(receiver, LATENCIES).tenth
         held = find_capacity(receiver)
-    row(receiver.name, f"{octets // MEBI} MiB forced", granted, held, "-", f"{calm[0]:,} kB", f"{calm[1]:,.0f} us")
+    loss = "-"
+    if not granted_anyway:
+        with receiver:
+            loss = find_first_loss(receiver) or "none"
+    row(receiver.name, name, granted, held, loss, f"{memory:,} kB", f"{latency:,.0f} us")
 
 
 def measure_buffers(storm):
     table(f"Receive buffer; the system grants at most {2 * largest_buffer():,}", "receiver", "asked for", "granted",
           "holds", "first loss", "calm memory", "calm latency")
     for receiver in (NativeEngine(), ShippedProgram(storm.driver)):
-        sizes(receiver, "its own")
+        measure(receiver, "its own")
     for engine in (NativeEngine, lambda buffer: WineEngine(storm.driver, buffer=buffer)):
-        sizes(engine(buffer=DEFAULT_BUFFER), "the default")
+        measure(engine(buffer=DEFAULT_BUFFER), "the default")
         for octets in ASKED_FOR:
-            sizes(engine(buffer=octets), f"{octets // MEBI} MiB")
+            measure(engine(buffer=octets), f"{octets // MEBI} MiB")
     for octets in ASKED_FOR[1:]:
-        enlarged(NativeEngine(), octets)
-        enlarged(ShippedProgram(storm.driver), octets)
+        measure(NativeEngine(), "its own", granted_anyway=octets)
+        measure(ShippedProgram(storm.driver), "its own", granted_anyway=octets)
