@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Checks the C++ sources: their shape (clang-format, and the wrapping of comments), what clang-tidy says of all that
 # ships, or the direction of the includes between folders.
-# Usage: scripts/check_style.sh format | tidy BUILD_FOLDER | arrows. Prints how to mend the shape.
+# Usage: scripts/check_style.sh format | tidy BUILD_FOLDER | arrows. Prints how to mend the shape. Ends with 77 where the
+# formatter is not of the version that decides.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -20,11 +21,20 @@ CheckComments() {
         END { exit faults > 0 }'
 }
 
+# Each version breaks some lines otherwise than the one before: one decides, and no other is asked.
+deciding_formatter=14
+
 CheckFormat() {
     local folders=(bench config core fuzz mib platform tests trap ui)
     if ! Sources "${folders[@]}" | CheckComments; then
         echo "To mend it: wrap the whole comment anew, so that its last line holds two words or more."
         return 1
+    fi
+    local found
+    found="$(clang-format --version | sed -n 's/.*version \([0-9]*\).*/\1/p')"
+    if [[ $found != "$deciding_formatter" ]]; then
+        echo "Skipped: clang-format $found is here, and $deciding_formatter decides (Debian 12 has it). The comments are in shape."
+        return 77
     fi
     if ! Sources "${folders[@]}" | xargs clang-format --dry-run --Werror; then
         echo "To mend it: find ${folders[*]} -name '*.cpp' -o -name '*.h' | xargs clang-format -i"
@@ -78,7 +88,7 @@ case "${1:-}" in
     tidy) CheckTidy "$2" ;;
     arrows) python3 -B scripts/check_arrows.py ;;
     *)
-        sed -n '2,4s/^# //p' "$0"
+        sed -n '2,5s/^# //p' "$0"
         exit 2
         ;;
 esac

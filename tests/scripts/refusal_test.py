@@ -111,3 +111,10 @@ def test_a_system_without_the_locale_is_told_what_will_fail(clone):
     code, output = clone.run(*without, "mount -t tmpfs tmpfs /usr/lib/locale && scripts/with_harness.sh true")
     assert code == 0
     assert "lacks the locale C.UTF-8" in last_line(output)
+
+
+def test_a_formatter_that_does_not_decide_is_not_asked(clone):
+    clone.add_command("clang-format", '[ "$1" = --version ] && echo "Debian clang-format version 19.1.7 (3)"')
+    code, output = clone.run("scripts/check_style.sh", "format")
+    assert code == 77
+    assert last_line(output).startswith("Skipped: clang-format 19 is here, and 14 decides")
