@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Checks the C++ sources: their shape (clang-format, and the wrapping of comments), what clang-tidy says of all that
-# ships, or the direction of the includes between folders.
+# Checks the C++ sources: their shape (clang-format, the wrapping of comments, the length of files), what clang-tidy
+# says of all that ships, or the direction of the includes between folders.
 # Usage: scripts/check_style.sh format | tidy BUILD_FOLDER | arrows. Prints how to mend the shape. Ends with 77 where the
 # formatter is not of the version that decides.
 set -euo pipefail
@@ -21,6 +21,15 @@ CheckComments() {
         END { exit faults > 0 }'
 }
 
+# CheckLengths LIMIT FILE...
+CheckLengths() {
+    local limit=$1
+    shift
+    wc -l "$@" | awk -v limit="$limit" '
+        $1 > limit && $2 != "total" { print $2 ": " $1 " lines, " limit " at most"; faults++ }
+        END { exit faults > 0 }'
+}
+
 # Each version breaks some lines otherwise than the one before: one decides, and no other is asked.
 deciding_formatter=14
 
@@ -30,10 +39,17 @@ CheckFormat() {
         echo "To mend it: wrap the whole comment anew, so that its last line holds two words or more."
         return 1
     fi
+    local sources tools
+    readarray -t sources < <(Sources bench config core fuzz mib platform trap ui)
+    readarray -t tools < <(find bench fuzz packaging scripts -name '*.py' -o -name '*.sh')
+    if ! CheckLengths 300 "${sources[@]}" || ! CheckLengths 250 "${tools[@]}"; then
+        echo "To mend it: give what is a matter of its own a file of its own."
+        return 1
+    fi
     local found
     found="$(clang-format --version | sed -n 's/.*version \([0-9]*\).*/\1/p')"
     if [[ $found != "$deciding_formatter" ]]; then
-        echo "Skipped: clang-format $found is here, and $deciding_formatter decides (Debian 12 has it). The comments are in shape."
+        echo "Skipped: clang-format $found is here, and $deciding_formatter decides (Debian 12 has it). Comments and lengths are in shape."
         return 77
     fi
     if ! Sources "${folders[@]}" | xargs clang-format --dry-run --Werror; then

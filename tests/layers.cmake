@@ -47,7 +47,7 @@ else()
   set_tests_properties(style.format PROPERTIES SKIP_RETURN_CODE 77)
   add_test(NAME style.arrows COMMAND ${CMAKE_SOURCE_DIR}/scripts/check_style.sh arrows)
   add_test(NAME style.tidy COMMAND ${CMAKE_SOURCE_DIR}/scripts/check_style.sh tidy ${CMAKE_BINARY_DIR})
-  set_tests_properties(style.tidy PROPERTIES TIMEOUT 900)
+  set_tests_properties(style.tidy PROPERTIES TIMEOUT 1800)
 endif()
 
 foreach(layer ${ENGINE_LAYERS})
