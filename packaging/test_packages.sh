@@ -27,4 +27,6 @@ QUILLMONT_EXE="$program"
 # What the linker put into it.
 QUILLMONT_LINK_MAP="${program%.exe}.map"
 export QUILLMONT_EXE QUILLMONT_LINK_MAP QUILLMONT_DRIVER QUILLMONT_STAND_INS QUILLMONT_PACKAGES="$folder/first"
-scripts/run_on_private_desktop.sh /usr/bin/python3 -B -m pytest -q tests/packages "$@"
+# Scratch folders here: pytest's own name for them is the user's, and who is nobody in particular is root in there.
+scripts/run_on_private_desktop.sh \
+    /usr/bin/python3 -B -m pytest -q --basetemp "$folder/pytest" tests/packages "$@"

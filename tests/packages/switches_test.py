@@ -32,7 +32,7 @@ def pretend_version(version):
 )
 def test_what_is_no_switch_is_refused(installation, netsh, switches):
     code, text = installation.ask_setup("/S", *switches)
-    assert code == WRONG_SWITCH
+    assert code == WRONG_SWITCH, text
     assert text.startswith(f"Not a switch, or not a value that it takes: {switches[-1]}\n\nSetup's switches:\n")
     assert installation.traces() == []
     assert netsh.take_calls() == []
@@ -41,7 +41,7 @@ def test_what_is_no_switch_is_refused(installation, netsh, switches):
 @pytest.mark.parametrize("switch", ["/HELP", "/help", "/?"])
 def test_help_names_the_switches_and_the_codes(installation, switch):
     code, text = installation.ask_setup("/S", switch)
-    assert code == WRONG_SWITCH
+    assert code == WRONG_SWITCH, text
     assert text.startswith("Setup's switches:\n")
     guide = (ROOT / "docs" / "user-guide.md").read_text()
     for named in re.findall(r"(?<!\S)/[A-Z]+(?:=[a-z]+)?(?![=\w])", text):
@@ -54,7 +54,7 @@ def test_help_names_the_switches_and_the_codes(installation, switch):
 def test_the_uninstaller_refuses_too(installation):
     installation.install()
     code, text = installation.ask_uninstaller("/S", "/DELETEDATA=no", "/FIREWALL=no")
-    assert code == WRONG_SWITCH
+    assert code == WRONG_SWITCH, text
     assert "takes: /FIREWALL=no\n\nThe uninstaller's switches:\n" in text
     code, text = installation.ask_uninstaller("/S", "/HELP")
     assert (code, text.partition("\n")[0]) == (WRONG_SWITCH, "The uninstaller's switches:")
