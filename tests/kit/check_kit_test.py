@@ -1,0 +1,131 @@
+"""The check kit as somebody with a Windows machine uses it: unpacked, started by check.cmd, its report read."""
+
+import os
+import re
+import shutil
+import signal
+import socket
+import subprocess
+import zipfile
+
+import pytest
+
+from harness.data_folder import find_data_folder
+from harness.driver import Driver
+from harness.places import BUILD, ROOT, drive_c
+from harness.processes import find_wine_process, start_wine
+from harness.program import Program
+from harness.waiting import wait_until
+
+MARK = b"the operator's own\r\n"
+
+
+@pytest.fixture(scope="module")
+def kit(tmp_path_factory):
+    """The unpacked kit, on drive C:."""
+    packed = tmp_path_factory.mktemp("packed")
+    build = os.environ.get("QUILLMONT_BUILD", BUILD)
+    subprocess.run([ROOT / "packaging/make_check_kit.sh", build, "9.9.9", packed], check=True)
+    with zipfile.ZipFile(packed / "Quillmont-9.9.9-windows-check.zip") as archive:
+        archive.extractall(drive_c() / "kit")
+    yield drive_c() / "kit" / "Quillmont-9.9.9-windows-check"
+    shutil.rmtree(drive_c() / "kit")
+
+
+@pytest.fixture(name="users_folder")
+def make_users_folder():
+    """An operator's data folder, as it must be found afterwards."""
+    driver = Driver()
+    folder = find_data_folder(driver).folder
+    driver.close()
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir(parents=True)
+    (folder / "SNMP.txt").write_bytes(MARK)
+    yield folder
+    shutil.rmtree(folder, ignore_errors=True)
+
+
+def start_check(kit, *programs):
+    return start_wine("cmd", "/c", "check.cmd", *programs, cwd=kit, env={**os.environ, "QUILLMONT_UNATTENDED": "1"})
+
+
+def run_check(kit, *programs):
+    """The exit code and the report of all programs, or of these."""
+    check = start_check(kit, *programs)
+    check.communicate(timeout=900)
+    return check.returncode, (kit / "report.txt").read_text(encoding="ascii", errors="replace")
+
+
+def expect_untouched(folder):
+    assert [file.name for file in folder.iterdir()] == ["SNMP.txt"]
+    assert (folder / "SNMP.txt").read_bytes() == MARK
+    assert [file.name for file in folder.parent.glob(folder.name + ".*")] == []
+
+
+def test_everything_passes_and_the_operators_folder_is_back(kit, users_folder):
+    code, report = run_check(kit)
+    print(report)
+    closing = re.fullmatch(r"(\d+) passed, (\d+) failed", report.splitlines()[-1])
+    assert closing, report
+    assert (int(closing[1]) > 400, closing[2], code) == (True, "0", 0), report
+    for fact in ["Windows: ", "code pages: ", "fact: from the start of the program to listening: "]:
+        assert fact in report
+    expect_untouched(users_folder)
+    assert sorted(file.name for file in kit.iterdir()) == ["READ-ME.txt", "check.cmd", "programs", "report.txt"]
+
+
+def test_a_fault_is_a_failure_in_the_closing_line_and_in_the_code(kit, users_folder):
+    missing = kit / "programs" / "quillmont_unit_tests.exe"
+    kept = missing.rename(missing.with_suffix(".kept"))
+    corpus = kit / "programs" / "corpus"
+    kept_corpus = corpus.rename(corpus.with_name("kept"))
+    try:
+        code, report = run_check(kit, "quillmont_unit_tests.exe", "quillmont_corpus_replay.exe", "quillmont_turn_tests.exe")
+    finally:
+        kept.rename(missing)
+        kept_corpus.rename(corpus)
+    assert code == 1
+    assert "FAILED: quillmont_unit_tests.exe ends by itself with code 0" in report
+    assert "FAILED: quillmont_corpus_replay.exe ends with code 0" in report
+    assert re.fullmatch(r"\d\d passed, 2 failed", report.splitlines()[-1]), report
+    expect_untouched(users_folder)
+
+
+@pytest.mark.parametrize("port", [161, 162])
+def test_a_taken_port_is_said_and_nothing_is_touched(kit, users_folder, port):
+    with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as holder:
+        holder.bind(("0.0.0.0", port))
+        code, report = run_check(kit)
+    assert code == 2
+    assert f"UDP port {port} is in use" in report
+    expect_untouched(users_folder)
+
+
+def test_a_running_quillmont_is_said_and_left_alone(kit, users_folder):
+    driver = Driver()
+    program = Program(driver)
+    try:
+        program.wait_running()
+        code, report = run_check(kit)
+        assert code == 2
+        assert "Quillmont is running." in report
+        assert program.runs
+    finally:
+        program.end()
+        driver.close()
+    assert users_folder.exists()
+
+
+def test_a_check_that_was_killed_is_mended_by_the_next_start(kit, users_folder):
+    aside = users_folder.with_name(users_folder.name + ".aside-for-check")
+    check = start_check(kit)
+    wait_until(aside.exists, "the operator's folder moved aside")
+    os.kill(find_wine_process("quillmont_check.exe"), signal.SIGKILL)
+    check.communicate(timeout=60)
+    # With a port taken nothing else happens, so that only the mending is seen.
+    with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as holder:
+        holder.bind(("0.0.0.0", 162))
+        code, report = run_check(kit)
+    assert code == 2
+    assert "A check before this one did not end" in report
+    expect_untouched(users_folder)

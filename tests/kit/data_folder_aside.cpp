@@ -1,0 +1,54 @@
+#include "tests/kit/data_folder_aside.h"
+
+#include <filesystem>
+
+#include "platform/windows/windows_headers.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool Exists(const std::wstring& path) {
+    return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+// A file that was left read-only does not stop it.
+bool RemoveAll(const std::wstring& folder) {
+    std::error_code error;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder, error)) {
+        SetFileAttributesW(entry.path().c_str(), FILE_ATTRIBUTE_NORMAL);
+    }
+    fs::remove_all(folder, error);
+    return !Exists(folder);
+}
+
+}  // namespace
+
+DataFolderAside::DataFolderAside(const std::wstring& folder)
+    : folder_(folder), aside_(folder + L".aside-for-check"), nothing_(folder + L".none-before-check") {
+    foundLeftover_ = Exists(aside_) || Exists(nothing_);
+    PutBack();
+}
+
+DataFolderAside::~DataFolderAside() {
+    PutBack();
+}
+
+bool DataFolderAside::MoveAside() {
+    if (Exists(aside_) || Exists(nothing_)) {
+        return false;
+    }
+    return (Exists(folder_) ? MoveFileW(folder_.c_str(), aside_.c_str())
+                            : CreateDirectoryW(nothing_.c_str(), nullptr)) != FALSE;
+}
+
+bool DataFolderAside::PutBack() {
+    if (!Exists(aside_) && !Exists(nothing_)) {
+        return true;
+    }
+    if (Exists(folder_) && !RemoveAll(folder_)) {
+        return false;
+    }
+    return (Exists(aside_) ? MoveFileW(aside_.c_str(), folder_.c_str())
+                           : RemoveDirectoryW(nothing_.c_str())) != FALSE;
+}

@@ -1,0 +1,30 @@
+// The user's own data folder during a check: moved aside, and put back whatever happens.
+#pragma once
+
+#include <string>
+
+class DataFolderAside {
+  public:
+    // `folder` is the data folder that the program uses. Puts back what an earlier check left aside when
+    // it died.
+    explicit DataFolderAside(const std::wstring& folder);
+    ~DataFolderAside();  // puts back
+    DataFolderAside(const DataFolderAside&) = delete;
+    DataFolderAside& operator=(const DataFolderAside&) = delete;
+
+    // An earlier check had left the folder aside.
+    bool foundLeftover() const { return foundLeftover_; }
+
+    // False: something uses the folder, or the leftover could not be put back; the check must not start.
+    bool MoveAside();
+
+    // Removes what the check made and puts the user's folder back. False: something still uses the folder;
+    // the next check puts it back. Harmless when nothing is aside.
+    bool PutBack();
+
+  private:
+    std::wstring folder_;
+    std::wstring aside_;    // the user's folder while the check runs
+    std::wstring nothing_;  // an empty folder that says: the user had none
+    bool foundLeftover_ = false;
+};
