@@ -78,6 +78,11 @@ TEST(ReadMibText, Latin1FileIsReadThroughTheAnsiCodePage) {
     EXPECT_EQ(ReadBack("St\xE4rke"), L"St\u00E4rke");
 }
 
+TEST(ReadMibText, FirstOctetBeyondAsciiIsNoAsciiEvenAlone) {
+    EXPECT_EQ(ReadBack("\x7F"), L"\u007F");
+    EXPECT_EQ(ReadBack("\x80"), L"\u20AC");
+}
+
 TEST(ReadMibText, OneInvalidSequenceTakesTheWholeFileToTheAnsiCodePage) {
     EXPECT_EQ(ReadBack("\xC3\xA4 \xE4"), L"\u00C3\u00A4 \u00E4");
 }
