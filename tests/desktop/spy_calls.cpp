@@ -17,7 +17,15 @@ namespace {
 
 SpyMemory* memory = nullptr;
 
+// A second program under test has the spy to itself.
+bool IsWatched() {
+    return memory->program == GetCurrentProcessId();
+}
+
 void Note(const std::wstring& call) {
+    if (!IsWatched()) {
+        return;
+    }
     wchar_t* place = memory->calls[memory->callCount % spyCalls];
     place[call.copy(place, spyCallLength - 1)] = L'\0';
     memory->callCount = memory->callCount + 1;
@@ -83,7 +91,7 @@ BOOL WINAPI SeeGetOpenFileNameW(LPOPENFILENAMEW dialog) {
          TextOrNone(dialog->lpstrFile) + L" folder=" + TextOrNone(dialog->lpstrInitialDir) + L" extension=" +
          TextOrNone(dialog->lpstrDefExt));
     SpyWishes& wishes = memory->wishes;
-    if (wishes.choiceIsReady == 0) {
+    if (wishes.choiceIsReady == 0 || !IsWatched()) {
         return openFileDialog(dialog);
     }
     wishes.choiceIsReady = 0;
@@ -112,7 +120,8 @@ void AppendTo(const wchar_t* path, const char* octets) {
 HANDLE WINAPI SeeCreateFileW(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
                              DWORD disposition, DWORD attributes, HANDLE pattern) {
     SpyWishes& wishes = memory->wishes;
-    if (wishes.growthIsReady != 0 && access == GENERIC_READ && _wcsicmp(path, wishes.growingFile) == 0) {
+    if (wishes.growthIsReady != 0 && IsWatched() && access == GENERIC_READ &&
+        _wcsicmp(path, wishes.growingFile) == 0) {
         wishes.growthIsReady = 0;
         AppendTo(path, wishes.growth);
     }
