@@ -36,7 +36,7 @@ else()
   gtest_discover_tests(quillmont_file_layer_tests TEST_PREFIX file_layer. PROPERTIES TIMEOUT 60)
   gtest_discover_tests(quillmont_receiver_steps_tests TEST_PREFIX receiver_steps. PROPERTIES TIMEOUT 60)
   gtest_discover_tests(quillmont_broken_search_tests TEST_PREFIX broken_search. PROPERTIES TIMEOUT 60)
-  foreach(check commands promises user_guide value_types)
+  foreach(check commands promises user_guide value_types workflows)
     add_test(NAME docs.${check}
         COMMAND /usr/bin/python3 -B ${CMAKE_SOURCE_DIR}/tests/docs/check_${check}.py ${CMAKE_BINARY_DIR})
   endforeach()
