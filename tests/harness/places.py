@@ -25,7 +25,7 @@ def drive_c():
 def windows_path(path):
     """The same path as a Windows program names it."""
     path = Path(path)
-    if path.is_relative_to(drive_c()):
+    if "WINEPREFIX" in os.environ and path.is_relative_to(drive_c()):
         drive, path = "C:\\", path.relative_to(drive_c())
     else:
         drive, path = "Z:", path.absolute()

@@ -31,6 +31,10 @@ class User:
             if subprocess.run([*self.switch, "true"], capture_output=True, check=False).returncode != 0:
                 pytest.skip("This root cannot become anybody else: it is one of a user namespace.")
 
+    @property
+    def number(self):
+        return NOBODY if self.switch else os.geteuid()
+
     def own(self, folder):
         """Gives the user a folder and all in it."""
         if self.switch:

@@ -1,17 +1,42 @@
 """The harness itself, for whoever runs it: an ordinary user, whose private network calls everybody root, in an
-environment that holds nothing but PATH, HOME and a name."""
+environment that holds nothing but PATH, HOME and a name, no locale."""
 
 import pytest
 
-DESKTOP_TESTS = ["/usr/bin/python3", "-B", "-m", "pytest", "-q", "tests/desktop/startup_test.py"]
+from harness.places import windows_path
+
+FIRST_START = ["tests/desktop/startup_test.py", "-k", "first_start_logs"]
 
 
 @pytest.mark.parametrize("user", ["ordinary"], indirect=True)
 @pytest.mark.parametrize("name", ["somebody", None], ids=["with_a_name", "without_a_name"])
-def test_a_desktop_test_finds_the_data_folder_and_names_beyond_ascii(ready, name):
+def test_a_desktop_test_finds_the_data_folder(ready, name):
     if name is None:
         del ready.environment["USER"]
-    tests = [*DESKTOP_TESTS, "-k", "first_start_logs or outside_ascii"]
-    code, output = ready.run("scripts/run_on_private_desktop.sh", *tests)
+    pytest_command = ["/usr/bin/python3", "-B", "-m", "pytest", "-q", *FIRST_START]
+    code, output = ready.run("scripts/run_on_private_desktop.sh", *pytest_command)
     assert code == 0
-    assert "2 passed" in output
+    assert "1 passed" in output
+
+
+def test_a_windows_program_names_what_is_beyond_ascii_without_a_locale_of_its_users(ready):
+    folder = ready.folder / "home" / "Gr\u00fc\u00dfe \u4e2d"
+    code, _ = ready.run("scripts/run_under_wine.sh", "cmd", "/c", "mkdir", windows_path(folder))
+    assert code == 0
+    assert folder.is_dir()
+
+
+def test_each_user_has_a_place_of_their_own_for_wine_prefixes(clone, user):
+    clone.hand_over()
+    user.need_private_network(clone.folder)
+    ask = 'source scripts/wine.sh; echo "$wine_folder"'
+    code, output = clone.run("scripts/in_private_network.sh", "bash", "-c", ask)
+    assert (code, output) == (0, f"{clone.folder}/build/wine/{user.number}\n")
+
+
+def test_a_private_display_is_reached_from_its_own_network_only(ready):
+    """A socket in the file system would be everybody's, and would take the place of one of the user's own."""
+    command = ["grep", "--only-matching", "@*/tmp/.X11-unix/.*", "/proc/net/unix"]
+    code, output = ready.run("scripts/run_on_private_desktop.sh", *command)
+    assert code == 0
+    assert {line for line in output.splitlines() if "X11" in line} == {"@/tmp/.X11-unix/X0"}
