@@ -30,12 +30,11 @@ elseif(QUILLMONT_SANITIZERS STREQUAL "thread")
 else()
   set(BUILD native)
   set(ENGINE_RUNNER ${CMAKE_SOURCE_DIR}/scripts/in_private_network.sh)
-  gtest_discover_tests(quillmont_unit_tests TEST_PREFIX unit. PROPERTIES TIMEOUT 60)
-  gtest_discover_tests(quillmont_memory_tests TEST_PREFIX memory. PROPERTIES TIMEOUT 60)
-  gtest_discover_tests(quillmont_broken_walk_tests TEST_PREFIX broken_walk. PROPERTIES TIMEOUT 60)
-  gtest_discover_tests(quillmont_file_layer_tests TEST_PREFIX file_layer. PROPERTIES TIMEOUT 60)
-  gtest_discover_tests(quillmont_receiver_steps_tests TEST_PREFIX receiver_steps. PROPERTIES TIMEOUT 60)
-  gtest_discover_tests(quillmont_broken_search_tests TEST_PREFIX broken_search. PROPERTIES TIMEOUT 60)
+  foreach(program unit memory broken_walk file_layer receiver_steps broken_search)
+    # A busy machine may take longer than five seconds to start a program that lists its tests.
+    gtest_discover_tests(quillmont_${program}_tests
+        TEST_PREFIX ${program}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 60)
+  endforeach()
   foreach(check commands promises user_guide value_types workflows)
     add_test(NAME docs.${check}
         COMMAND /usr/bin/python3 -B ${CMAKE_SOURCE_DIR}/tests/docs/check_${check}.py ${CMAKE_BINARY_DIR})
