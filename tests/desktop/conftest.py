@@ -1,4 +1,15 @@
 """The desktop tests run where run_on_private_desktop.sh puts them: in a network, a display and a Wine prefix of their
 own."""
 
+import pytest
+
+from harness.tool_windows import STATUS
+
 pytest_plugins = ["harness.fixtures"]
+
+
+@pytest.fixture
+def status(program, data):
+    """The status window of a program that has started."""
+    data.wait_for_start()
+    return STATUS.open(program)

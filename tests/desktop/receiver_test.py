@@ -1,10 +1,10 @@
-"""The receiver in the shipped program: what it writes, forwards and logs for real traffic."""
+"""The receiver in the shipped program: what it writes and logs for real traffic."""
 
 import socket
 
 import pytest
 
-from harness.data_folder import config, mask_stamps, record
+from harness.data_folder import mask_stamps, record
 from harness.traps import (
     LISTENER_PORT,
     LOOPBACK,
@@ -31,20 +31,6 @@ tinyValue OBJECT IDENTIFIER ::= { tinyRoot 1 }
 NOT_DECODED = "DECODED VARBINDS: (not decoded)"
 # The most that UDP over IPv4 carries.
 LARGEST_DATAGRAM = 65507
-
-
-@pytest.fixture
-def target():
-    """A socket that traps can be forwarded to."""
-    with udp_socket() as udp:
-        yield udp
-
-
-@pytest.fixture
-def forwarding_to_target(data, start, target):
-    """The running program with forwarding to the target switched on."""
-    data.write_config(config(1, LOOPBACK, target.getsockname()[1]))
-    return start().wait_running()
 
 
 def test_a_version_2c_trap_becomes_a_record_byte_for_byte(program, data):
@@ -198,55 +184,6 @@ def test_every_datagram_on_port_161_gives_one_line(program, data):
     data.wait_for_log("Datagram on UDP 161 from 127.0.0.1.", 100)
     assert data.log_messages().count("Datagram on UDP 161 from 127.0.0.1.") == 100
     assert data.trap_octets() == b""
-
-
-@pytest.mark.parametrize(
-    "octets",
-    [b"", b"\x00\xff undecodable", message(integer_binding(1)), b"z" * LARGEST_DATAGRAM],
-    ids=["zero_length", "undecodable", "a_trap", "the_largest"],
-)
-def test_a_datagram_is_forwarded_octet_for_octet(forwarding_to_target, data, target, octets):
-    send_raw(octets)
-    assert target.recv(65535) == octets
-    data.wait_for_traps(1)
-
-
-def test_forwarding_that_is_off_sends_nothing(data, start, target):
-    data.write_config(config(0, LOOPBACK, target.getsockname()[1]))
-    start().wait_running()
-    send_raw(message(integer_binding(1)))
-    send_raw(message(integer_binding(2)))
-    # The second is announced after the first has been through forwarding.
-    data.wait_for_traps(2)
-    target.setblocking(False)
-    with pytest.raises(BlockingIOError):
-        target.recv(65535)
-
-
-@pytest.mark.parametrize(
-    "address", [" 127.0.0.1", "127.0.0.1 ", "localhost", "::1", "", "127.1", "0127.0.0.1"]
-)
-def test_a_target_that_is_no_ipv4_address_is_passed_over_in_silence(data, start, target, address):
-    data.write_config(config(1, address, target.getsockname()[1]))
-    start().wait_running()
-    send_raw(message(integer_binding(1)))
-    send_raw(message(integer_binding(2)))
-    data.wait_for_traps(2)
-    target.setblocking(False)
-    with pytest.raises(BlockingIOError):
-        target.recv(65535)
-    assert "Forwarding failed (sendto error)." not in data.log_messages()
-
-
-def test_a_failed_send_is_logged_once_for_each_datagram(data, start):
-    # Only 127.0.0.0/8 can be reached from here.
-    data.write_config(config(1, "192.0.2.1", 9999))
-    start().wait_running()
-    for count in (1, 2, 3):
-        send_raw(message(integer_binding(count)))
-        data.wait_for_log("Forwarding failed (sendto error).", count)
-    assert data.log_messages().count("Forwarding failed (sendto error).") == 3
-    assert data.masked_traps().count(b"FROM: ") == 3
 
 
 def test_files_can_be_deleted_while_the_receiver_runs(program, data):

@@ -18,6 +18,8 @@ ID_FILE_NAME = 0x47C
 ID_FILTER = 0x470
 ID_LOOK_IN = 0x471
 
+MAPPINGS = "MIBs loaded. OID mappings: "
+
 
 def mib(name, number):
     return f"{name} OBJECT IDENTIFIER ::= {{ enterprises {number} }}\n".encode()
@@ -108,3 +110,16 @@ def delete_all(program, status):
     question.control(ID_YES).click()
     question.wait_closed()
     program.settle()
+
+
+def new_messages(data, before):
+    return data.log_messages()[before:]
+
+
+def listed(status):
+    """What the status window lists as MIB files."""
+    return status.only("ListBox").list_items()
+
+
+def counts(status):
+    return status.line("Loaded MIB files:").text

@@ -1,0 +1,135 @@
+"""Deleting the MIB files: the question, its answers, and what is left."""
+
+from harness.mib_dialogs import (
+    ID_NO,
+    ID_YES,
+    MAPPINGS,
+    QUESTION_TITLE,
+    ask_to_delete,
+    counts,
+    delete_all,
+    listed,
+    mib,
+    new_messages,
+)
+from harness.program import STATUS_BUTTON
+from harness.tool_windows import STATUS
+from harness.traps import integer_binding, message, send_raw
+from harness.waiting import wait_until
+
+QUESTION = "Alle MIB Dateien im MIB-Ordner l\u00c3\u00b6schen?"
+PROTECTING = 0x1 | 0x2 | 0x4  # read-only, hidden, system
+
+
+def test_a_protected_mib_file_is_deleted_like_any_other(program, data, status, driver):
+    for name in ("a.mib", "b.mib"):
+        data.add_mib(name, mib(name[0], 9991))
+    assert driver("set_attributes", data.windows_path(data.mibs / "a.mib"), PROTECTING)
+    before = len(data.log_messages())
+    delete_all(program, status)
+    assert new_messages(data, before) == ["All MIB files deleted.", MAPPINGS + "0"]
+    assert list(data.mibs.iterdir()) == []
+
+
+def test_the_question_has_its_exact_text_two_buttons_and_the_status_window_as_owner(program, status):
+    question = ask_to_delete(program, status)
+    assert question.facts.text == QUESTION_TITLE
+    assert question.facts.owner == status.handle
+    children = [facts for facts in question.children() if facts.visible]
+    assert [facts.id for facts in children if facts.__dict__["class"] == "Button"] == [ID_YES, ID_NO]
+    texts = [facts.text for facts in children if facts.__dict__["class"] == "Static"]
+    assert QUESTION in texts
+    # The icon is a static control of its own.
+    assert len(texts) == 2
+    question.control(ID_NO).click()
+    question.wait_closed()
+
+
+def test_the_question_warns_and_asks_yes_or_no_with_yes_as_its_default(program, status):
+    program.attach_spy()
+    question = ask_to_delete(program, status)
+    assert program.calls("MessageBoxW") == [f"MessageBoxW {0x04 | 0x30}"]
+    question.control(ID_NO).click()
+    question.wait_closed()
+
+
+def test_answering_no_changes_nothing(program, data, status):
+    data.add_mib("one.mib", mib("one", 9991))
+    before = data.log_octets()
+    question = ask_to_delete(program, status)
+    question.control(ID_NO).click()
+    question.wait_closed()
+    program.settle()
+    assert data.log_octets() == before
+    assert (data.mibs / "one.mib").exists()
+
+
+def test_deletion_takes_mib_files_and_leaves_other_files_and_folders(program, data, status):
+    for name in ("a.MIB", "b.txt", "c.my", "d.xml"):
+        data.add_mib(name, mib("x", 9991))
+    (data.mibs / "folder").mkdir()
+    (data.mibs / "folder" / "inside.mib").write_bytes(b"")
+    (data.mibs / "folder.mib").mkdir()
+    before = len(data.log_messages())
+    delete_all(program, status)
+    assert new_messages(data, before) == ["All MIB files deleted.", MAPPINGS + "0"]
+    assert sorted(path.name for path in data.mibs.iterdir()) == ["d.xml", "folder", "folder.mib"]
+    assert (data.mibs / "folder" / "inside.mib").exists()
+    assert listed(status) == []
+    assert counts(status) == "Loaded MIB files: 0  |  OID mappings: 0"
+
+
+def test_deleting_from_an_empty_folder_still_logs(program, data, status):
+    before = len(data.log_messages())
+    delete_all(program, status)
+    assert new_messages(data, before) == ["All MIB files deleted.", MAPPINGS + "0"]
+
+
+def test_a_missing_folder_is_a_failed_deletion(program, data, status):
+    data.mibs.rmdir()
+    before = len(data.log_messages())
+    delete_all(program, status)
+    assert new_messages(data, before) == ["Delete MIBs failed.", MAPPINGS + "0"]
+
+
+def test_a_file_that_cannot_be_removed_stops_the_deletion_there(program, data, status, driver):
+    for number, name in enumerate(("a.mib", "b.mib", "c.mib")):
+        data.add_mib(name, mib(name[0], 9990 + number))
+    driver("hold_file", data.windows_path(data.mibs / "b.mib"))
+    before = len(data.log_messages())
+    try:
+        delete_all(program, status)
+        left = sorted(path.name for path in data.mibs.iterdir())
+    finally:
+        driver("release_files")
+    messages = new_messages(data, before)
+    assert messages[0] == "Delete MIBs failed."
+    assert messages[1].startswith(MAPPINGS)
+    # Wine lists a folder by name: what came before the held file is gone, the rest stays.
+    assert left == ["b.mib", "c.mib"]
+
+
+def test_the_status_window_goes_on_refreshing_behind_the_question(program, data, status):
+    question = ask_to_delete(program, status)
+    assert status.line("Last trap:").text == "Last trap:             (none)"
+    send_raw(message(integer_binding(1)))
+    data.wait_for_traps(1)
+    wait_until(lambda: status.line("Last trap:").text.endswith("s ago)"), "a refresh behind the question")
+    question.control(ID_NO).click()
+    question.wait_closed()
+
+
+def test_closing_the_main_window_over_an_open_question_ends_the_program_with_0(program, status):
+    ask_to_delete(program, status)
+    assert program.close() == 0
+
+
+def test_the_status_window_closed_behind_the_question_leaves_a_working_program(program, data, status):
+    data.add_mib("one.mib", mib("one", 9991))
+    ask_to_delete(program, status)
+    status.close()
+    status.wait_closed()
+    program.main.control(STATUS_BUTTON).click()
+    again = program.wait_for_window(STATUS.class_name)
+    assert listed(again) == ["one.mib"]
+    assert program.close() == 0

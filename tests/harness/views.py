@@ -1,0 +1,68 @@
+"""The views of the trap monitor and the log viewer, and what they show of a file's octets."""
+
+import re
+
+import pytest
+
+from harness.tool_windows import MONITOR, VIEWERS
+from harness.waiting import wait_until
+
+each_viewer = pytest.mark.parametrize("viewer", VIEWERS, ids=lambda viewer: viewer.name)
+
+
+def as_read_at_opening(octets):
+    """One character for each octet; a line feed loses the carriage return before it; 0x1A ends the text."""
+    return octets.split(b"\x1a")[0].replace(b"\r\n", b"\n").decode("latin-1")
+
+
+def as_read_later(octets):
+    """UTF-8 where that is valid, else the ANSI code page (1252 here, its holes as themselves); line ends stay."""
+    try:
+        return octets.decode("utf-8")
+    except UnicodeDecodeError:
+        return "".join(bytes([octet]).decode("cp1252", "ignore") or chr(octet) for octet in octets)
+
+
+def file_of(data, viewer):
+    return data.traps if viewer is MONITOR else data.log
+
+
+def view_of(window):
+    return window.only("Edit")
+
+
+def wait_for_view(view, text):
+    wait_until(
+        lambda: view.text == text,
+        lambda: f"a view of {len(text)} characters ending in {text[-60:]!r}, "
+        f"seen {len(view.text)} ending in {view.text[-60:]!r}",
+    )
+
+
+def append(path, octets):
+    with path.open("ab") as file:
+        file.write(octets)
+
+
+def check_view_follows(view, text):
+    """The view shows the numbered records of the text in order, and all of them; some may show twice.
+
+    Kept by the program: the size is taken before the file is read, so what is written between the two is read
+    again with the next poll. The view then goes back to an earlier record and on from there.
+    """
+    records = {
+        int(re.search(r"INTEGER = (\d+)", part)[1]): part
+        for part in re.findall(r".*?\r\r\n\r\r\n", text, re.DOTALL)
+    }
+    assert "".join(records.values()) == text
+    shown = [int(number) for number in re.findall(r"INTEGER = (\d+)", view)]
+    assert "".join(records[number] for number in shown) == view
+    order = list(records)
+    places = [order.index(number) for number in shown]
+    assert places[0] == 0
+    assert all(after <= before + 1 for before, after in zip(places, places[1:]))
+    assert sorted(set(places)) == list(range(len(order)))
+    if len(shown) > len(order):
+        print(
+            f"{len(shown) - len(order)} records arrived between size and reading and show twice, which is kept."
+        )
