@@ -17,12 +17,12 @@ HWND ForwardEnabledCheck = nullptr;
 HWND ForwardIpEdit = nullptr;
 HWND ForwardPortEdit = nullptr;
 
-constexpr int SaveCommand = 200;
-constexpr int CancelCommand = 201;
+constexpr int kSaveCommand = 200;
+constexpr int kCancelCommand = 201;
 
 // Kept: the port field takes any text, and no control is a tab stop; what is typed is judged when it
 // is saved.
-constexpr ControlRow ForwardingControls[] = {
+constexpr ControlRow kForwardingControls[] = {
     {.className = L"STATIC",
      .text = L"Forwarding enabled:",
      .place = {.x = 20, .y = 20, .width = 150, .height = 20}},
@@ -48,11 +48,11 @@ constexpr ControlRow ForwardingControls[] = {
     {.className = L"BUTTON",
      .text = L"Save",
      .place = {.x = 180, .y = 135, .width = 90, .height = 28},
-     .id = SaveCommand},
+     .id = kSaveCommand},
     {.className = L"BUTTON",
      .text = L"Cancel",
      .place = {.x = 290, .y = 135, .width = 90, .height = 28},
-     .id = CancelCommand},
+     .id = kCancelCommand},
 };
 
 void FillForwardingControls() {
@@ -92,10 +92,10 @@ void SaveForwarding(HWND window) {
 
 bool RunCommand(HWND window, int command) {
     switch (command) {
-        case SaveCommand:
+        case kSaveCommand:
             SaveForwarding(window);
             return true;
-        case CancelCommand:
+        case kCancelCommand:
             DestroyWindow(window);
             return true;
         default:
@@ -125,7 +125,7 @@ LRESULT CALLBACK ForwardingWindowProc(HWND window, UINT message, WPARAM wParam, 
     return DefWindowProcW(window, message, wParam, lParam);
 }
 
-constexpr ToolWindow ForwardingTool = {
+constexpr ToolWindow kForwardingTool = {
     .className = L"SNMP_FWD_WND",
     .title = L"Forwarding",
     .style = WS_CAPTION | WS_SYSMENU,
@@ -138,7 +138,7 @@ constexpr ToolWindow ForwardingTool = {
 }  // namespace
 
 void OpenForwardingWindow() {
-    if (!RaiseOrCreate(ForwardingTool, ForwardingControls)) {
+    if (!RaiseOrCreate(kForwardingTool, kForwardingControls)) {
         return;
     }
     FillForwardingControls();

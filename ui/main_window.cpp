@@ -16,35 +16,35 @@ namespace {
 
 HWND StartButtonHandle = nullptr;  // "Start server" or "Stop server"
 
-constexpr int StartCommand = 100;
-constexpr int ForwardingCommand = 101;
-constexpr int MonitorCommand = 102;
-constexpr int LogCommand = 103;
-constexpr int StatusCommand = 104;
+constexpr int kStartCommand = 100;
+constexpr int kForwardingCommand = 101;
+constexpr int kMonitorCommand = 102;
+constexpr int kLogCommand = 103;
+constexpr int kStatusCommand = 104;
 
 // Kept: the gaps between the buttons are 10, 8, 12 and 8 pixels; operators know the strip as it is.
-constexpr ControlRow MainControls[] = {
+constexpr ControlRow kMainControls[] = {
     {.className = L"BUTTON",
      .text = L"Start server",
      .place = {.x = 44, .y = 10, .width = 140, .height = 32},
-     .id = StartCommand,
+     .id = kStartCommand,
      .handle = &StartButtonHandle},
     {.className = L"BUTTON",
      .text = L"Forwarding",
      .place = {.x = 194, .y = 10, .width = 140, .height = 32},
-     .id = ForwardingCommand},
+     .id = kForwardingCommand},
     {.className = L"BUTTON",
      .text = L"Monitor",
      .place = {.x = 342, .y = 10, .width = 140, .height = 32},
-     .id = MonitorCommand},
+     .id = kMonitorCommand},
     {.className = L"BUTTON",
      .text = L"Log",
      .place = {.x = 494, .y = 10, .width = 82, .height = 32},
-     .id = LogCommand},
+     .id = kLogCommand},
     {.className = L"BUTTON",
      .text = L"Status",
      .place = {.x = 584, .y = 10, .width = 80, .height = 32},
-     .id = StatusCommand},
+     .id = kStatusCommand},
 };
 
 void ShowRunning(bool running) {
@@ -60,11 +60,11 @@ void RepaintIndicator() {
 }
 
 void OnCreate(HWND window) {
-    CreateControls(window, MainControls);
+    CreateControls(window, kMainControls);
     ApplyUiFont(window);
     ServerEvents.showRunning = ShowRunning;
     ServerEvents.repaint = RepaintIndicator;
-    PostMessageW(window, WM_COMMAND, StartCommand, 0);
+    PostMessageW(window, WM_COMMAND, kStartCommand, 0);
 }
 
 void PaintIndicator(HWND window) {
@@ -85,19 +85,19 @@ void ToggleServer() {
 
 bool RunCommand(int command) {
     switch (command) {
-        case StartCommand:
+        case kStartCommand:
             ToggleServer();
             return true;
-        case ForwardingCommand:
+        case kForwardingCommand:
             OpenForwardingWindow();
             return true;
-        case MonitorCommand:
+        case kMonitorCommand:
             OpenMonitorWindow();
             return true;
-        case LogCommand:
+        case kLogCommand:
             OpenLogWindow();
             return true;
-        case StatusCommand:
+        case kStatusCommand:
             OpenStatusWindow();
             return true;
         default:
@@ -140,21 +140,21 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
     return DefWindowProcW(window, message, wParam, lParam);
 }
 
-constexpr wchar_t MainClass[] = L"SNMP_MAIN_WND";
-constexpr wchar_t MainTitle[] = L"Quillmont PRO v1.0 (SNMP v1 and v2c) -  \u00A9 2026 Quillmont";
+constexpr wchar_t kMainClass[] = L"SNMP_MAIN_WND";
+constexpr wchar_t kMainTitle[] = L"Quillmont PRO v1.0 (SNMP v1 and v2c) -  \u00A9 2026 Quillmont";
 
 // No sizing border and no maximize box: the strip has one size.
-constexpr DWORD MainStyle = WS_CAPTION | WS_SYSMENU | WS_MINIMIZEBOX;
-constexpr int MainWidth = 694;  // outer size in pixels
-constexpr int MainHeight = 90;
+constexpr DWORD kMainStyle = WS_CAPTION | WS_SYSMENU | WS_MINIMIZEBOX;
+constexpr int kMainWidth = 694;  // outer size in pixels
+constexpr int kMainHeight = 90;
 
 }  // namespace
 
 bool OpenMainWindow(int showCommand) {
-    RegisterWindowClass(MainClass, GuardedProc<MainWindowProc>);
+    RegisterWindowClass(kMainClass, GuardedProc<MainWindowProc>);
     MainWindowHandle =
-        CreateWindowExW(0, MainClass, MainTitle, MainStyle, CW_USEDEFAULT, CW_USEDEFAULT, MainWidth,
-                        MainHeight, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
+        CreateWindowExW(0, kMainClass, kMainTitle, kMainStyle, CW_USEDEFAULT, CW_USEDEFAULT, kMainWidth,
+                        kMainHeight, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
     if (!MainWindowHandle) {
         return false;
     }

@@ -21,18 +21,18 @@
 
 namespace {
 
-constexpr DWORD DialogCapacity = 8192;  // characters; a selection that does not fit counts as cancelled
+constexpr DWORD kDialogCapacity = 8192;  // characters; a selection that does not fit counts as cancelled
 
 // What the buffer really holds: Wine's dialog writes a longer selection out in full.
-constexpr size_t DialogRoom = size_t{8} * DialogCapacity;
+constexpr size_t kDialogRoom = size_t{8} * kDialogCapacity;
 
 // Pairs of description and pattern, ended by an empty text.
 // Kept: the first description does not name ".my" although its pattern takes it; the line is long enough as
 // it is.
-constexpr wchar_t DialogFilter[] = L"MIB files (*.mib;*.txt)\0*.mib;*.txt;*.my\0All files\0*.*\0";
+constexpr wchar_t kDialogFilter[] = L"MIB files (*.mib;*.txt)\0*.mib;*.txt;*.my\0All files\0*.*\0";
 
 // Kept: the umlaut stands as the two characters that its UTF-8 octets make; operators know the question so.
-constexpr wchar_t DeleteQuestion[] = L"Alle MIB Dateien im MIB-Ordner l\u00C3\u00B6schen?";
+constexpr wchar_t kDeleteQuestion[] = L"Alle MIB Dateien im MIB-Ordner l\u00C3\u00B6schen?";
 
 // The dialog leaves the process in the folder of what was chosen, and a disk with a process in it is not
 // ejected. (The flag that should keep it from there means nothing to this dialog.)
@@ -62,15 +62,15 @@ OpenFileDialog LoadOpenFileDialog() {
 // False: cancelled, or the selection did not fit.
 bool AskForFiles(OpenFileDialog openFileDialog, std::wstring& buffer) {
     const ScopedCurrentFolder former;
-    buffer.assign(DialogRoom, L'\0');
+    buffer.assign(kDialogRoom, L'\0');
     OPENFILENAMEW dialog{};
     dialog.lStructSize = sizeof(dialog);
     dialog.hwndOwner = StatusWindowHandle ? StatusWindowHandle : MainWindowHandle;
     dialog.lpstrTitle = L"Import MIB files";
-    dialog.lpstrFilter = DialogFilter;
+    dialog.lpstrFilter = kDialogFilter;
     dialog.nFilterIndex = 1;
     dialog.lpstrFile = buffer.data();
-    dialog.nMaxFile = DialogCapacity;
+    dialog.nMaxFile = kDialogCapacity;
     dialog.Flags = OFN_EXPLORER | OFN_ALLOWMULTISELECT | OFN_FILEMUSTEXIST;
     return openFileDialog(&dialog) != FALSE;
 }
@@ -98,7 +98,7 @@ void ReloadMibs() {
 }
 
 bool ConfirmDeletion() {
-    return MessageBoxW(StatusWindowHandle, DeleteQuestion, L"Delete MIBs", MB_YESNO | MB_ICONWARNING) ==
+    return MessageBoxW(StatusWindowHandle, kDeleteQuestion, L"Delete MIBs", MB_YESNO | MB_ICONWARNING) ==
            IDYES;
 }
 

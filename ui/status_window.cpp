@@ -27,10 +27,10 @@ HWND StatusPathsLabel = nullptr;
 HWND StatusCountsLabel = nullptr;
 HWND MibListBox = nullptr;
 
-constexpr int ImportCommand = 500;
-constexpr int DeleteCommand = 501;
-constexpr UINT_PTR RefreshTimer = 1003;
-constexpr UINT RefreshMilliseconds = 700;
+constexpr int kImportCommand = 500;
+constexpr int kDeleteCommand = 501;
+constexpr UINT_PTR kRefreshTimer = 1003;
+constexpr UINT kRefreshMilliseconds = 700;
 
 // Places one below the other: a line put in between moves all that stands below it.
 class Stack {
@@ -43,8 +43,8 @@ class Stack {
     constexpr ControlPlace Below(Step step) {
         top_ = bottom_ + step.gap;
         bottom_ = top_ + step.height;
-        right_ = Left + step.width;
-        return {.x = Left, .y = top_, .width = step.width, .height = step.height};
+        right_ = kLeft + step.width;
+        return {.x = kLeft, .y = top_, .width = step.width, .height = step.height};
     }
 
     struct SideStep {
@@ -58,13 +58,13 @@ class Stack {
     }
 
   private:
-    static constexpr int Left = 12;
+    static constexpr int kLeft = 12;
     int top_ = 0;
     int bottom_ = 0;
     int right_ = 0;
 };
 
-constexpr auto StatusControls = [] {
+constexpr auto kStatusControls = [] {
     Stack stack;
     return std::to_array<ControlRow>({
         {.className = L"STATIC", .place = stack.Below({.gap = 12}), .handle = &StatusServerLabel},
@@ -84,11 +84,11 @@ constexpr auto StatusControls = [] {
         {.className = L"BUTTON",
          .text = L"Import MIB Files",
          .place = stack.Below({.gap = 14, .height = 30, .width = 150}),
-         .id = ImportCommand},
+         .id = kImportCommand},
         {.className = L"BUTTON",
          .text = L"Delete all MIBs",
          .place = stack.Beside({.gap = 10, .width = 150}),
-         .id = DeleteCommand},
+         .id = kDeleteCommand},
     });
 }();
 
@@ -160,22 +160,22 @@ void RefreshStatus() {
 namespace {
 
 void OnTimer(WPARAM timer) {
-    if (timer == RefreshTimer) {
+    if (timer == kRefreshTimer) {
         RefreshStatus();
     }
 }
 
 void OnDestroy(HWND window) {
-    KillTimer(window, RefreshTimer);
+    KillTimer(window, kRefreshTimer);
     StatusWindowHandle = nullptr;
 }
 
 bool RunCommand(int command) {
     switch (command) {
-        case ImportCommand:
+        case kImportCommand:
             ImportMibFiles();
             return true;
-        case DeleteCommand:
+        case kDeleteCommand:
             DeleteAllMibs();
             return true;
         default:
@@ -208,7 +208,7 @@ LRESULT CALLBACK StatusWindowProc(HWND window, UINT message, WPARAM wParam, LPAR
     return DefWindowProcW(window, message, wParam, lParam);
 }
 
-constexpr ToolWindow StatusTool = {
+constexpr ToolWindow kStatusTool = {
     .className = L"SNMP_STATUS_WND",
     .title = L"Status",
     // The frame can be resized while the controls keep their places: there is nothing to show more of.
@@ -222,11 +222,11 @@ constexpr ToolWindow StatusTool = {
 }  // namespace
 
 void OpenStatusWindow() {
-    if (!RaiseOrCreate(StatusTool, StatusControls)) {
+    if (!RaiseOrCreate(kStatusTool, kStatusControls)) {
         return;
     }
     ApplyUiFont(StatusWindowHandle);
     RefreshStatus();
-    SetTimer(StatusWindowHandle, RefreshTimer, RefreshMilliseconds, nullptr);
+    SetTimer(StatusWindowHandle, kRefreshTimer, kRefreshMilliseconds, nullptr);
     ShowWindow(StatusWindowHandle, SW_SHOW);
 }

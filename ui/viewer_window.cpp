@@ -24,38 +24,38 @@ HWND LogWindowHandle = nullptr;
 HWND LogEdit = nullptr;
 uint64_t LogShownSize = 0;  // octets of log.txt that the view has taken in
 
-constexpr int ClearMonitorCommand = 300;
-constexpr int ClearLogCommand = 400;
-constexpr UINT_PTR MonitorTimer = 1001;
-constexpr UINT_PTR LogTimer = 1002;
-constexpr UINT PollMilliseconds = 400;
+constexpr int kClearMonitorCommand = 300;
+constexpr int kClearLogCommand = 400;
+constexpr UINT_PTR kMonitorTimer = 1001;
+constexpr UINT_PTR kLogTimer = 1002;
+constexpr UINT kPollMilliseconds = 400;
 
 // No horizontal scrolling, so long lines wrap.
-constexpr DWORD ViewStyle = WS_VSCROLL | ES_MULTILINE | ES_AUTOVSCROLL | ES_READONLY;
+constexpr DWORD kViewStyle = WS_VSCROLL | ES_MULTILINE | ES_AUTOVSCROLL | ES_READONLY;
 
-constexpr ControlPlace ViewPlace = {.x = 12, .y = 12, .width = 940, .height = 460};
+constexpr ControlPlace kViewPlace = {.x = 12, .y = 12, .width = 940, .height = 460};
 
-constexpr ControlRow MonitorControls[] = {
+constexpr ControlRow kMonitorControls[] = {
     {.className = L"EDIT",
-     .style = ViewStyle,
+     .style = kViewStyle,
      .exStyle = WS_EX_CLIENTEDGE,
-     .place = ViewPlace,
+     .place = kViewPlace,
      .handle = &MonitorEdit},
     {.className = L"BUTTON",
      .text = L"Clear SNMP Traps",
      .place = {.x = 12, .y = 482, .width = 160, .height = 30},
-     .id = ClearMonitorCommand},
+     .id = kClearMonitorCommand},
 };
-constexpr ControlRow LogControls[] = {
+constexpr ControlRow kLogControls[] = {
     {.className = L"EDIT",
-     .style = ViewStyle,
+     .style = kViewStyle,
      .exStyle = WS_EX_CLIENTEDGE,
-     .place = ViewPlace,
+     .place = kViewPlace,
      .handle = &LogEdit},
     {.className = L"BUTTON",
      .text = L"Clear Log",
      .place = {.x = 12, .y = 482, .width = 120, .height = 30},
-     .id = ClearLogCommand},
+     .id = kClearLogCommand},
 };
 
 // All in which the twins differ.
@@ -74,40 +74,40 @@ LRESULT CALLBACK MonitorWindowProc(HWND window, UINT message, WPARAM wParam, LPA
 LRESULT CALLBACK LogWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
 // The frame can be resized while the controls keep their places.
-constexpr DWORD ViewerStyle = WS_CAPTION | WS_SYSMENU | WS_THICKFRAME;
-constexpr int ViewerWidth = 980;
-constexpr int ViewerHeight = 560;
+constexpr DWORD kViewerStyle = WS_CAPTION | WS_SYSMENU | WS_THICKFRAME;
+constexpr int kViewerWidth = 980;
+constexpr int kViewerHeight = 560;
 
-constexpr ViewerKind MonitorKind = {
+constexpr ViewerKind kMonitorKind = {
     .tool = {.className = L"SNMP_MON_WND",
              .title = L"Monitor (SNMP.txt)",
-             .style = ViewerStyle,
-             .width = ViewerWidth,
-             .height = ViewerHeight,
+             .style = kViewerStyle,
+             .width = kViewerWidth,
+             .height = kViewerHeight,
              .procedure = GuardedProc<MonitorWindowProc>,
              .handle = &MonitorWindowHandle},
-    .controls = MonitorControls,
+    .controls = kMonitorControls,
     .edit = &MonitorEdit,
     .shownSize = &MonitorShownSize,
     .file = &AppPaths.trapFilePath,
-    .pollTimer = MonitorTimer,
-    .clearCommand = ClearMonitorCommand,
+    .pollTimer = kMonitorTimer,
+    .clearCommand = kClearMonitorCommand,
     .clearedLine = L"SNMP.txt cleared.",
 };
-constexpr ViewerKind LogKind = {
+constexpr ViewerKind kLogKind = {
     .tool = {.className = L"SNMP_LOG_WND",
              .title = L"Log (log.txt)",
-             .style = ViewerStyle,
-             .width = ViewerWidth,
-             .height = ViewerHeight,
+             .style = kViewerStyle,
+             .width = kViewerWidth,
+             .height = kViewerHeight,
              .procedure = GuardedProc<LogWindowProc>,
              .handle = &LogWindowHandle},
-    .controls = LogControls,
+    .controls = kLogControls,
     .edit = &LogEdit,
     .shownSize = &LogShownSize,
     .file = &AppPaths.logFilePath,
-    .pollTimer = LogTimer,
-    .clearCommand = ClearLogCommand,
+    .pollTimer = kLogTimer,
+    .clearCommand = kClearLogCommand,
     .clearedLine = L"log.txt cleared.",
 };
 
@@ -207,11 +207,11 @@ LRESULT HandleViewerMessage(const ViewerKind& kind, HWND window, UINT message, W
 }
 
 LRESULT CALLBACK MonitorWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    return HandleViewerMessage(MonitorKind, window, message, wParam, lParam);
+    return HandleViewerMessage(kMonitorKind, window, message, wParam, lParam);
 }
 
 LRESULT CALLBACK LogWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    return HandleViewerMessage(LogKind, window, message, wParam, lParam);
+    return HandleViewerMessage(kLogKind, window, message, wParam, lParam);
 }
 
 // Zero stands for the greatest limit there is. The default of about 32,000 characters would make a monitor
@@ -228,16 +228,16 @@ void OpenViewer(const ViewerKind& kind) {
     LiftTextLimit(*kind.edit);
     ApplyUiFont(window);
     ShowWholeFile(kind);
-    SetTimer(window, kind.pollTimer, PollMilliseconds, nullptr);
+    SetTimer(window, kind.pollTimer, kPollMilliseconds, nullptr);
     ShowWindow(window, SW_SHOW);
 }
 
 }  // namespace
 
 void OpenMonitorWindow() {
-    OpenViewer(MonitorKind);
+    OpenViewer(kMonitorKind);
 }
 
 void OpenLogWindow() {
-    OpenViewer(LogKind);
+    OpenViewer(kLogKind);
 }

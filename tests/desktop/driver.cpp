@@ -235,7 +235,7 @@ std::string WindowExists(const Request& request) {
 
 using Handler = std::function<std::string(const Request&)>;
 
-const std::map<std::string, Handler> handlers = {
+const std::map<std::string, Handler> kHandlers = {
     {"start", StartProcess},
     {"wait_for_exit", WaitForExit},
     {"end_process", EndProcess},
@@ -287,8 +287,8 @@ const std::map<std::string, Handler> handlers = {
 std::string Answer(const std::string& line) {
     try {
         const Request request = ParseRequest(line);
-        const auto handler = handlers.find(request.verb);
-        if (handler == handlers.end()) {
+        const auto handler = kHandlers.find(request.verb);
+        if (handler == kHandlers.end()) {
             throw RequestError("unknown request " + request.verb);
         }
         return JsonObject().Add("value", handler->second(request)).Text();

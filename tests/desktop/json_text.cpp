@@ -2,12 +2,12 @@
 
 namespace {
 
-constexpr char hexDigits[] = "0123456789abcdef";
+constexpr char kHexDigits[] = "0123456789abcdef";
 
 void AppendEscape(std::string& json, wchar_t unit) {
     json += "\\u";
     for (int shift = 12; shift >= 0; shift -= 4) {
-        json += hexDigits[(static_cast<unsigned>(unit) >> shift) & 15u];
+        json += kHexDigits[(static_cast<unsigned>(unit) >> shift) & 15u];
     }
 }
 

@@ -21,7 +21,7 @@ void CreateSharedMemory() {
         return;
     }
     const HANDLE mapping = CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
-                                              sizeof(SpyMemory), spyMemoryName);
+                                              sizeof(SpyMemory), kSpyMemoryName);
     memory = static_cast<SpyMemory*>(MapViewOfFile(mapping, FILE_MAP_ALL_ACCESS, 0, 0, sizeof(SpyMemory)));
     if (memory == nullptr) {
         throw RequestError("no shared memory for the spy");
@@ -118,7 +118,7 @@ std::string AttachSpy(HWND window) {
 
 std::string AskSpy(HWND window, SpyQuestion question, UINT message) {
     AttachedMemory().answer = {};
-    SendWithLimit(window, RegisterWindowMessageW(spyMessageName), static_cast<WPARAM>(question),
+    SendWithLimit(window, RegisterWindowMessageW(kSpyMessageName), static_cast<WPARAM>(question),
                   static_cast<LPARAM>(message));
     const SpyAnswer answer = memory->answer;
     if (answer.answered == 0) {
@@ -137,8 +137,8 @@ std::string AskSpy(HWND window, SpyQuestion question, UINT message) {
 std::string ReadSpyTimers() {
     const uint32_t count = AttachedMemory().timerCount;
     std::vector<std::string> events;
-    for (uint32_t i = count - std::min(count, spyTimerEvents); i != count; ++i) {
-        const SpyTimerEvent& event = memory->timers[i % spyTimerEvents];
+    for (uint32_t i = count - std::min(count, kSpyTimerEvents); i != count; ++i) {
+        const SpyTimerEvent& event = memory->timers[i % kSpyTimerEvents];
         events.push_back(JsonList({JsonNumber(static_cast<int64_t>(event.window)),
                                    JsonNumber(static_cast<int64_t>(event.timer)),
                                    JsonNumber(static_cast<int64_t>(event.tick))}));

@@ -11,7 +11,7 @@ UINT spyMessage = 0;
 
 // The view stays mapped as long as the library is loaded.
 void OpenSharedMemory() {
-    const HANDLE mapping = OpenFileMappingW(FILE_MAP_ALL_ACCESS, FALSE, spyMemoryName);
+    const HANDLE mapping = OpenFileMappingW(FILE_MAP_ALL_ACCESS, FALSE, kSpyMemoryName);
     if (mapping != nullptr) {
         memory =
             static_cast<SpyMemory*>(MapViewOfFile(mapping, FILE_MAP_ALL_ACCESS, 0, 0, sizeof(SpyMemory)));
@@ -101,7 +101,7 @@ void AnswerQuestion(const CWPSTRUCT& message) {
 }
 
 void NoteTimer(const MSG& message) {
-    SpyTimerEvent& event = memory->timers[memory->timerCount % spyTimerEvents];
+    SpyTimerEvent& event = memory->timers[memory->timerCount % kSpyTimerEvents];
     event.window = reinterpret_cast<uint64_t>(message.hwnd);
     event.timer = message.wParam;
     event.tick = GetTickCount64();
@@ -128,7 +128,7 @@ extern "C" __declspec(dllexport) LRESULT CALLBACK SeeFetchedMessage(int code, WP
 
 BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {
     if (reason == DLL_PROCESS_ATTACH) {
-        spyMessage = RegisterWindowMessageW(spyMessageName);
+        spyMessage = RegisterWindowMessageW(kSpyMessageName);
         OpenSharedMemory();
         if (memory != nullptr && memory->program == GetCurrentProcessId()) {
             CatchCalls(*memory);

@@ -7,8 +7,8 @@
 
 #include "platform/windows/windows_headers.h"
 
-inline constexpr wchar_t spyMemoryName[] = L"QuillmontDesktopSpyMemory";
-inline constexpr wchar_t spyMessageName[] = L"QuillmontDesktopSpyQuestion";
+inline constexpr wchar_t kSpyMemoryName[] = L"QuillmontDesktopSpyMemory";
+inline constexpr wchar_t kSpyMessageName[] = L"QuillmontDesktopSpyQuestion";
 
 enum class SpyQuestion : uint32_t {
     window = 1,     // font and class of the window
@@ -48,7 +48,7 @@ struct SpyTimerEvent {
     uint64_t tick;  // milliseconds of GetTickCount64
 };
 
-inline constexpr uint32_t spyTimerEvents = 512;
+inline constexpr uint32_t kSpyTimerEvents = 512;
 inline constexpr uint32_t spyCalls = 256;
 inline constexpr uint32_t spyCallLength = 512;
 
@@ -69,6 +69,6 @@ struct SpyMemory {
     volatile uint32_t callCount;             // calls ever seen, as with the timers
     wchar_t calls[spyCalls][spyCallLength];  // each as a text
     SpyAnswer answer;
-    volatile uint32_t timerCount;  // events ever seen; the last spyTimerEvents of them are kept, round robin
-    SpyTimerEvent timers[spyTimerEvents];
+    volatile uint32_t timerCount;  // events ever seen; the last kSpyTimerEvents of them are kept, round robin
+    SpyTimerEvent timers[kSpyTimerEvents];
 };

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr UINT answerLimitMilliseconds = 60000;
+constexpr UINT kAnswerLimitMilliseconds = 60000;
 
 std::string HandleNumber(HWND window) {
     return JsonNumber(reinterpret_cast<INT_PTR>(window));
@@ -113,8 +113,8 @@ std::string ReadItems(HWND control, const ItemMessages& messages) {
 
 LRESULT SendWithLimit(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     DWORD_PTR result = 0;
-    if (SendMessageTimeoutW(window, message, wParam, lParam, SMTO_NORMAL, answerLimitMilliseconds, &result) ==
-        0) {
+    if (SendMessageTimeoutW(window, message, wParam, lParam, SMTO_NORMAL, kAnswerLimitMilliseconds,
+                            &result) == 0) {
         throw RequestError("window did not answer message " + std::to_string(message));
     }
     return static_cast<LRESULT>(result);

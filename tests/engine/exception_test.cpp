@@ -17,10 +17,10 @@ enum class Fault { None, NoMemory, RefusedLock };
 
 // What the next question for the time on a thread other than the main one is answered with, once.
 std::atomic<Fault> nextFault{Fault::None};
-const std::thread::id mainThread = std::this_thread::get_id();
+const std::thread::id kMainThread = std::this_thread::get_id();
 
 void ThrowWhatWasAsked() {
-    if (std::this_thread::get_id() == mainThread) {
+    if (std::this_thread::get_id() == kMainThread) {
         return;
     }
     switch (nextFault.exchange(Fault::None)) {

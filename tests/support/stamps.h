@@ -9,13 +9,13 @@ constexpr size_t kStampLength = 23;
 
 // Whether `text` has the shape of "2026-03-07 09:05:02.047" and nothing else.
 inline bool IsStamp(std::string_view text) {
-    constexpr std::string_view shape = "dddd-dd-dd dd:dd:dd.ddd";
-    if (text.size() != shape.size()) {
+    constexpr std::string_view kShape = "dddd-dd-dd dd:dd:dd.ddd";
+    if (text.size() != kShape.size()) {
         return false;
     }
-    for (size_t index = 0; index < shape.size(); ++index) {
+    for (size_t index = 0; index < kShape.size(); ++index) {
         const bool digit = text[index] >= '0' && text[index] <= '9';
-        if (shape[index] == 'd' ? !digit : text[index] != shape[index]) {
+        if (kShape[index] == 'd' ? !digit : text[index] != kShape[index]) {
             return false;
         }
     }

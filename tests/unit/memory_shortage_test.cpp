@@ -421,7 +421,7 @@ INSTANTIATE_TEST_SUITE_P(Each, FilesInAShortage,
 
 // The steps of a record by themselves, and what an undisturbed record holds.
 TEST(MemoryShortage, DecodingAndComposingThrowNoMemoryOrSucceed) {
-    constexpr LocalTime time = {2026, 3, 7, 9, 5, 2, 47};
+    constexpr LocalTime kTime = {2026, 3, 7, 9, 5, 2, 47};
     for (const SampleMessage& sample : SampleMessages()) {
         SCOPED_TRACE(sample.name);
         const std::wstring whole =
@@ -430,7 +430,7 @@ TEST(MemoryShortage, DecodingAndComposingThrowNoMemoryOrSucceed) {
         std::wstring text;
         const auto compose = [&] {
             DecodeSnmpMessage(sample.octets.data(), sample.octets.size(), bindings);
-            ComposeTrapRecord(time, L"10.1.2.3", bindings, text);
+            ComposeTrapRecord(kTime, L"10.1.2.3", bindings, text);
         };
         const auto forget = [&] {
             bindings.Release();
