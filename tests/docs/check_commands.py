@@ -1,4 +1,4 @@
-"""Checks every command, file and link that the documents show. Usage: check_commands.py NATIVE_BUILD_FOLDER
+"""Checks every command, file, link and package that the documents show. Usage: check_commands.py NATIVE_BUILD_FOLDER
 
 Commands stand in blocks marked ```sh (for this repository) and ```bat (for Windows), and as code in running text and
 tables. Each is held by tests/docs/commands.py. A block that is marked as neither holds no command.
@@ -11,7 +11,7 @@ from functools import partial
 from pathlib import Path
 
 from commands import Refused, hold, hold_windows, text_behind
-from documents import ROOT, documents
+from documents import ROOT, VERSION, documents
 
 SHELL = {"sh"}
 WINDOWS = {"bat"}
@@ -109,8 +109,18 @@ def faults_of_links(document, anchors):
             yield f"{link}: no such heading"
 
 
+def faults_of_versions(document):
+    """Packages of another version than the one that is made now; the change log may speak of older ones."""
+    if document.name == "CHANGELOG.md":
+        return
+    for number, line in enumerate(document.text.splitlines(), 1):
+        for version in re.findall(r"Quillmont-(\d+\.\d+\.\d+)", line):
+            if version != VERSION:
+                yield f"{document.name}:{number}: names a package of {version}, and this is {VERSION}"
+
+
 def faults_of_installing():
-    """Each command of CONTRIBUTING's first table installs what it needs, as the line above the table says."""
+    """Each shell script of CONTRIBUTING's first table installs what it needs, as the line above the table says."""
     for command in re.findall(r"^\| `(\S+\.sh)", (ROOT / "CONTRIBUTING.md").read_text(encoding="utf-8"), re.M):
         script = ROOT / command
         if script.is_file() and "scripts/packages.sh " not in text_behind(script):
@@ -126,6 +136,7 @@ def main():
         held, found = hold_lines(document, build)
         count += held
         faults += [*found, *faults_of_paths(document), *faults_of_links(document, anchors)]
+        faults += faults_of_versions(document)
     assert count > 30, "the documents were not read"
     for fault in faults:
         print(fault)

@@ -7,7 +7,7 @@ import shlex
 import socket
 import subprocess
 
-from documents import ROOT
+from documents import ROOT, VERSION
 
 # Words that only lead to the command behind them.
 LEADS_ON = {"sudo", "nice", "scripts/in_private_network.sh", "scripts/run_on_private_desktop.sh"}
@@ -19,12 +19,12 @@ PLACEHOLDER = re.compile(r"[A-Z_,]+|\d+")
 WINDOWS_ONLY = {
     "netstat -ano -p UDP",
     'tasklist /FI "PID eq 1234"',
-    'start "" /wait Quillmont-1.0.0-setup.exe /S',
+    f'start "" /wait Quillmont-{VERSION}-setup.exe /S',
     r'start "" /wait "C:\Program Files\Quillmont\uninstall.exe" /S _?=C:\Program Files\Quillmont',
     "echo %ERRORLEVEL%",
     r'del "C:\Program Files\Quillmont\uninstall.exe"',
     r'rmdir "C:\Program Files\Quillmont"',
-    "certutil -hashfile Quillmont-1.0.0-setup.exe SHA256",
+    f"certutil -hashfile Quillmont-{VERSION}-setup.exe SHA256",
     "powercfg /change standby-timeout-ac 0",
     'schtasks /Create /TN "Quillmont days" /SC DAILY /ST 00:01 /IT /TR "powershell.exe -NoProfile -ExecutionPolicy'
     r' Bypass -WindowStyle Hidden -File \"%USERPROFILE%\Traps\keep-days.ps1\""',

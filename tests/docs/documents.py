@@ -1,11 +1,13 @@
 """Reads the Markdown documents of the repository: their fenced blocks, their pieces of code, headings and links."""
 
 import re
+import subprocess
 from dataclasses import dataclass
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
 NOT_OURS = {"build", "dist"}
+VERSION = subprocess.check_output([ROOT / "packaging" / "read_version.sh"], text=True).strip()
 
 FENCE = re.compile(r"^```(\w*)\n(.*?)^```$", re.M | re.S)
 SPAN = re.compile(r"`([^`]+)`")
