@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Checks the C++ sources: their shape (clang-format, the wrapping of comments, the length of files), what clang-tidy
-# says of all that ships, or the direction of the includes between folders.
+# Checks the C++ sources: their shape (clang-format, the wrapping of comments and documents, the length of files), what
+# clang-tidy says of all that ships, or the direction of the includes between folders.
 # Usage: scripts/check_style.sh format | tidy BUILD_FOLDER | arrows. Prints how to mend the shape. Ends with 77 where the
 # formatter is not of the version that decides.
 set -euo pipefail
@@ -21,6 +21,19 @@ CheckComments() {
         END { exit faults > 0 }'
 }
 
+# Columns are characters, whatever the locale: the octets that go on with one are not counted. Tables and blocks are as
+# wide as what they hold.
+CheckDocuments() {
+    find . \( -name build -o -name dist -o -name '.?*' \) -prune -o -name '*.md' -print | sort |
+        LC_ALL=C xargs awk -v limit=120 '
+            FNR == 1 { inBlock = 0 }
+            /^ *```/ { inBlock = !inBlock }
+            inBlock || /^ *[|]/ { next }
+            { line = $0; gsub(/[\200-\277]/, "", line) }
+            length(line) > limit { print FILENAME ":" FNR ": longer than " limit " columns: " $0; faults++ }
+            END { exit faults > 0 }'
+}
+
 # CheckLengths LIMIT FILE...
 CheckLengths() {
     local limit=$1
@@ -39,6 +52,10 @@ CheckFormat() {
         echo "To mend it: wrap the whole comment anew, so that its last line holds two words or more."
         return 1
     fi
+    if ! CheckDocuments; then
+        echo "To mend it: wrap the whole paragraph anew."
+        return 1
+    fi
     local sources tools
     readarray -t sources < <(Sources bench config core fuzz mib platform trap ui)
     readarray -t tools < <(find bench fuzz packaging scripts -name '*.py' -o -name '*.sh')
@@ -49,7 +66,7 @@ CheckFormat() {
     local found
     found="$(clang-format --version | sed -n 's/.*version \([0-9]*\).*/\1/p')"
     if [[ $found != "$deciding_formatter" ]]; then
-        echo "Skipped: clang-format $found is here, and $deciding_formatter decides (Debian 12 has it). Comments and lengths are in shape."
+        echo "Skipped: clang-format $found is here, and $deciding_formatter decides (Debian 12 has it). Comments, documents and lengths are in shape."
         return 77
     fi
     if ! Sources "${folders[@]}" | xargs clang-format --dry-run --Werror; then
