@@ -93,7 +93,7 @@ WindowsArguments() {
 # RunTidy COMPILATION_DATABASE FILES
 RunTidy() {
     xargs --max-procs=2 --max-args=4 clang-tidy -p "$1" --quiet --extra-arg=-Wno-unknown-warning-option <<<"$2" \
-        2> >(grep -v 'warnings generated' >&2)
+        2> >(grep -vE 'warnings? generated|Processing file' >&2)
 }
 
 # Only what ships: the tests' own sources would double the time and find nothing that running them does not. What the

@@ -72,7 +72,7 @@ bool OpenSockets() {
 
 // No memory for a thread is no thread.
 template <typename Body>
-WorkerThreadHandle StartWorker(Body body) {
+WorkerThreadHandle StartWorker(const Body& body) {
     try {
         return StartWorkerThread(body);
     } catch (const std::bad_alloc&) {
