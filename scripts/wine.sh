@@ -61,6 +61,7 @@ UsePrefix() {
         CopyPrefix "$1"
     fi
     export WINEPREFIX="$1"
+    prefix_in_use="$1"
 }
 
 # UseTemporaryPrefix: the same with a folder that RemoveTemporaryPrefix deletes. Its windows live inside Wine's own
@@ -85,9 +86,10 @@ RemoveTemporaryPrefix() {
     fi
 }
 
-# Ends every Windows process of the prefix and waits until they are gone.
+# Ends every Windows process of the prefix and waits until they are gone. Not those of a prefix that was the caller's
+# before.
 StopWine() {
-    if [[ -n "${WINEPREFIX:-}" ]]; then
+    if [[ -n "${prefix_in_use:-}" ]]; then
         wineserver -k >/dev/null 2>&1 || true
         wineserver -w >/dev/null 2>&1 || true
     fi

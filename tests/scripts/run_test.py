@@ -65,7 +65,9 @@ def test_a_second_start_beside_an_open_window_is_refused(ready):
         process = ready.start("./run.sh", DISPLAY=display.name)
         try:
             wait_for_line(process, "Quillmont runs until its main window is closed.")
-            code, output = ready.run("./run.sh", DISPLAY=display.name, seconds=AT_ONCE_SECONDS)
+            ready.add_command("wineserver", f'echo "$WINEPREFIX" >>{ready.folder}/ended; exec /usr/bin/wineserver "$@"')
+            code, output = ready.run("./run.sh", DISPLAY=display.name, WINEPREFIX="/other", seconds=AT_ONCE_SECONDS)
+            assert not (ready.folder / "ended").exists(), "it has ended the programs of a prefix that is not its own"
         finally:
             end_session(process)
     assert code == 1
