@@ -89,8 +89,8 @@ def main():
     faults = list_faults(copy.path, arguments.windows, portable, arguments.only)
     if arguments.count is not None:
         faults = random.Random(arguments.seed).sample(faults, min(arguments.count, len(faults)))
-    # Neighbours in one file share the rebuilding of it.
-    faults.sort(key=lambda fault: (fault.path, fault.start))
+    # Neighbours in one file share the rebuilding of it; headers, with all that includes them, come last.
+    faults.sort(key=lambda fault: (fault.path.endswith(".h"), fault.path, fault.start))
     results = Results(arguments.folder / "results.jsonl")
     harmless = Harmless(ROOT / "tests" / "faults" / "harmless.toml")
     wanted = (SURVIVED,) if arguments.again else (None,)
