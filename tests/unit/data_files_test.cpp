@@ -3,11 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
 #include <thread>
 
 #include "platform/files.h"
 #include "platform/folders.h"
+#include "tests/support/lock_waits.h"
 #include "tests/support/scratch_folder.h"
 
 namespace {
@@ -176,21 +176,7 @@ TEST_F(DataFilesTest, OnlyWhatStandsBehindTheOffsetDecidesTheEncoding) {
 // ---- The lock
 
 TEST_F(DataFilesTest, NothingIsWrittenWhileAnotherHoldsTheFileLock) {
-    std::atomic<bool> written{false};
-    std::thread writer;
-    {
-        const std::lock_guard lock(FileLock);
-        writer = std::thread([&] {
-            AppendToFile(file_, L"one");
-            written = true;
-        });
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(100);
-        while (std::chrono::steady_clock::now() < deadline) {
-            ASSERT_FALSE(written || PathExists(file_));
-            std::this_thread::yield();
-        }
-    }
-    writer.join();
+    EXPECT_TRUE(WaitsFor(FileLock, [&] { AppendToFile(file_, L"one"); }));
     EXPECT_EQ(Read(), "one\r\r\n");
 }
 
