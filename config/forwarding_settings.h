@@ -38,5 +38,6 @@ struct ForwardingValues {
 ForwardingValues CopyForwarding();
 
 // Holds from the next datagram on, and as a whole: none in between goes to a target for which forwarding was
-// never on (the first of all is this program itself). May throw std::bad_alloc; nothing has changed then.
+// never on (the first of all, 127.0.0.1 port 162, is this program's own). May throw std::bad_alloc; nothing
+// has changed then.
 void ReplaceForwarding(bool enabled, const std::wstring& ip, ForwardingPort port);

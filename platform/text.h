@@ -10,6 +10,6 @@
 // POSIX: Windows-1252, with its five holes as U+0081, U+008D, U+008F, U+0090 and U+009D.
 void DecodeAnsi(std::string_view octets, std::wstring& text);
 
-// True: *octets holds `text` up to its first zero character. False (octets untouched): the system refused.
+// True: `octets` holds `text` up to its first zero character. False (`octets` untouched): the system refused.
 // Characters that the code page lacks become the system's substitute. POSIX: '?' for everything above U+00FF.
 bool EncodeAnsi(const std::wstring& text, std::string& octets);

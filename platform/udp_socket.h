@@ -1,4 +1,5 @@
-// IPv4 datagram sockets that one thread may close while another receives or sends on them.
+// IPv4 datagram sockets that one thread may close while another receives or sends on them. Only one thread at
+// a time receives or sends: waiting for a datagram and waiting for room may share one event.
 //
 // A socket is shared between the state that lists it and the worker that uses it, and is closed exactly once,
 // by CloseUdpSocket. From then on every call on it answers as closed and the system's handle is never touched
@@ -52,7 +53,7 @@ void RequestReceiveBuffer(UdpSocket& socket, int octets);
 int QueryReceiveBuffer(UdpSocket& socket);
 
 // Takes a datagram that waits in the socket: *size octets of it (what exceeds `capacity` is lost) and its
-// sender, both untouched unless the result is Datagram. Never waits. One receiving thread a socket.
+// sender, both untouched unless the result is Datagram. Never waits.
 ReceiveResult TakeDatagram(UdpSocket& socket, uint8_t* buffer, size_t capacity, size_t* size,
                            Ipv4Endpoint* sender);
 
@@ -64,7 +65,7 @@ bool WaitForDatagram(UdpSocket& socket);
 ReceiveResult ReceiveDatagram(UdpSocket& socket, uint8_t* buffer, size_t capacity, size_t* size,
                               Ipv4Endpoint* sender);
 
-// One attempt. Never waits. One sending thread a socket.
+// One attempt. Never waits.
 SendResult TrySendDatagram(UdpSocket& socket, const Ipv4Endpoint& target, const uint8_t* octets, size_t size);
 
 // Waits until there may be room for a datagram that found none; may return early. False: the waiting is
@@ -74,8 +75,8 @@ bool WaitForRoom(UdpSocket& socket);
 // Both: one datagram, sent as soon as there is room for it. NoRoom: the waiting was ended before.
 SendResult SendDatagram(UdpSocket& socket, const Ipv4Endpoint& target, const uint8_t* octets, size_t size);
 
-// From now on nothing waits for room on this socket: what the system takes at once is still sent. Wakes
-// who waits.
+// From now on nothing waits for room on this socket: what the system takes at once is still sent. Wakes who
+// waits. Not for a socket on which somebody receives.
 void EndWaiting(UdpSocket& socket);
 
 // Releases the port at once and ends the waiting. Harmless when closed already.

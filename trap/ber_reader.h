@@ -38,7 +38,8 @@ inline bool TakeOctets(OctetRange& left, uint64_t count, const uint8_t** octets)
     return true;
 }
 
-// The length whose octets follow `lengthOctet`, the long form's first. False: as below, or cut off.
+// Takes the length whose octets follow `lengthOctet`, which announces how many. False, nothing touched: none,
+// more than four, or cut off.
 bool TakeLongLength(OctetRange& left, uint8_t lengthOctet, uint64_t* length);
 
 // Reads the header at `position` inside [position, end).

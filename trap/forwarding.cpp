@@ -4,7 +4,7 @@
 #include "core/activity_log.h"
 #include "platform/text.h"
 
-void ForwardDatagram(const uint8_t* octets, size_t count, UdpSocket* socket) {
+void ForwardDatagram(const uint8_t* octets, size_t count, UdpSocket* socket, std::string& logLines) {
     if (!ForwardingSettings.forwardingEnabled || socket == nullptr) {
         return;
     }
@@ -19,6 +19,6 @@ void ForwardDatagram(const uint8_t* octets, size_t count, UdpSocket* socket) {
     endpoint.port = static_cast<uint16_t>(target.port);
     const SendResult result = SendDatagram(*socket, endpoint, octets, count);
     if (result == SendResult::Failed || result == SendResult::NoRoom) {
-        LogMessage(L"Forwarding failed (sendto error).");
+        AppendLogLine(L"Forwarding failed (sendto error).", logLines);
     }
 }

@@ -16,6 +16,7 @@ bool StartServer();
 // Closes the two ports and waits for the workers, at most 1500 ms each, the trap thread first. The traps that
 // it holds are recorded and forwarded as far as the line takes them at once: no network can hold up a stop,
 // and what it leaves unsent is a line in the log. A worker that takes longer is let go: it finishes what it
-// holds, finds its sockets closed and ends. Only a file call that hangs under FileLock can make a stop
-// longer, by as long as it hangs, since the stop writes its own lines there.
+// holds, finds its sockets closed, says nothing more of what it could not forward, and ends. Only a file call
+// that hangs under FileLock can make a stop longer, by as long as it hangs, since the stop writes its own
+// lines there.
 void StopServer();

@@ -61,7 +61,7 @@ void AppendAnnouncement(const TrapArrival& trap, TrapWorkspace& workspace) {
     AppendLogLine(workspace.message, workspace.logLines);
 }
 
-// Takes each step for every trap before the next step for any; a trap that was not recorded goes no further.
+// One step for each trap that was recorded; what it throws ends it for that trap alone.
 template <typename Step>
 void ForEachRecorded(std::span<TrapArrival> arrivals, Step step) {
     for (const TrapArrival& trap : arrivals) {
@@ -71,11 +71,12 @@ void ForEachRecorded(std::span<TrapArrival> arrivals, Step step) {
     }
 }
 
-// An empty append would make a file that is missing.
-void AppendWhenAny(const std::wstring& path, std::string_view octets) {
+// Writes what was collected and empties it. An empty append would make a file that is missing.
+void WriteCollected(const std::wstring& path, std::string& octets) {
     if (!octets.empty()) {
         AppendLinesToFile(path, octets);
     }
+    octets.clear();
 }
 
 void ReceiveTraps(UdpSocket& trapSocket, UdpSocket* forwardSocket) {
@@ -98,13 +99,15 @@ void RecordTraps(std::span<TrapArrival> arrivals, UdpSocket* forwardSocket, Trap
     for (TrapArrival& trap : arrivals) {
         trap.recorded = RunGuarded([&] { AppendRecord(trap, workspace); });
     }
-    AppendWhenAny(AppPaths.trapFilePath, workspace.records);
+    WriteCollected(AppPaths.trapFilePath, workspace.records);
 
     ForEachRecorded(arrivals, [&](const TrapArrival& trap) { AppendAnnouncement(trap, workspace); });
-    AppendWhenAny(AppPaths.logFilePath, workspace.logLines);
+    WriteCollected(AppPaths.logFilePath, workspace.logLines);
 
-    ForEachRecorded(
-        arrivals, [&](const TrapArrival& trap) { ForwardDatagram(trap.octets, trap.count, forwardSocket); });
+    ForEachRecorded(arrivals, [&](const TrapArrival& trap) {
+        ForwardDatagram(trap.octets, trap.count, forwardSocket, workspace.logLines);
+    });
+    WriteCollected(AppPaths.logFilePath, workspace.logLines);
 }
 
 void TrapThread(UdpSocket& trapSocket, UdpSocket* forwardSocket) {

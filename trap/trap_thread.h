@@ -18,10 +18,11 @@ struct TrapWorkspace {
     std::string logLines;  // of the turn, as log.txt holds them
 };
 
-// Everything that happens to the traps of one turn once they have arrived. SNMP.txt and log.txt are each
-// opened once, and what they and the wire see is what as many turns of one trap each would give. Memory
-// that runs out for one trap costs that trap, or only its log line, and no other. Throws what a refused
-// FileLock throws.
+// Everything that happens to the traps of one turn once they have arrived. SNMP.txt is opened once and
+// log.txt once, and what they and the wire see is what as many turns of one trap each would give, but that
+// lines about datagrams which could not be forwarded stand behind all other lines of their turn. Memory that
+// runs out for one trap costs that trap, or only its log line or its forwarding, and no other. Throws what a
+// refused FileLock throws.
 void RecordTraps(std::span<TrapArrival> arrivals, UdpSocket* forwardSocket, TrapWorkspace& workspace);
 
 // Body of the worker for UDP 162: records datagrams until its socket is closed or the receiver stops. It

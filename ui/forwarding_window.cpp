@@ -6,6 +6,7 @@
 #include "config/forwarding_settings.h"
 #include "core/activity_log.h"
 #include "core/decimal_text.h"
+#include "core/run_guarded.h"
 #include "platform/windows/windows_headers.h"
 #include "ui/exception_guard.h"
 #include "ui/window_helpers.h"
@@ -85,7 +86,7 @@ int32_t ReadPortField() {
 void SaveForwarding(HWND window) {
     const bool enabled = SendMessageW(ForwardEnabledCheck, BM_GETCHECK, 0, 0) == BST_CHECKED;
     ReplaceForwarding(enabled, ReadIpField(), ReadPortField());
-    SaveConfig();
+    RunGuarded(SaveConfig);  // the settings hold already, and the next lines say so
     LogMessage(L"Forwarding updated.");
     DestroyWindow(window);
 }
@@ -141,7 +142,7 @@ void OpenForwardingWindow() {
     if (!RaiseOrCreate(kForwardingTool, kForwardingControls)) {
         return;
     }
-    FillForwardingControls();
+    RunGuarded(FillForwardingControls);  // shown whatever happens: else its button would have no effect
     ApplyUiFont(ForwardingWindowHandle);
     ShowWindow(ForwardingWindowHandle, SW_SHOW);
 }

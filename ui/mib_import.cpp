@@ -12,6 +12,7 @@
 
 #include "core/activity_log.h"
 #include "core/app_paths.h"
+#include "core/run_guarded.h"
 #include "mib/mib_folder.h"
 #include "platform/files.h"
 #include "platform/folders.h"
@@ -128,7 +129,8 @@ void ImportMibFiles() {
     if (!AskForFiles(openFileDialog, buffer)) {
         return;
     }
-    ImportFiles(ParseOpenFileNames(buffer));
+    // What was copied before memory ran out is loaded all the same.
+    RunGuarded([&buffer] { ImportFiles(ParseOpenFileNames(buffer)); });
     ReloadMibs();
 }
 
@@ -136,6 +138,8 @@ void DeleteAllMibs() {
     if (!ConfirmDeletion()) {
         return;
     }
-    LogMessage(RemoveMibFiles() ? L"All MIB files deleted." : L"Delete MIBs failed.");
+    bool removed = false;
+    RunGuarded([&removed] { removed = RemoveMibFiles(); });
+    LogMessage(removed ? L"All MIB files deleted." : L"Delete MIBs failed.");
     ReloadMibs();
 }

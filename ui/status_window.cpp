@@ -6,6 +6,7 @@
 
 #include "config/forwarding_settings.h"
 #include "core/app_paths.h"
+#include "core/run_guarded.h"
 #include "mib/mib_folder.h"
 #include "mib/name_store.h"
 #include "platform/clock.h"
@@ -226,7 +227,9 @@ void OpenStatusWindow() {
         return;
     }
     ApplyUiFont(StatusWindowHandle);
-    RefreshStatus();
+    // A refresh for which there is no memory leaves texts empty until the next; a window that is never shown
+    // would leave its button without effect.
+    RunGuarded(RefreshStatus);
     SetTimer(StatusWindowHandle, kRefreshTimer, kRefreshMilliseconds, nullptr);
     ShowWindow(StatusWindowHandle, SW_SHOW);
 }

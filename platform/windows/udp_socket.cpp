@@ -50,8 +50,8 @@ struct UdpSocket {
     SystemLock lock;      // guards `handle` while one call uses it
     ScopedSocket handle;  // reset by CloseUdpSocket
 
-    // Set by the system when a datagram waits, or when there is room again after a datagram found none;
-    // resets itself when waited for.
+    // Set by the system when a datagram waits, or when there is room again after a datagram found none, and
+    // once in the beginning; resets itself when waited for.
     const ScopedHandle readyEvent{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
     // Set from the end of the waiting on.
     const ScopedHandle endEvent{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
@@ -83,12 +83,13 @@ ReceiveResult SortReceiveError(int error) {
 
 enum class Wake { Ready, Ended, Refused };
 
-Wake WaitForReady(const UdpSocket& socket) {
+Wake WaitForReady(const UdpSocket& socket, DWORD milliseconds) {
     const HANDLE waits[] = {socket.endEvent.get(), socket.readyEvent.get()};
-    switch (WaitForMultipleObjects(2, waits, FALSE, INFINITE)) {
+    switch (WaitForMultipleObjects(2, waits, FALSE, milliseconds)) {
         case WAIT_OBJECT_0:
             return Wake::Ended;
         case WAIT_OBJECT_0 + 1:
+        case WAIT_TIMEOUT:
             return Wake::Ready;
         default:
             return Wake::Refused;
@@ -166,7 +167,7 @@ ReceiveResult TakeDatagram(UdpSocket& socket, uint8_t* buffer, size_t capacity, 
 }
 
 bool WaitForDatagram(UdpSocket& socket) {
-    return WaitForReady(socket) != Wake::Refused;
+    return WaitForReady(socket, INFINITE) != Wake::Refused;
 }
 
 SendResult TrySendDatagram(UdpSocket& socket, const Ipv4Endpoint& target, const uint8_t* octets,
@@ -186,7 +187,11 @@ SendResult TrySendDatagram(UdpSocket& socket, const Ipv4Endpoint& target, const 
 }
 
 bool WaitForRoom(UdpSocket& socket) {
-    return WaitForReady(socket) == Wake::Ready;
+    // Unlike the one for datagrams, this event is set once and not as long as there is room. Should something
+    // between us and the line ever swallow it, one look a second keeps the trap thread from standing still
+    // for good.
+    constexpr DWORD kLongestSleep = 1000;
+    return WaitForReady(socket, kLongestSleep) == Wake::Ready;
 }
 
 void EndWaiting(UdpSocket& socket) {

@@ -122,16 +122,18 @@ TEST_F(Forwarding, ATargetOnOurOwnPortComesBackWithoutEnd) {
 
 TEST_F(Forwarding, WithoutASocketNothingHappens) {
     const Octets octets = Sample("v2_link_down");
-    ForwardDatagram(octets.data(), octets.size(), nullptr);
-    EXPECT_EQ(CountLogLines(kFailed), 0U);
+    std::string logLines;
+    ForwardDatagram(octets.data(), octets.size(), nullptr, logLines);
+    EXPECT_EQ(logLines, "");
 }
 
 TEST_F(Forwarding, AClosedSocketIsNoFailureToReport) {
     const Octets octets = Sample("v2_link_down");
     const UdpSocketRef closed = OpenUdpSocket();
     CloseUdpSocket(*closed);
-    ForwardDatagram(octets.data(), octets.size(), closed.get());
-    EXPECT_EQ(CountLogLines(kFailed), 0U);
+    std::string logLines;
+    ForwardDatagram(octets.data(), octets.size(), closed.get(), logLines);
+    EXPECT_EQ(logLines, "");
 }
 
 }  // namespace

@@ -369,11 +369,14 @@ TEST_F(Recording, EachTrapIsForwardedInOrderAfterBothWrites) {
     CloseUdpSocket(*forwarder);
 }
 
-TEST_F(Recording, ASendThatFailsIsALineForEachTrapBehindTheTurn) {
+TEST_F(Recording, ASendThatFailsIsALineForEachTrapBehindTheTurnInOneWrite) {
     const UdpSocketRef forwarder = OpenUdpSocket();
     ReplaceForwarding(true, L"255.255.255.255", 9);  // broadcast is refused to an ordinary socket
     std::vector<TrapArrival> arrivals = ArrivalsOf({FindSample("v2_link_down"), FindSample("v1_link_down")});
+    size_t writes = 0;
+    Files.onAppend = [&writes](const std::wstring&, std::string_view) { ++writes; };
     RecordTraps(arrivals, forwarder.get(), workspace_);
+    EXPECT_EQ(writes, 3U) << "the records, their announcements, the failures";
     EXPECT_EQ(LogLines(), (std::vector<std::string>{
                               "  Trap received (10.1.2.3).", "  Trap received (10.1.2.3).",
                               "  Forwarding failed (sendto error).", "  Forwarding failed (sendto error)."}));

@@ -1,11 +1,9 @@
-// Memory that runs out at each request in turn. The global operator new is replaced by linking, hence a
-// program of its own.
+// Memory that runs out at each request of a load, of a decoding, of a turn.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <mutex>
 #include <new>
@@ -24,6 +22,7 @@
 #include "platform/files.h"
 #include "tests/support/mib_tables.h"
 #include "tests/support/sample_messages.h"
+#include "tests/support/scarce_memory.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/stamps.h"
 #include "tests/unit/mib_reference.h"
@@ -33,120 +32,6 @@
 #include "trap/trap_thread.h"
 
 namespace {
-
-// A moment of want, or the end of all memory.
-enum class Shortage { OneRequest, ThatAndAllLater };
-
-constexpr size_t kNone = SIZE_MAX;
-
-// Not atomic: no two threads here ask at the same time.
-size_t requests = 0;
-size_t refusedRequest = kNone;
-Shortage shortage = Shortage::OneRequest;
-
-void* Allocate(size_t size) {
-    const size_t request = requests++;
-    const bool refused =
-        shortage == Shortage::OneRequest ? request == refusedRequest : request >= refusedRequest;
-    return refused ? nullptr : std::malloc(std::max<size_t>(size, 1));
-}
-
-void* AllocateOrThrow(size_t size) {
-    void* memory = Allocate(size);
-    if (memory == nullptr) {
-        throw std::bad_alloc();
-    }
-    return memory;
-}
-
-}  // namespace
-
-// All forms but the over-aligned ones, which nothing here uses: the runtime's own would not always come back
-// to these.
-void* operator new(size_t size) {
-    return AllocateOrThrow(size);
-}
-void* operator new[](size_t size) {
-    return AllocateOrThrow(size);
-}
-void* operator new(size_t size, const std::nothrow_t&) noexcept {
-    return Allocate(size);
-}
-void* operator new[](size_t size, const std::nothrow_t&) noexcept {
-    return Allocate(size);
-}
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete[](void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete(void* memory, size_t) noexcept {
-    std::free(memory);
-}
-void operator delete[](void* memory, size_t) noexcept {
-    std::free(memory);
-}
-void operator delete(void* memory, const std::nothrow_t&) noexcept {
-    std::free(memory);
-}
-void operator delete[](void* memory, const std::nothrow_t&) noexcept {
-    std::free(memory);
-}
-
-namespace {
-
-enum class Outcome { Returned, NoMemory, OtherException };
-
-struct Attempt {
-    Outcome outcome = Outcome::Returned;
-    size_t requests = 0;   // that it made
-    bool refused = false;  // whether it came as far as the refused one
-};
-
-class ScopedShortage {
-  public:
-    ScopedShortage(size_t request, Shortage kind) {
-        requests = 0;
-        shortage = kind;
-        refusedRequest = request;
-    }
-    ScopedShortage(const ScopedShortage&) = delete;
-    ScopedShortage& operator=(const ScopedShortage&) = delete;
-    ~ScopedShortage() { refusedRequest = kNone; }
-};
-
-template <typename Action>
-Attempt Try(const Action& action, size_t request = kNone, Shortage kind = Shortage::OneRequest) {
-    Attempt attempt;
-    const ScopedShortage scope(request, kind);
-    try {
-        action();
-    } catch (const std::bad_alloc&) {
-        attempt.outcome = Outcome::NoMemory;
-    } catch (...) {
-        attempt.outcome = Outcome::OtherException;
-    }
-    attempt.requests = requests;
-    attempt.refused = request < requests;
-    return attempt;
-}
-
-// Calls prepare(), action() and check(attempt, request) for each request of `action` in turn, until it makes
-// fewer. Returns how many were refused.
-template <typename Prepare, typename Action, typename Check>
-size_t RefuseEachRequest(Shortage kind, const Prepare& prepare, const Action& action, const Check& check) {
-    for (size_t request = 0;; ++request) {
-        prepare();
-        const Attempt attempt = Try(action, request, kind);
-        if (!attempt.refused) {
-            EXPECT_EQ(attempt.outcome, Outcome::Returned);
-            return request;
-        }
-        const ::testing::ScopedTrace trace(__FILE__, __LINE__, "refused request " + std::to_string(request));
-        check(attempt, request);
-    }
-}
 
 TEST(MemoryShortage, RefusesWhatItIsToldToRefuse) {
     const auto askTwice = [] {
