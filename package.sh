@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds the program and makes the packages that people download, in dist/: the zip, the installer, SHA256SUMS and the
-# release notes. A fresh Debian 12 machine needs nothing beforehand. Two runs give the same octets, unless
-# QUILLMONT_CERTIFICATE names what to sign them with (packaging/sign.sh).
+# release notes. A fresh Debian 12 or 13 machine needs nothing beforehand. Two runs on one Debian give the same octets,
+# unless QUILLMONT_CERTIFICATE names what to sign them with (packaging/sign.sh).
 # With --check-kit it makes instead the zip that proves the program on a real Windows machine.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds Quillmont, runs it under Wine in a private network and sends it real traps; a fresh Debian 12 machine needs
-# nothing beforehand.
+# Builds Quillmont, runs it under Wine in a private network and sends it real traps; a fresh Debian 12 or 13 machine
+# needs nothing beforehand.
 #
 # With a display its windows stand there until the main window is closed. Without one a virtual display shows them,
 # and pictures of them are saved. Asks nothing, but for what sudo asks of an ordinary user when packages are missing,

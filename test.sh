@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds everything and runs every layer of the tests; a fresh Debian 12 machine needs nothing beforehand.
+# Builds everything and runs every layer of the tests; a fresh Debian 12 or 13 machine needs nothing beforehand.
 # Ends with CTest's summary, and with a code other than 0 when anything failed.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
