@@ -29,7 +29,7 @@ if(WIN32)
   if(NOT CMAKE_HOST_WIN32)
     add_test(NAME windows.second_compiler
         COMMAND /usr/bin/python3 -B ${CMAKE_SOURCE_DIR}/scripts/check_second_compiler.py ${CMAKE_BINARY_DIR})
-    set_tests_properties(windows.second_compiler PROPERTIES TIMEOUT 600 SKIP_RETURN_CODE 77)
+    set_tests_properties(windows.second_compiler PROPERTIES TIMEOUT 1800 SKIP_RETURN_CODE 77)
   endif()
 elseif(QUILLMONT_SANITIZERS STREQUAL "thread")
   set(BUILD tsan)
