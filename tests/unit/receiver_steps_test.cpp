@@ -3,6 +3,7 @@
 // own: no real system shows a wait that is too long, or a socket that it has not got.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <deque>
@@ -17,6 +18,7 @@
 #include "platform/udp_socket.h"
 #include "tests/support/stamps.h"
 #include "tests/support/watched_files.h"
+#include "trap/listener_thread.h"
 #include "trap/receive_loop.h"
 #include "trap/server_control.h"
 #include "trap/server_state.h"
@@ -277,6 +279,34 @@ TEST_F(ReceiverSteps, AWaitThatTheSystemRefusesIsRetriedAsAnErrorIs) {
 TEST_F(ReceiverSteps, AClosedSocketEndsTheReceivingAtOnce) {
     EXPECT_EQ(ReceiveAll(), 0);
     EXPECT_EQ(wanted.steps, Steps());
+}
+
+// ---- UDP 161
+
+// Runs the body of its worker until the socket is closed; returns the lines of each write to log.txt.
+std::vector<ptrdiff_t> RunListener() {
+    std::vector<ptrdiff_t> writes;
+    Files.onAppend = [&](const std::wstring&, std::string_view octets) {
+        writes.push_back(std::count(octets.begin(), octets.end(), '\n'));
+    };
+    UdpSocket socket;
+    ServerState.running = true;
+    ListenerThread(socket);
+    ServerState.running = false;
+    return writes;
+}
+
+constexpr ptrdiff_t kStarted = 1;
+constexpr ptrdiff_t kStopped = 1;
+
+TEST_F(ReceiverSteps, WhatWaitsOn161IsLoggedAtMost256LinesAtATime) {
+    wanted.receptions.assign(600, ReceiveResult::Datagram);
+    EXPECT_EQ(RunListener(), (std::vector<ptrdiff_t>{kStarted, 256, 256, 88, kStopped}));
+}
+
+TEST_F(ReceiverSteps, AnIdle161WritesNothing) {
+    wanted.receptions.assign(3, ReceiveResult::NothingThere);
+    EXPECT_EQ(RunListener(), (std::vector<ptrdiff_t>{kStarted, kStopped}));
 }
 
 }  // namespace
