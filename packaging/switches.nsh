@@ -19,7 +19,7 @@
     _?=FOLDER  runs from the program's own folder, so that it can be waited for; last, and without quotation marks\
     $\r$\n\
     Exit codes: 0 uninstalled, 1 cancelled, 2 the program is in use, 3 a switch is wrong or help was asked for. \
-    After 2 and 3 nothing has changed."
+    After 2 and 3 nothing has been removed."
 
 ; What of the command line has not been read yet, and the word that was read last.
 Var CommandLine
