@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-constexpr int kReceiveBuffer = 8 * 1024 * 1024;  // octets, as Quillmont asks for
+constexpr int kReceiveBuffer = 32 * 1024 * 1024;  // octets, as Quillmont asks for
 
 // Ends the program when UDP 162 is not to be had.
 void BindTrapSocket();

@@ -13,8 +13,8 @@ namespace {
 
 constexpr uint16_t kTrapPort = 162;
 constexpr uint16_t kListenerPort = 161;
-constexpr int kTrapReceiveBuffer = 8 * 1024 * 1024;  // octets: what a storm may bring during one record
-constexpr uint32_t kLongestWait = 1500;              // milliseconds, for each worker
+constexpr int kTrapReceiveBuffer = 32 * 1024 * 1024;  // octets: what a storm may bring before it is read
+constexpr uint32_t kLongestWait = 1500;               // milliseconds, for each worker
 
 void CloseSocketField(UdpSocketRef* socket) {
     if (*socket) {

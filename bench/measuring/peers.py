@@ -18,7 +18,7 @@ from measuring.places import native_tool, windows_tool
 from measuring.receivers import Receiver, UnderWine
 
 # What Quillmont asks for.
-BUFFER = 8 * 1024 * 1024
+BUFFER = 32 * 1024 * 1024
 # What a floor program writes for a trap of two bindings: as many octets as Quillmont.
 RECORD_OCTETS = 159
 LOG_LINE_OCTETS = len("2026-03-07 09:05:02.047  Trap received (127.0.0.1).") + len(LINE_END)

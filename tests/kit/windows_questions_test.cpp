@@ -31,7 +31,7 @@ TEST_F(WindowsQuestions, TwoProgramsThatBothAskForItShareAPort) {
     CloseUdpSocket(*second);
 }
 
-TEST_F(WindowsQuestions, AReceiveBufferOfEightMegabytesIsGranted) {
+TEST_F(WindowsQuestions, AReceiveBufferOfThirtyTwoMegabytesIsGranted) {
     const UdpSocketRef socket = OpenUdpSocket();
     Fact("receive buffer without asking: " + std::to_string(QueryReceiveBuffer(*socket)));
     for (const int megabytes : {8, 32, 64}) {
@@ -39,19 +39,19 @@ TEST_F(WindowsQuestions, AReceiveBufferOfEightMegabytesIsGranted) {
         Fact("receive buffer asked for " + std::to_string(megabytes) +
              " MiB: " + std::to_string(QueryReceiveBuffer(*socket)));
     }
-    RequestReceiveBuffer(*socket, 8 * 1024 * 1024);
+    RequestReceiveBuffer(*socket, 32 * 1024 * 1024);
     EXPECT_GT(QueryReceiveBuffer(*socket), 0);
     CloseUdpSocket(*socket);
 }
 
 // How many datagrams a megabyte of buffer holds is the system's own bookkeeping.
-TEST_F(WindowsQuestions, WhatEightMegabytesHold) {
+TEST_F(WindowsQuestions, WhatThirtyTwoMegabytesHold) {
     const UdpSocketRef receiver = OpenUdpSocket();
     uint16_t port = 41000;
     while (!BindToAllAddresses(*receiver, port)) {
         ++port;
     }
-    RequestReceiveBuffer(*receiver, 8 * 1024 * 1024);
+    RequestReceiveBuffer(*receiver, 32 * 1024 * 1024);
     const UdpSocketRef sender = OpenUdpSocket();
     const std::string small(150, 'x');
     const auto* octets = reinterpret_cast<const uint8_t*>(small.data());
@@ -65,7 +65,7 @@ TEST_F(WindowsQuestions, WhatEightMegabytesHold) {
     while (TakeDatagram(*receiver, buffer, sizeof buffer, &size, &from) == ReceiveResult::Datagram) {
         ++held;
     }
-    Fact("datagrams of 150 octets that 8 MiB hold: " + std::to_string(held));
+    Fact("datagrams of 150 octets that 32 MiB hold: " + std::to_string(held));
     EXPECT_GT(held, 0U);
     CloseUdpSocket(*receiver);
     CloseUdpSocket(*sender);

@@ -164,7 +164,7 @@ TEST_F(ReceiverSteps, AStartOpensBindsAndStartsEachInItsTurn) {
     EXPECT_TRUE(StartServer());
     EXPECT_EQ(wanted.steps,
               (Steps{"log Starting server...", "open socket 1", "open socket 2", "bind socket 2 to 162",
-                     "ask for 8388608 octets for socket 2", "open socket 3", "bind socket 3 to 161",
+                     "ask for 33554432 octets for socket 2", "open socket 3", "bind socket 3 to 161",
                      "start worker 1 for a receiver that runs", "start worker 2 for a receiver that runs",
                      "button: running", "log Server started.", "repaint"}));
 }
@@ -213,7 +213,7 @@ TEST_F(ReceiverSteps, APort161ThatIsTakenLeavesOneWorkerToStartAndToWaitFor) {
                                    "open socket 1",
                                    "open socket 2",
                                    "bind socket 2 to 162",
-                                   "ask for 8388608 octets for socket 2",
+                                   "ask for 33554432 octets for socket 2",
                                    "open socket 3",
                                    "bind socket 3 to 161",
                                    "close socket 3",
