@@ -163,7 +163,6 @@ void Descend(RowStates& states, Foothold foothold, std::vector<size_t>& way) {
         RowState& state = states[way.back()];
         if (oid.empty() || ++foothold.steps > kMaxParentSteps) {
             state.stage = RowState::Unresolvable;
-            oid.clear();
             continue;
         }
         oid.push_back(L'.');

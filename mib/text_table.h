@@ -6,7 +6,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <new>
 #include <utility>
 #include <vector>
 
@@ -57,8 +56,9 @@ class TextTable {
     void Clear() { *this = TextTable(); }
 
   private:
-    static constexpr size_t kFirstSlotCount = 16;  // counts are powers of two
-    static constexpr size_t kMaxSlotCount = size_t{1} << 31;
+    // Counts are powers of two. They need no bound: the pool has no references left for so many keys that
+    // half of 32 bits would not number their slots.
+    static constexpr size_t kFirstSlotCount = 16;
 
     // A slot holds the number of its row in the low bits, as many as number the slots, and above them the
     // bits of the hash that do not choose the place. At most three quarters of the slots are taken, so no row
@@ -76,9 +76,6 @@ class TextTable {
     }
 
     void SetSlotCount(size_t count) {
-        if (count > kMaxSlotCount) {
-            throw std::bad_alloc();
-        }
         std::vector<uint32_t>(count, kFree).swap(slots_);
         for (size_t row = 0; row < rows_.size(); ++row) {
             TakeSlot(TextKey(rows_[row].key).hash, row);

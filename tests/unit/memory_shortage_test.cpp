@@ -108,6 +108,26 @@ TEST(MemoryShortage, LoadOfAWideTextLeavesTheTablesWhole) {
     TestLoadsOf(std::wstring(text.begin(), text.end()));
 }
 
+TEST(MemoryShortage, TableGrowsWhenMoreThanThreeQuartersOfItsSlotsWouldBeTaken) {
+    const std::lock_guard lock(MibStoreLock);
+    ClearNameStore();
+    {
+        TextTable<int> table;
+        for (int row = 1; row <= 97; ++row) {
+            const PooledText key = KeepText(L"name" + std::to_wstring(row));
+            const size_t requests = Try([&] { table.Add(key, row); }).requests;
+            // The rows' own memory is never used up at any of these.
+            if (row == 12 || row == 24 || row == 48 || row == 96) {
+                EXPECT_EQ(requests, 0U) << row;
+            }
+            if (row == 13 || row == 25 || row == 49 || row == 97) {
+                EXPECT_EQ(requests, 1U) << row;
+            }
+        }
+    }
+    ClearNameStore();
+}
+
 // ---- The folder and the receiver, which write files
 
 class FilesInAShortage : public testing::TestWithParam<Shortage> {
@@ -328,6 +348,23 @@ TEST(MemoryShortage, DecodingAndComposingThrowNoMemoryOrSucceed) {
         });
         EXPECT_EQ(text, whole);
     }
+}
+
+TEST(MemoryShortage, AStormOfOneTrapAsksForMemoryOnlyAtItsFirst) {
+    const Octets& trap = FindSample("v2_eight_bindings").octets;
+    VarbindList bindings;
+    std::wstring text;
+    const auto compose = [&] {
+        DecodeSnmpMessage(trap.data(), trap.size(), bindings);
+        ComposeTrapRecord({2026, 3, 7, 9, 5, 2, 47}, L"10.1.2.3", bindings, text);
+    };
+    EXPECT_GT(Try(compose).requests, 0U);
+    const Attempt storm = Try([&] {
+        for (int more = 0; more < 100; ++more) {
+            compose();
+        }
+    });
+    EXPECT_EQ(storm.requests, 0U);
 }
 
 }  // namespace

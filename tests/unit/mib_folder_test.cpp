@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -90,6 +91,22 @@ TEST_F(MibFolder, LoadNamesWhatTheFilesDefine) {
     EXPECT_EQ(NameOf(L"1.3.6.1.4.1.77"), L"demo");
     EXPECT_EQ(NameOf(L"1.3.6.1.4.1.77.1"), L"demoName");
     EXPECT_EQ(CountOidNames(), 2);
+}
+
+// The tables stay as they are until the next load: what they grew ahead of it is given back.
+TEST_F(MibFolder, LoadKeepsNoRoomForRowsThatDidNotCome) {
+    std::string octets;
+    for (int number = 0; number < 100; ++number) {
+        const std::string id = std::to_string(number);
+        octets += "name" + id + " OBJECT-TYPE\n::= { mgmt " + id + " }\n";
+    }
+    WriteMib(L"a.mib", octets);
+    LoadMibFolder();
+    const std::lock_guard lock(MibStoreLock);
+    EXPECT_EQ(PendingDefinitions.Count(), 100U);
+    EXPECT_EQ(PendingDefinitions.Rows().capacity(), 100U);
+    EXPECT_EQ(NameOidMap.Rows().capacity(), 100U);
+    EXPECT_EQ(OidNameMap.Rows().capacity(), 100U);
 }
 
 TEST_F(MibFolder, LoadLogsTheCountInOneLine) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <string>
 #include <thread>
 #include <vector>
@@ -197,13 +198,22 @@ TEST_F(NameStore, ResolvingAllKeepsTheSameLimitInEitherOrder) {
 }
 
 TEST_F(NameStore, LimitCountsFromTheNearestKnownName) {
-    DefineChain(L"iso", 100);
+    DefineChain(L"iso", 105);
     StoreNamedOid(L"d40", L"1.2");
     ResolveAll();
     EXPECT_NE(OidOf(L"d39"), L"");
     EXPECT_EQ(OidOf(L"d40"), L"1.2");
     EXPECT_EQ(OidOf(L"d41"), L"1.2.41");
-    EXPECT_NE(OidOf(L"d100"), L"");
+    EXPECT_NE(OidOf(L"d104"), L"") << "64 below d40";
+    EXPECT_EQ(OidOf(L"d105"), L"");
+}
+
+TEST_F(NameStore, LimitCountsFromABuiltinNameThatAFileDefinesToo) {
+    StoreDefinition(L"iso", L"nobody", 1);
+    DefineChain(L"iso", 65);
+    ResolveAll();
+    EXPECT_NE(OidOf(L"d64"), L"");
+    EXPECT_EQ(OidOf(L"d65"), L"");
 }
 
 TEST_F(NameStore, ResolvingAllGivesWhatResolvingEachGives) {
@@ -303,6 +313,20 @@ TEST_F(NameStore, ParentsKeepTheirTextWhateverWasStoredBefore) {
     EXPECT_EQ(DefinitionOf(L"index"), (Definition{L"entry", 1}));
     EXPECT_EQ(DefinitionOf(L"value"), (Definition{L"entry", 2}));
     EXPECT_EQ(DefinitionOf(L"last"), (Definition{L"other", 2}));
+}
+
+// A parent that stands in another file is no key of the table yet.
+TEST_F(NameStore, DefinitionsThatFollowOneAnotherShareTheTextOfTheirParent) {
+    const auto parentOf = [](std::wstring_view name) {
+        return PendingDefinitions.Find(name)->value.parent.reference;
+    };
+    StoreDefinition(L"before", L"elsewhere", 1);
+    StoreDefinition(L"column1", L"entry", 1);
+    StoreDefinition(L"column2", L"entry", 2);
+    EXPECT_EQ(parentOf(L"column2"), parentOf(L"column1"));
+    StoreDefinition(L"before", L"table", 7);
+    StoreDefinition(L"behind", L"table", 8);
+    EXPECT_EQ(parentOf(L"behind"), parentOf(L"before")) << "also behind one that was replaced";
 }
 
 TEST_F(NameStore, OfTwoDefinitionsOfOneIdentifierTheFirstStoredGivesTheName) {
@@ -407,6 +431,35 @@ TEST(TextPool, HoldsTextsOfEveryLengthAroundABlock) {
     for (size_t place = 0; place < texts.size(); ++place) {
         EXPECT_TRUE(kept[place].View() == texts[place]) << texts[place].size();
     }
+}
+
+TEST(TextPool, EachTextTakesItsCharactersAndEightOctets) {
+    const FreshNameStore store;
+    const uint32_t first = KeepText(L"some text").reference;
+    const uint32_t second = KeepText(L"more").reference;
+    EXPECT_EQ(second - first, 9U + 8 / sizeof(wchar_t));
+    EXPECT_EQ(KeepText(L"x").reference - second, 4U + 8 / sizeof(wchar_t));
+}
+
+TEST(TextPool, ClearingItGivesThePlacesBack) {
+    const FreshNameStore store;
+    const uint32_t first = KeepText(L"some text").reference;
+    KeepText(L"more");
+    ClearNameStore();
+    EXPECT_EQ(KeepText(L"other text").reference, first);
+}
+
+// Of more characters than there are references, or than are left; nobody looks at any of them.
+TEST(TextPool, TextBeyondTheRangeOfAReferenceIsRefused) {
+    const FreshNameStore store;
+    constexpr size_t kReferences = size_t{0xFFFF} << 16;
+    TextKey key(L"x");
+    key.text = std::wstring_view(key.text.data(), kReferences);
+    EXPECT_THROW(KeepText(key), std::bad_alloc) << "there is no room for its length";
+    const PooledText kept = KeepText(L"kept");
+    key.text = std::wstring_view(key.text.data(), kReferences - 8 / sizeof(wchar_t));
+    EXPECT_THROW(KeepText(key), std::bad_alloc) << "what is left is one block short";
+    EXPECT_EQ(KeepText(L"x").reference - kept.reference, 4U + 8 / sizeof(wchar_t)) << "nothing was added";
 }
 
 TEST(TextPool, EmptyTextTakesNoPlace) {
