@@ -9,9 +9,8 @@ using namespace std::string_view_literals;
 
 namespace {
 
-// What a line holds besides the four texts of its binding: "---> [", number, "] ", " (", ")", "  ", " = ",
-// line end.
-constexpr size_t kMostFrameCharacters = 6 + kMaxDecimalDigits + 2 + 2 + 1 + 2 + 3 + 2;
+// What a line holds besides its number and the four texts of its binding.
+constexpr std::wstring_view kFrame = L"---> []  ()   = \r\n";
 
 wchar_t* Write(wchar_t* out, std::wstring_view text) {
     return std::copy(text.begin(), text.end(), out);
@@ -21,7 +20,7 @@ wchar_t* Write(wchar_t* out, std::wstring_view text) {
 // piece takes.
 void AppendBindingLine(std::wstring& record, size_t number, const VarbindRecord& binding) {
     const size_t start = record.size();
-    record.resize(start + kMostFrameCharacters + binding.oid.size() + binding.name.size() +
+    record.resize(start + kFrame.size() + kMaxDecimalDigits + binding.oid.size() + binding.name.size() +
                   binding.type.size() + binding.value.size());
     wchar_t* out = Write(record.data() + start, L"---> ["sv);
     out = Write(WriteDecimal(out, number), L"] "sv);

@@ -250,8 +250,8 @@ TEST_F(TrapTurns, NoteTheLatestArrivalAsItIsTaken) {
     EXPECT_EQ(CopyLastTrapSender(), L"127.0.0.1:162");
 }
 
-TEST_F(TrapTurns, AreFullAtTheirNumberOfDatagrams) {
-    for (size_t taken = 0; taken < TrapTurn::kMostArrivals; ++taken) {
+TEST_F(TrapTurns, AreFullAt256Datagrams) {
+    for (int taken = 0; taken < 256; ++taken) {
         Take(0, 0);
     }
     EXPECT_TRUE(turn_->Room().empty());
@@ -330,6 +330,35 @@ TEST_F(Recording, ATurnOpensEachFileOnce) {
     EXPECT_EQ(writes, (std::vector<std::wstring>{AppPaths.trapFilePath, AppPaths.logFilePath}));
 }
 
+TEST_F(Recording, EachTrapIsRecordedAndAnnouncedWithItsOwnSender) {
+    std::vector<TrapArrival> arrivals = ArrivalsOf({FindSample("v2_empty_pdu"), FindSample("v2_empty_pdu")});
+    arrivals[0].sender.address = kLoopback;
+    RecordTraps(arrivals, nullptr, workspace_);
+    const std::string octets = TrapFile();
+    EXPECT_LT(octets.find("FROM: 127.0.0.1\r"), octets.find("FROM: 10.1.2.3\r"));
+    EXPECT_EQ(LogLines(),
+              (std::vector<std::string>{"  Trap received (127.0.0.1).", "  Trap received (10.1.2.3)."}));
+}
+
+// As when FileLock is refused, once with the records and once with the lines.
+TEST_F(Recording, WhatAWriteThrowsCostsItsTurnAndLeavesNothingToTheNext) {
+    for (const std::wstring& refused : {AppPaths.trapFilePath, AppPaths.logFilePath}) {
+        Files.Reset();
+        Files.onAppend = [&refused](const std::wstring& path, std::string_view) {
+            if (path == refused) {
+                throw std::bad_alloc();
+            }
+        };
+        std::vector<TrapArrival> lost = ArrivalsOf({FindSample("v1_link_down")});
+        EXPECT_THROW(RecordTraps(lost, nullptr, workspace_), std::bad_alloc);
+        Files.Reset();
+        std::vector<TrapArrival> next = ArrivalsOf({FindSample("v2_link_down")});
+        RecordTraps(next, nullptr, workspace_);
+        EXPECT_EQ(TrapFile(), OnDisk(FindSample("v2_link_down")));
+        EXPECT_EQ(LogLines(), std::vector<std::string>{"  Trap received (10.1.2.3)."});
+    }
+}
+
 TEST_F(Recording, NothingToRecordMakesNoFile) {
     RecordTraps({}, nullptr, workspace_);
     EXPECT_FALSE(Files.Has(AppPaths.trapFilePath));
@@ -406,6 +435,23 @@ TEST_F(Recording, AGiantsMemoryIsGivenBackAndAnOrdinaryTurnsIsKept) {
     RecordTraps(turn, nullptr, workspace_);
     EXPECT_LT(workspace_.records.capacity(), 100U);
     EXPECT_LT(workspace_.record.capacity(), 100U);
+    EXPECT_EQ(workspace_.bindings.begin(), nullptr) << "no list is kept either";
+}
+
+TEST_F(Recording, AGiantIsWhatDoesNotFitIntoOneEthernetFrame) {
+    const auto trapOf = [](size_t size) {
+        const auto build = [](size_t text) {
+            return EncodeV2Trap({{"1.3.6.1.4.1.1", EncodeOctetString(std::string(text, 'x'))}});
+        };
+        return build(1000 + size - build(1000).size());
+    };
+    for (const size_t size : {1500U, 1501U}) {
+        const Octets octets = trapOf(size);
+        ASSERT_EQ(octets.size(), size);
+        std::vector<TrapArrival> turn = {{octets.data(), octets.size(), kSender, kTime}};
+        RecordTraps(turn, nullptr, workspace_);
+        EXPECT_EQ(workspace_.records.capacity() > 100, size == 1500) << size;
+    }
 }
 
 // ---- UDP 161

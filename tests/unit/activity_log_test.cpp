@@ -22,6 +22,7 @@ TEST(AppendTimestamp, FieldsArePaddedWithZeros) {
     EXPECT_EQ(Stamp({2026, 12, 31, 23, 59, 59, 999}), L"2026-12-31 23:59:59.999");
     EXPECT_EQ(Stamp({1, 1, 1, 0, 0, 0, 0}), L"0001-01-01 00:00:00.000");
     EXPECT_EQ(Stamp({2026, 3, 7, 9, 5, 2, 7}), L"2026-03-07 09:05:02.007");
+    EXPECT_EQ(Stamp({}), L"0000-00-00 00:00:00.000") << "a time that nobody has read yet";
 }
 
 TEST(AppendTimestamp, WiderValuesAreNotCut) {

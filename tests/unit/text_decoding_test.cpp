@@ -130,8 +130,10 @@ TEST(DecodeUtf8, OneWrongOctetIsFoundAtAnyDistance) {
         for (size_t at = 0; at < size; ++at) {
             std::string octets(size, 'x');
             EXPECT_EQ(DecodeStrictly(octets), std::wstring(size, L'x'));
-            octets[at] = '\xE9';
-            EXPECT_EQ(DecodeStrictly(octets), L"(not UTF-8)") << at << " of " << size;
+            for (const char wrong : {'\xE9', '\x80', '\xFF'}) {
+                octets[at] = wrong;
+                EXPECT_EQ(DecodeStrictly(octets), L"(not UTF-8)") << at << " of " << size;
+            }
         }
     }
 }

@@ -49,10 +49,10 @@ TEST(ComposeTrapRecord, MissingValueEndsInABlank) {
 }
 
 TEST(ComposeTrapRecord, NumbersAreDecimalWithoutPadding) {
-    const std::wstring record = Compose(std::vector<VarbindRecord>(123, {L"1.3", {}, L"NULL", L"NULL"}));
-    EXPECT_NE(record.find(L"\r\n---> [9] 1.3  NULL = NULL\r\n---> [10] 1.3  NULL = NULL\r\n"),
+    const std::wstring record = Compose(std::vector<VarbindRecord>(123, {L"1.3", L"a", L"NULL", L"NULL"}));
+    EXPECT_NE(record.find(L"\r\n---> [9] 1.3 (a)  NULL = NULL\r\n---> [10] 1.3 (a)  NULL = NULL\r\n"),
               std::wstring::npos);
-    EXPECT_TRUE(record.ends_with(L"\r\n---> [123] 1.3  NULL = NULL\r\n\r\n"));
+    EXPECT_TRUE(record.ends_with(L"\r\n---> [123] 1.3 (a)  NULL = NULL\r\n\r\n"));
 }
 
 TEST(ComposeTrapRecord, TextsAreTakenAsTheyAre) {
