@@ -15,7 +15,7 @@ from pathlib import Path
 _JUDGES_UNBUILT = re.compile(r"docs\.")
 _NO_JUDGES = re.compile(r"packages")
 
-# The sources whose tests are not called like them.
+# The sources whose tests are not called like them, and those with other tests to be asked before these.
 _TESTED_BY = {
     "utf8": ["text_decoding"],
     "text": ["text_decoding"],
@@ -27,13 +27,13 @@ _TESTED_BY = {
     "mib_folder": ["file_layer"],
     "mib_text": ["file_layer"],
     "text_pool": ["name_store"],
-    "text_table": ["name_store"],
+    "text_table": ["name_store", "memory"],
     "ipv4_text": ["trap_record", "snmp_message"],
-    "varbind_list": ["trap_record", "snmp_message"],
+    "varbind_list": ["trap_record", "snmp_message", "memory"],
     "receive_loop": ["receiver_steps", "turn", "trap_reception", "posix_fault", "exception"],
-    "listener_thread": ["listener"],
-    "server_control": ["receiver_steps"],
-    "trap_thread": ["trap_reception", "turn", "exception"],
+    "listener_thread": ["receiver_steps", "turn", "listener"],
+    "server_control": ["receiver_steps", "server_control"],
+    "trap_thread": ["turn", "trap_reception", "exception", "memory"],
     "trap_turn": ["turn"],
     "forwarding": ["slow_line"],
     "udp_socket": ["slow_line"],
@@ -94,11 +94,14 @@ def read_layers(build):
 def own_tests(source, tree, layers):
     """The layers, each with a GoogleTest filter or None, that are there for this source file: asked first."""
     stem = Path(source).stem
-    names = [stem, *_TESTED_BY.get(stem, [])]
+    known = _TESTED_BY.get(stem, [])
+    names = known if stem in known else [stem, *known]
     for name in names:
-        for layer in layers:
-            if layer.name.split(".")[-1] in (f"{name}_test", name):
-                yield layer, None
+        called_so = [layer for layer in layers if layer.name.split(".")[-1] in (f"{name}_test", name)]
+        for layer in called_so:
+            yield layer, None
+        if any(layer.gtest for layer in called_so):
+            continue  # the tests of that name are a program of their own
         for path in sorted((tree / "tests").glob(f"*/{name}_test.cpp")):
             suites = re.findall(r"^\s*(?:TYPED_)?TEST(?:_[FP])?\((\w+)\s*,", path.read_text(), re.MULTILINE)
             patterns = ":".join(f"{suite}.*:*/{suite}.*:{suite}/*" for suite in dict.fromkeys(suites))

@@ -119,7 +119,7 @@ def swap_statements(source):
 
 def _are_independent(one, other):
     """Whether both only set a variable, and neither looks at the other's."""
-    sets = [re.match(r"([\w.:>-]+)\s*=\s", statement) for statement in (one, other)]
+    sets = [re.match(r"(\*?[\w.:>-]+)\s*=\s", statement) for statement in (one, other)]
     return all(sets) and sets[0][1] not in other and sets[1][1] not in one
 
 

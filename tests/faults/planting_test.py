@@ -41,6 +41,7 @@ def planted(text, kind):
         ("order", "First();\nSecond(2);", ["Second(2); First();"]),
         ("order", "First();\nif (a) {\n}\nSecond(2);", []),
         ("order", "one = First();\ntwo = Second();\nthree = two;", ["three = two; two = Second();"]),
+        ("order", "*one = {};\n*two = -1;", []),
         ("branch", "if (a == b) {", ["if (!(a == b)) {", "if (true) {", "if (false) {"]),
         ("branch", "while (Next()) {", ["while (!(Next())) {", "while (false) {"]),
         ("choice", "x = on ? L1(1, 2) : std::min(a, b);", ["x = on ? std::min(a, b) : L1(1, 2);"]),
