@@ -317,7 +317,8 @@ TEST_F(Figures, TrapsASecond) {
         SendDatagram(*socket, {kLoopback, 162}, trap.data(), trap.size());
     }
     const ULONGLONG sentAfter = GetTickCount64() - start;
-    // Until nothing has come for a second.
+    EXPECT_TRUE(WaitForText(kLog, "Trap received"));
+    // Until nothing has come for a second. A machine that pauses longer makes the figure smaller, no failure.
     size_t recorded = 0;
     ULONGLONG last = GetTickCount64();
     ULONGLONG lastGrowth = last;
@@ -332,8 +333,9 @@ TEST_F(Figures, TrapsASecond) {
     CloseUdpSocket(*socket);
     Fact(std::to_string(kSent) + " traps back to back in " + std::to_string(sentAfter) + " ms: " +
          std::to_string(recorded) + " recorded within " + std::to_string(lastGrowth - start) + " ms");
-    EXPECT_EQ(CountOf(ReadDataFile(kTraps), "FROM: "), recorded);
-    EXPECT_GT(recorded, 0U);
+    EXPECT_TRUE(WaitUntil([] {
+        return CountOf(ReadDataFile(kTraps), "FROM: ") == CountOf(ReadDataFile(kLog), "Trap received");
+    }));
 }
 
 TEST_F(Figures, OpeningTheMonitorWithTenMegabytes) {
