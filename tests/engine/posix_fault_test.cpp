@@ -173,6 +173,24 @@ TEST_F(PosixFaults, APipeNamedLikeAMibFileIsNotOpened) {
     EXPECT_EQ(LogLines().back(), "MIBs loaded. OID mappings: 1");
 }
 
+std::string MaskStamp(std::string record) {
+    return record.replace(0, std::min(kStampLength, record.size()), std::min(kStampLength, record.size()),
+                          '#');
+}
+
+// Checks that `octets`, what one process wrote, are whole records and at most one cut one at the end. Returns
+// whether there is a cut one.
+bool CheckRecordsOfOneRun(std::string_view octets, const std::string& expected) {
+    size_t at = 0;
+    for (; at + expected.size() <= octets.size(); at += expected.size()) {
+        EXPECT_TRUE(IsStamp(octets.substr(at, kStampLength)));
+        EXPECT_EQ(MaskStamp(std::string(octets.substr(at, expected.size()))), expected);
+    }
+    const std::string rest(octets.substr(at));
+    EXPECT_EQ(MaskStamp(rest), expected.substr(0, rest.size()));
+    return !rest.empty();
+}
+
 // A tmpfs of a few pages over the data folder: a disk that is soon full. The mount lives in a namespace of
 // the calling thread and of those that it starts.
 class FullDisk : public PosixFaults {
@@ -204,6 +222,12 @@ class FullDisk : public PosixFaults {
         EXPECT_FALSE(filler.good()) << "the disk is larger than thought";
     }
 
+    // Leaves room for a few pages, which a file that exists or is made anew may take.
+    void FillDiskExcept(size_t octets) const {
+        FillDisk();
+        fs::resize_file(folder_ + "/filler", fs::file_size(folder_ + "/filler") - octets);
+    }
+
     void EmptyDisk() const { fs::remove(folder_ + "/filler"); }
 
   private:
@@ -230,6 +254,37 @@ TEST_F(FullDisk, ItCostsWhatDoesNotFitAndTheReceiverGoesOnWhenThereIsRoomAgain) 
     EXPECT_EQ(records.find(first), kStampLength + std::string("       FROM: 127.0.0.1\r\r\n").size());
     EXPECT_EQ(records.rfind(last), records.size() - last.size());
     EXPECT_LT(records.size(), 200 * first.size()) << "the disk was never full";
+}
+
+// The worker is held up by the lock that its lookups need, so that all but the first wait together and are
+// written together.
+TEST_F(FullDisk, InTheMiddleOfATurnItCutsTheRecordThatNoLongerFitsAndAllAreForwarded) {
+    constexpr size_t kTraps = 100;
+    const Octets& trap = Sample("v2_link_down");
+    const std::string record = std::string(kStampLength, '#') + "       FROM: 127.0.0.1\r\r\n" +
+                               ExpectedLines("v2_link_down") + "\r\r\n\r\r\n";
+    ASSERT_TRUE(StartServer());
+    FillDiskExcept(size_t{16} << 10);
+    {
+        const std::lock_guard holdUp(MibStoreLock);
+        for (size_t sent = 0; sent < kTraps; ++sent) {
+            client_.Send(trap);
+        }
+    }
+    for (size_t received = 0; received < kTraps; ++received) {
+        ASSERT_EQ(target_.Receive(), trap);
+    }
+    const std::string fitted = TrapFile();
+    EXPECT_TRUE(CheckRecordsOfOneRun(fitted, record)) << "nothing was cut";
+    EXPECT_GT(fitted.size(), size_t{8} << 10) << "what there was room for was not used";
+    EXPECT_LT(fitted.size(), kTraps * record.size()) << "the disk was never full";
+    EmptyDisk();
+    ExpectTrapsAreStillHandled();
+    StopServer();
+    const std::string all = TrapFile();
+    ASSERT_EQ(all.size(), fitted.size() + record.size());
+    EXPECT_EQ(all.substr(0, fitted.size()), fitted);
+    EXPECT_FALSE(CheckRecordsOfOneRun(std::string_view(all).substr(fitted.size()), record));
 }
 
 TEST_F(FullDisk, SettingsSavedOnAFullDiskAreWhatFitted) {
@@ -274,24 +329,6 @@ class Killed : public EngineTest {
         EXPECT_EQ(waitpid(child, nullptr, 0), child);
     }
 };
-
-std::string MaskStamp(std::string record) {
-    return record.replace(0, std::min(kStampLength, record.size()), std::min(kStampLength, record.size()),
-                          '#');
-}
-
-// Checks that `octets`, what one process wrote, are whole records and at most one cut one at the end. Returns
-// whether there is a cut one.
-bool CheckRecordsOfOneRun(std::string_view octets, const std::string& expected) {
-    size_t at = 0;
-    for (; at + expected.size() <= octets.size(); at += expected.size()) {
-        EXPECT_TRUE(IsStamp(octets.substr(at, kStampLength)));
-        EXPECT_EQ(MaskStamp(std::string(octets.substr(at, expected.size()))), expected);
-    }
-    const std::string rest(octets.substr(at));
-    EXPECT_EQ(MaskStamp(rest), expected.substr(0, rest.size()));
-    return !rest.empty();
-}
 
 TEST_F(Killed, FiftyTimesInAStormItCutsAtMostTheRecordInFlightAndTheNextStartAppendsBehind) {
     constexpr int kKills = 50;
