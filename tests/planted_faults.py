@@ -5,6 +5,7 @@ touches, runs the layers that should see it, cheapest first, and prints the faul
     tests/planted_faults.py --only trap/ --count 50    fifty faults of that folder, the same ones each time
     tests/planted_faults.py                            all faults of the portable code; an hour or two
     tests/planted_faults.py --windows --count 100      of the windows, win_main.cpp and the Windows side of the seam
+    tests/planted_faults.py --windows --own ...        asks only the tests of each fault's own file: seconds for each
     tests/planted_faults.py --again                    judges the survivors anew, after a test for them was written
     tests/planted_faults.py --report                   only prints what is known
 
@@ -58,6 +59,7 @@ def read_arguments():
     parser.add_argument("--count", type=int, help="that many faults, chosen by the seed")
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--again", action="store_true", help="judge known survivors anew, and nothing else")
+    parser.add_argument("--own", action="store_true", help="ask only the tests of the file that holds the fault")
     parser.add_argument("--fast", action="store_true", help="leave out the layers under the sanitizers")
     parser.add_argument("--report", action="store_true", help="judge nothing")
     parser.add_argument("--folder", type=Path, default=ROOT / "build" / "planted_faults", help="for copy and results")
@@ -68,10 +70,9 @@ def say(text):
     print(text, flush=True)
 
 
-def judge_all(faults, copy, presets, results, scratch):
-    benches = [Bench(copy, preset, scratch) for preset in presets]
+def judge_all(faults, copy, benches, results):
     for bench in benches:
-        bench.prepare(say)
+        bench.prepare(say, {fault.path for fault in faults})
     judge = Judge(copy, benches)
     for number, fault in enumerate(faults, 1):
         verdict = judge.judge(fault)
@@ -100,7 +101,8 @@ def main():
     waiting = [fault for fault in faults if results.outcome(fault) in wanted and not harmless.knows(fault)]
     if waiting and not arguments.report:
         presets = ["windows"] if arguments.windows else ["faults"] if arguments.fast else ["faults", "native", "tsan"]
-        judge_all(waiting, copy, presets, results, arguments.folder / "scratch")
+        benches = [Bench(copy, preset, arguments.folder / "scratch", arguments.own) for preset in presets]
+        judge_all(waiting, copy, benches, results)
     for line in results.report(faults, harmless):
         say(line)
 

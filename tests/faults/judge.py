@@ -24,19 +24,24 @@ class Verdict:
 class Bench:
     """One build of the copy and the layers that run on it."""
 
-    def __init__(self, copy, preset, scratch):
+    def __init__(self, copy, preset, scratch, only_own=False):
+        """`only_own`: nobody is asked but the tests of the file that holds the fault."""
         self.build = copy.configure(preset)
         self.layers = []
         self._tree = copy.path
         self._tree_fingerprint = copy.fingerprint
         self._scratch = scratch
+        self._only_own = only_own
         self._bounded_memory = preset == "faults"  # a sanitizer and Wine reserve more than any limit
         self._right = {}
 
-    def prepare(self, say):
-        """Builds everything and runs it once: what fails without a fault can judge none."""
+    def prepare(self, say, paths):
+        """Builds everything and runs once what will judge faults in these files: what fails without one can judge none."""
         self.build.make(["all"])
         self.layers = read_layers(self.build)
+        if self._only_own:
+            asked = {layer.name for path in paths for layer, _ in own_tests(path, self._tree, self.layers)}
+            self.layers = [layer for layer in self.layers if layer.name in asked]
         self.right_program = self.build.program_fingerprint()
         note = self.build.folder / "passed.json"
         passed = json.loads(note.read_text()) if note.exists() else {}
@@ -59,8 +64,10 @@ class Bench:
     def find(self, path):
         """Which layer fails with what is planted now, and whether it hung; None: all of them pass."""
         asked = set()
-        first = list(own_tests(path, self._tree, self.layers))
-        for layer, filter_ in [*first, *((layer, None) for layer in self.layers)]:
+        judges = list(own_tests(path, self._tree, self.layers))
+        if not self._only_own:
+            judges += [(layer, None) for layer in self.layers]
+        for layer, filter_ in judges:
             try:
                 if (layer.name, filter_) in asked or not self._sees_it(layer):
                     continue
@@ -68,10 +75,14 @@ class Bench:
                 return layer.name + " (its build, which lists its tests)"
             asked.add((layer.name, filter_))
             run = self._run(layer, filter_)
-            # Twice, so that a test that fails now and then, or on a busy machine, finds nothing.
-            if not run.passed and (run.hung or not self._run(layer, filter_).passed):
+            if not run.passed and (run.hung or self._fails_again(layer, filter_, run)):
                 return layer.name + (" (hangs)" if run.hung else "")
         return None
+
+    def _fails_again(self, layer, filter_, run):
+        """So that a test that fails now and then, or on a busy machine, finds nothing. Its one test is asked first."""
+        failed = run.failed_test()
+        return bool(failed) and not self._run(layer, failed).passed or not self._run(layer, filter_).passed
 
     def _sees_it(self, layer):
         """Whether what the layer runs is another program than it is without the fault."""

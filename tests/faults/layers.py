@@ -4,23 +4,25 @@ import contextlib
 import json
 import os
 import re
+import shlex
 import signal
 import subprocess
 import time
 from dataclasses import dataclass, field
 from pathlib import Path
 
-# Judges are the layers that run what is built, and those that hold the documents against the sources. The packages are
-# made of what the other layers have judged.
+# Judges are the layers that run what is built, and those that hold the documents against the sources. The packages and
+# the kit are made of what the other layers have judged, and the scripts only start it.
 _JUDGES_UNBUILT = re.compile(r"docs\.")
-_NO_JUDGES = re.compile(r"packages")
+_NO_JUDGES = re.compile(r"packages|scripts\.|desktop\.check_kit")
 
-# The sources whose tests are not called like them, and those with other tests to be asked before these.
+# The sources whose tests are not called like them, in the order in which they are asked; those that are called like the
+# source come first unless they are named here too. Behind a colon: which tests of that file, as pytest's -k takes it.
 _TESTED_BY = {
     "utf8": ["text_decoding"],
     "text": ["text_decoding"],
     "posix_paths": ["files", "folders"],
-    "files": ["file_sharing", "attributes"],
+    "files": ["file_transfer", "file_sharing", "attributes"],
     "folders": ["broken_search"],
     "data_files": ["file_layer"],
     "app_paths": ["file_layer"],
@@ -36,21 +38,28 @@ _TESTED_BY = {
     "trap_thread": ["turn", "trap_reception", "exception", "memory"],
     "trap_turn": ["turn"],
     "forwarding": ["slow_line"],
-    "udp_socket": ["slow_line"],
+    "udp_socket": ["socket_calls", "udp_socket", "server_control", "slow_line"],
     "server_state": ["server_control", "race"],
     "scoped_descriptor": ["udp_socket", "files"],
     "scoped_handle": ["udp_socket", "files"],
     "thread": ["thread_failure", "server_control"],
     "clock": ["activity_log"],
-    "viewer_window": ["viewer"],
-    "main_window": ["start_up"],
-    "window_helpers": ["tool_windows", "main_window"],
+    "forwarding_window": ["tool_windows:forwarding", "forwarding_window", "window_memory"],
+    "main_window": ["start_up", "main_window"],
+    "mib_import": ["mib_dialog", "mib_deletion", "window_memory"],
+    "status_window": ["tool_windows:status", "status_window", "window_memory"],
+    "viewer_window": ["tool_windows:monitor or log", "viewer", "viewer_clearing"],
+    "window_helpers": ["start_up", "tool_windows", "main_window"],
     "ui_resources": ["start_up", "main_window", "tool_windows"],
     "scoped_gdi": ["main_window"],
     "win_main": ["start_up", "startup"],
+    "exception_guard": ["window_memory"],
 }
 
 _LARGEST_MEMORY = 4 << 30
+# Seconds in which a desktop test gives up waiting. Far too few to fail a build by; here a failure counts when it is there
+# twice, and a window that never comes is waited for again and again.
+_PATIENCE = 15
 
 
 @dataclass
@@ -92,16 +101,15 @@ def read_layers(build):
 
 
 def own_tests(source, tree, layers):
-    """The layers, each with a GoogleTest filter or None, that are there for this source file: asked first."""
+    """The layers, each with the filter of its tests or None, that are there for this source file: asked first."""
     stem = Path(source).stem
-    known = _TESTED_BY.get(stem, [])
-    names = known if stem in known else [stem, *known]
-    for name in names:
-        called_so = [layer for layer in layers if layer.name.split(".")[-1] in (f"{name}_test", name)]
-        for layer in called_so:
-            yield layer, None
-        if any(layer.gtest for layer in called_so):
-            continue  # the tests of that name are a program of their own
+    names = _TESTED_BY.get(stem, [])
+    for name in names if stem in names else [stem, *names]:
+        name, _, choice = name.partition(":")
+        named = [layer for layer in layers if layer.name.split(".")[-1] in (f"{name}_test", name)]
+        yield from ((layer, choice or None) for layer in named)
+        if any(layer.gtest for layer in named):
+            continue  # a program of its own
         for path in sorted((tree / "tests").glob(f"*/{name}_test.cpp")):
             suites = re.findall(r"^\s*(?:TYPED_)?TEST(?:_[FP])?\((\w+)\s*,", path.read_text(), re.MULTILINE)
             patterns = ":".join(f"{suite}.*:*/{suite}.*:{suite}/*" for suite in dict.fromkeys(suites))
@@ -118,6 +126,9 @@ def _limits(bounded_memory):
         resource.setrlimit(resource.RLIMIT_AS, (_LARGEST_MEMORY, _LARGEST_MEMORY))
 
 
+_FAILED = re.compile(r"^\[  FAILED  \] ([\w./]+)|^(?:FAILED|ERROR) \S+?::(\w+)", re.MULTILINE)
+
+
 @dataclass(frozen=True)
 class Run:
     passed: bool
@@ -125,16 +136,30 @@ class Run:
     seconds: float
     output: str
 
+    def failed_test(self):
+        """As a filter; None: the output names none."""
+        named = _FAILED.search(self.output)
+        return named and (named[1] or named[2])
+
+
+def _environment(layer, scratch, filter_):
+    """Of a run that stops at its first failure."""
+    environment = dict(os.environ, **layer.environment, TMPDIR=str(scratch), QUILLMONT_PATIENCE=str(_PATIENCE))
+    environment.update(GTEST_FAIL_FAST="1", GTEST_BRIEF="1", GTEST_FILTER="*", PYTEST_ADDOPTS="-x")
+    if filter_ and layer.gtest:
+        environment["GTEST_FILTER"] = filter_
+    elif filter_:
+        environment["PYTEST_ADDOPTS"] += f" -k {shlex.quote(filter_)}"
+    return environment
+
 
 def run_layer(layer, scratch, filter_=None, bounded_memory=False):
-    """Runs the layer, stopping at its first failure. Whatever it starts is gone afterwards."""
-    environment = dict(os.environ, **layer.environment, TMPDIR=str(scratch))
-    environment.update(GTEST_FAIL_FAST="1", GTEST_BRIEF="1", GTEST_FILTER=filter_ or "*", PYTEST_ADDOPTS="-x")
+    """Runs the layer, or the tests of it that the filter takes. Whatever it starts is gone afterwards."""
     note = Path(scratch) / "output.txt"
     started = time.monotonic()
     with note.open("wb") as output:
         process = subprocess.Popen(
-            layer.command, cwd=layer.folder, env=environment, stdin=subprocess.DEVNULL,
+            layer.command, cwd=layer.folder, env=_environment(layer, scratch, filter_), stdin=subprocess.DEVNULL,
             stdout=output, stderr=subprocess.STDOUT, start_new_session=True,
             preexec_fn=lambda: _limits(bounded_memory),
         )  # fmt: skip

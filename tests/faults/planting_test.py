@@ -1,5 +1,6 @@
 """The planting of faults itself: what is planted, that it goes again, and that the verdicts are true."""
 
+import re
 import subprocess
 import sys
 import time
@@ -141,7 +142,7 @@ def small(tmp_path_factory):
     copy = TreeCopy(root, tmp_path_factory.mktemp("copy") / "tree")
     copy.refresh()
     bench = Bench(copy, "faults", copy.path.parent / "scratch")
-    bench.prepare(lambda text: None)
+    bench.prepare(lambda text: None, [])
     return copy, Judge(copy, [bench])
 
 
@@ -201,6 +202,52 @@ def test_the_file_is_right_again_when_the_judging_breaks_off(small):
             assert (copy.path / "core" / "step.cpp").read_text().startswith("nonsense")
             raise KeyboardInterrupt
     assert (copy.path / "core" / "step.cpp").read_text() == STEP
+
+
+# ---- Who is asked
+
+def windows_layers():
+    names = sorted(set(re.findall(r"NAME (windows\.\w+)", (ROOT / "tests" / "layers.cmake").read_text())))
+    names += ["windows.engine", "windows.thread_failure", "windows.turn", "windows.slow_line"]
+    names += [f"desktop.{path.stem}" for path in sorted((ROOT / "tests" / "desktop").glob("*_test.py"))]
+    return [layers.Layer(name, [], {}, "", gtest=name.startswith("windows.")) for name in names]
+
+
+def test_a_window_is_judged_by_its_part_of_the_common_tests_and_then_by_its_own():
+    asked = layers.own_tests("ui/forwarding_window.cpp", ROOT, windows_layers())
+    assert [(layer.name, choice) for layer, choice in asked] == [
+        ("desktop.tool_windows_test", "forwarding"),
+        ("desktop.forwarding_window_test", None),
+        ("windows.window_memory", None),
+    ]
+
+
+def test_every_windows_source_has_tests_of_its_own():
+    for folder in ("ui", "platform/windows"):
+        for path in (ROOT / folder).glob("*.cpp"):
+            assert list(layers.own_tests(str(path.relative_to(ROOT)), ROOT, windows_layers())), path
+
+
+@pytest.mark.parametrize(
+    "output, test",
+    [
+        ("[ RUN      ] A.B/0\nfile.cpp:1: Failure\n[  FAILED  ] A.B/0, where GetParam() = 1 (3 ms)\n", "A.B/0"),
+        ("==\nFAILED tests/desktop/a_test.py::test_it[one] - assert 1 == 2\n", "test_it"),
+        ("ERROR tests/desktop/a_test.py::test_it - no program\n", "test_it"),
+        ("Segmentation fault\n", None),
+    ],
+)
+def test_a_failed_run_names_the_test_to_ask_again(output, test):
+    assert layers.Run(False, False, 1.0, output).failed_test() == test
+
+
+def test_a_filter_goes_to_who_takes_it(tmp_path):
+    asked = lambda gtest: layers.run_layer(
+        layers.Layer("a", ["sh", "-c", "echo $GTEST_FILTER/$PYTEST_ADDOPTS"], {}, str(tmp_path), gtest=gtest),
+        tmp_path, "one or two",
+    ).output  # fmt: skip
+    assert asked(gtest=True).strip() == "one or two/-x"
+    assert asked(gtest=False).strip().endswith("/-x -k 'one or two'")
 
 
 # ---- What is kept of it
