@@ -35,6 +35,8 @@ struct CheckedProgram {
 constexpr CheckedProgram kPrograms[] = {
     {L"quillmont_unit_tests.exe", L"", true, 5 * kMinute},
     {L"quillmont_attribute_tests.exe", L"", true, 5 * kMinute},
+    {L"quillmont_file_transfer_tests.exe", L"", true, 5 * kMinute},
+    {L"quillmont_socket_calls_tests.exe", L"", true, 5 * kMinute},
     {L"quillmont_file_layer_tests.exe", L"", true, 5 * kMinute},
     {L"quillmont_broken_walk_tests.exe", L"", true, 5 * kMinute},
     {L"quillmont_broken_search_tests.exe", L"", true, 5 * kMinute},
