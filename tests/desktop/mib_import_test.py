@@ -34,6 +34,15 @@ def test_one_file_is_copied_logged_and_loaded(program, data, status, samples):
     assert counts(status) == "Loaded MIB files: 1  |  OID mappings: 1"
 
 
+def test_the_status_window_shows_an_import_and_a_deletion_at_once(program, status, samples):
+    program.attach_spy()
+    status.kill_timer(STATUS.timer)
+    import_files(program, status, samples.add("one.mib", mib("one", 9991)))
+    assert (listed(status), counts(status)) == (["one.mib"], "Loaded MIB files: 1  |  OID mappings: 1")
+    delete_all(program, status)
+    assert (listed(status), counts(status)) == ([], "Loaded MIB files: 0  |  OID mappings: 0")
+
+
 def test_several_files_are_copied_in_one_go(program, data, status, samples):
     before = len(data.log_messages())
     for number, name in enumerate(("a.mib", "b.txt", "c.my")):

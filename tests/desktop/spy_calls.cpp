@@ -65,10 +65,40 @@ HWND WINAPI SeeCreateWindowExW(DWORD exStyle, LPCWSTR className, LPCWSTR text, D
 }
 
 LRESULT WINAPI SeeSendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_SETFONT) {
-        Note(L"WM_SETFONT " + Number(window));
+    switch (message) {
+        case WM_SETFONT:
+            Note(L"WM_SETFONT " + Number(window));
+            break;
+        case WM_SETREDRAW:
+            Note(L"WM_SETREDRAW " + Number(window) + L" " + std::to_wstring(wParam));
+            break;
+        case LB_RESETCONTENT:
+            Note(L"LB_RESETCONTENT " + Number(window));
+            break;
+        case LB_INITSTORAGE:
+            Note(L"LB_INITSTORAGE " + Number(window) + L" " + std::to_wstring(wParam) + L" " +
+                 std::to_wstring(lParam));
+            break;
+        default:
+            break;
     }
     return SendMessageW(window, message, wParam, lParam);
+}
+
+BOOL WINAPI SeeInvalidateRect(HWND window, const RECT* rectangle, BOOL erase) {
+    Note(L"InvalidateRect " + Number(window) + (rectangle ? L" part " : L" whole ") + std::to_wstring(erase));
+    return InvalidateRect(window, rectangle, erase);
+}
+
+UINT_PTR WINAPI SeeSetTimer(HWND window, UINT_PTR timer, UINT milliseconds, TIMERPROC procedure) {
+    Note(L"SetTimer " + Number(window) + L" " + std::to_wstring(timer) + L" " +
+         std::to_wstring(milliseconds));
+    return SetTimer(window, timer, milliseconds, procedure);
+}
+
+HMODULE WINAPI SeeLoadLibraryExW(LPCWSTR name, HANDLE file, DWORD flags) {
+    Note(std::wstring(L"LoadLibraryExW ") + name + L" " + std::to_wstring(flags));
+    return LoadLibraryExW(name, file, flags);
 }
 
 BOOL WINAPI SeeShowWindow(HWND window, int command) {
@@ -142,6 +172,8 @@ const Catch catches[] = {
     {"CreateWindowExW", AddressOf(&SeeCreateWindowExW)}, {"SendMessageW", AddressOf(&SeeSendMessageW)},
     {"ShowWindow", AddressOf(&SeeShowWindow)},           {"MessageBoxW", AddressOf(&SeeMessageBoxW)},
     {"GetProcAddress", AddressOf(&SeeGetProcAddress)},   {"CreateFileW", AddressOf(&SeeCreateFileW)},
+    {"InvalidateRect", AddressOf(&SeeInvalidateRect)},   {"SetTimer", AddressOf(&SeeSetTimer)},
+    {"LoadLibraryExW", AddressOf(&SeeLoadLibraryExW)},
 };
 
 void Redirect(const char* name, IMAGE_THUNK_DATA& entry) {

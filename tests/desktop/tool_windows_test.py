@@ -20,6 +20,7 @@ from harness.window import (
     SYSTEM_EXSTYLES,
     SYSTEM_STYLES,
     WHITE,
+    WM_CLOSE,
     WM_COMMAND,
     WM_CTLCOLOREDIT,
     WM_CTLCOLORSTATIC,
@@ -168,6 +169,8 @@ def _intervals(program, window, timer):
 def test_the_timer_has_its_id_and_its_period_and_stops_with_the_window(program, tool):
     program.attach_spy()
     window = tool.open(program)
+    program.settle()
+    assert program.calls("SetTimer") == [f"SetTimer {window.handle} {tool.timer} {tool.period}"]
     wait_until(lambda: len(_intervals(program, window, tool.timer)) >= 5, "six timer messages")
     intervals = _intervals(program, window, tool.timer)
     # A busy machine delivers late, and then early to make up for it.
@@ -177,6 +180,20 @@ def test_the_timer_has_its_id_and_its_period_and_stops_with_the_window(program, 
     window.wait_closed()
     count = len(program.driver("spy_timers"))
     assert stays_true(lambda: len(program.driver("spy_timers")) == count, 2.5 * tool.period / 1000)
+
+
+# Of each window that has one that asks nothing.
+COMMANDS = {FORWARDING: 201, MONITOR: 300, LOG: 400}
+
+
+@each_window
+def test_each_message_that_a_window_handles_is_answered_with_0(program, data, tool):
+    data.wait_for_start()
+    window = tool.open(program)
+    assert window.send(WM_TIMER, tool.timer) == 0
+    if tool in COMMANDS:
+        assert window.send(WM_COMMAND, COMMANDS[tool]) == 0
+    assert tool.open(program).send(WM_CLOSE) == 0
 
 
 def test_the_forwarding_window_has_no_timer(program):

@@ -148,13 +148,20 @@ HCURSOR WINAPI SeeLoadCursorW(HINSTANCE, LPCWSTR) {
 }
 
 ATOM WINAPI SeeRegisterClassW(const WNDCLASSW* windowClass) {
-    Note("RegisterClassW " + Narrow(windowClass->lpszClassName) + " " + LogMessages());
-    wanted.procedure = windowClass->lpfnWndProc;
+    // The tool windows' classes come with their windows.
+    if (!MainWindowHandle) {
+        Note("RegisterClassW " + Narrow(windowClass->lpszClassName) + " " + LogMessages());
+        wanted.procedure = windowClass->lpfnWndProc;
+    }
     return 1;
 }
 
 HWND WINAPI SeeCreateWindowExW(DWORD exStyle, LPCWSTR className, LPCWSTR text, DWORD style, int x, int y,
                                int width, int height, HWND parent, HMENU menu, HINSTANCE, LPVOID) {
+    if (parent && (style & WS_CHILD) == 0) {
+        Note("tool window " + Narrow(className));
+        return nullptr;
+    }
     if (parent) {
         wanted.buttons.push_back(Narrow(text));
         Note("control " + wanted.buttons.back());
@@ -376,6 +383,37 @@ TEST_F(StartUpTest, WithoutAWindowItClearsUpAndEnds) {
     EXPECT_EQ(Run(), 0);
     EXPECT_EQ(wanted.calls, Join({kResources, kWindow, kReleased}));
     EXPECT_EQ(LogMessages(), kLoaded);
+}
+
+// The button has no effect; whoever presses it again may have more luck.
+TEST_F(StartUpTest, AToolWindowThatIsRefusedIsNeitherFilledNorShown) {
+    wanted.endOfMessages = -1;
+    for (const WPARAM button : {101, 102, 103, 104, 101}) {
+        wanted.messages.push_back({kMainWindow, WM_COMMAND, button, 0, 0, {}});
+    }
+    EXPECT_EQ(Run(), 0);
+    Calls clicks;
+    for (const std::string name :
+         {"SNMP_FWD_WND", "SNMP_MON_WND", "SNMP_LOG_WND", "SNMP_STATUS_WND", "SNMP_FWD_WND"}) {
+        clicks.insert(clicks.end(), {"translate 273", "dispatch 273", "tool window " + name});
+    }
+    EXPECT_EQ(wanted.calls, Join({kResources, kWindow, kControls, kFonts, kStartPosted, kFonts, kShown,
+                                  kStarted, clicks, kStopped, kReleased}));
+}
+
+TEST_F(StartUpTest, FontAndBrushAreMadeOnceAndGivenBackOnce) {
+    for (int time = 0; time < 2; ++time) {
+        CreateBackgroundBrush();
+        CreateUiFont();
+    }
+    EXPECT_EQ(wanted.calls, (Calls{kResources[1], kResources[2]}));
+    wanted.calls.clear();
+    for (int time = 0; time < 2; ++time) {
+        DeleteUiResources();
+    }
+    EXPECT_EQ(wanted.calls, (Calls{"DeleteObject font", "DeleteObject brush"}));
+    EXPECT_EQ(UiFont, nullptr);
+    EXPECT_EQ(BackgroundBrush, nullptr);
 }
 
 TEST_F(StartUpTest, WithoutFontAndBrushItRunsAllTheSame) {
