@@ -12,6 +12,7 @@ from harness.window import (
     SYSTEM_EXSTYLES,
     SYSTEM_STYLES,
     WHITE,
+    WM_CLOSE,
     WM_COMMAND,
     WM_CTLCOLORBTN,
     WM_CTLCOLOREDIT,
@@ -164,6 +165,12 @@ def test_a_command_is_known_by_its_low_16_bits(program, data):
     program.main.command(0x70000 | 100)
     data.wait_for_log("Server stopped.")
     program.wait_stopped()
+
+
+def test_each_message_that_the_window_handles_is_answered_with_0(program):
+    assert program.main.send(WM_COMMAND, 101) == 0
+    assert program.main.send(WM_CLOSE) == 0
+    assert program.wait_for_exit() == 0
 
 
 def test_an_unknown_command_does_nothing(program, data):

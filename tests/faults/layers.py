@@ -20,7 +20,7 @@ _NO_JUDGES = re.compile(r"packages|scripts\.|desktop\.check_kit")
 # source come first unless they are named here too. Behind a colon: which tests of that file, as pytest's -k takes it.
 _TESTED_BY = {
     "utf8": ["text_decoding"],
-    "text": ["text_decoding"],
+    "text": ["text_decoding", "windows_runtime"],
     "posix_paths": ["files", "folders"],
     "files": ["file_transfer", "file_sharing", "attributes"],
     "folders": ["broken_search"],
@@ -41,7 +41,7 @@ _TESTED_BY = {
     "udp_socket": ["socket_calls", "udp_socket", "server_control", "slow_line"],
     "server_state": ["server_control", "race"],
     "scoped_descriptor": ["udp_socket", "files"],
-    "scoped_handle": ["udp_socket", "files"],
+    "scoped_handle": ["socket_calls", "file_transfer", "udp_socket", "files"],
     "thread": ["thread_failure", "server_control"],
     "clock": ["activity_log"],
     "forwarding_window": ["tool_windows:forwarding", "forwarding_window", "window_memory"],

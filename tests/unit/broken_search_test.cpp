@@ -12,6 +12,7 @@ namespace {
 
 int calls = 0;          // for the next entry, since the start of the search
 int callThatFails = 0;  // 1: the first; 0: none
+int closings = 0;       // of a search, since its start
 
 bool FailsNow() {
     return ++calls == callThatFails;
@@ -35,9 +36,17 @@ static BOOL WINAPI FindNextOrFail(HANDLE search, LPWIN32_FIND_DATAW data) {
     return real(search, data);
 }
 
-// What a call of an imported function goes through; the linker takes it before the import library's.
+static BOOL WINAPI SeeFindClose(HANDLE search) {
+    ++closings;
+    static const auto real =
+        std::bit_cast<decltype(&FindClose)>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "FindClose"));
+    return real(search);
+}
+
+// What a call of an imported function goes through; the linker takes these before the import library's.
 extern "C" {
 decltype(&FindNextFileW) __imp_FindNextFileW = FindNextOrFail;
+decltype(&FindClose) __imp_FindClose = SeeFindClose;
 }
 
 #else
@@ -56,6 +65,12 @@ extern "C" dirent* readdir(DIR* folder) {
     return real(folder);
 }
 
+extern "C" int closedir(DIR* folder) {
+    ++closings;
+    static const auto real = reinterpret_cast<int (*)(DIR*)>(dlsym(RTLD_NEXT, "closedir"));
+    return real(folder);
+}
+
 #endif
 
 namespace {
@@ -69,11 +84,14 @@ class BrokenSearch : public testing::Test {
     }
     ~BrokenSearch() override { callThatFails = 0; }
 
-    // Visits the folder; true: to its end.
+    // Visits the folder; true: to its end. Either way the search is closed.
     bool Search() {
         calls = 0;
+        closings = 0;
         visited_ = 0;
-        return EnumerateFolder(folder_.path().wstring(), [&](const FolderEntry&) { ++visited_; });
+        const bool whole = EnumerateFolder(folder_.path().wstring(), [&](const FolderEntry&) { ++visited_; });
+        EXPECT_EQ(closings, 1);
+        return whole;
     }
 
     ScratchFolder folder_;
@@ -92,6 +110,12 @@ TEST_F(BrokenSearch, IsNotTakenForAWholeOneWhereverItBreaksOffAndHasVisitedWhatI
         before = visited_;
     }
     EXPECT_EQ(before, 3) << "the last call only learns that there are no more";
+}
+
+TEST_F(BrokenSearch, OneThatCannotBeginHasNothingToClose) {
+    closings = 0;
+    EXPECT_FALSE(EnumerateFolder(folder_.Join(L"missing"), [](const FolderEntry&) { FAIL(); }));
+    EXPECT_EQ(closings, 0);
 }
 
 }  // namespace

@@ -2,10 +2,12 @@
 // system and its C runtime do. Built for Windows only.
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cwctype>
 #include <random>
 
 #include "core/decimal_text.h"
+#include "platform/text.h"
 #include "platform/text_decoding.h"
 #include "platform/utf8.h"
 #include "platform/windows/windows_headers.h"
@@ -127,6 +129,19 @@ TEST(WindowsRuntime, DecodesTheRestAsTheAnsiCodePage) {
     const int length =
         MultiByteToWideChar(CP_ACP, 0, octets.data(), static_cast<int>(octets.size()), theirs, 600);
     EXPECT_EQ(ours, std::wstring(theirs, static_cast<size_t>(length)));
+}
+
+// The system counts in int. Nothing is there to be read.
+TEST(WindowsRuntime, IsNotAskedToDecodeMoreThanItCanCount) {
+    std::wstring text = L"leftover";
+    DecodeAnsi(std::string_view("x", size_t{INT_MAX} + 1), text);
+    EXPECT_EQ(text, L"");
+}
+
+TEST(WindowsRuntime, DecodesNoOctetsToNoCharacters) {
+    std::wstring text = L"leftover";
+    DecodeAnsi({}, text);
+    EXPECT_EQ(text, L"");
 }
 
 }  // namespace
