@@ -38,6 +38,9 @@ class Bench:
     def prepare(self, say, paths):
         """Builds everything and runs once what will judge faults in these files: what fails without one can judge none."""
         self.build.make(["all"])
+        unknown = {path for path in paths if path.endswith(".cpp")} - self.build.compiled_sources().keys()
+        if unknown:
+            raise SystemExit(f"No part of the program that {self.build.name} makes: {sorted(unknown)}")
         self.layers = read_layers(self.build)
         if self._only_own:
             asked = {layer.name for path in paths for layer, _ in own_tests(path, self._tree, self.layers)}

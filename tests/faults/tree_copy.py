@@ -77,7 +77,7 @@ class Build:
         self._copy = copy
         self.folder = folder
         self.name = folder.name
-        self._programs = [name for name in ("libquillmont_engine.a", "Quillmont.exe") if self._knows(name)]
+        self._programs = [name for name in ("libquillmont_engine.a", "quillmont_windows") if self._knows(name)]
 
     def _knows(self, target):
         listed = subprocess.run(["ninja", "-C", self.folder, "-t", "query", target], capture_output=True)
@@ -87,14 +87,15 @@ class Build:
         self._copy._run(["ninja", "-C", str(self.folder), *map(str, targets)])
 
     def make_program(self):
-        """Builds what ships, tests not included."""
+        """Builds what ships, up to its last link."""
         self.make(self._programs)
 
     def compiled_sources(self):
         """The source files, as paths inside the tree, that what ships is made of here, each with its object file."""
         sources = {}
+        folder = r"CMakeFiles/(?:quillmont_(?:engine|windows)|Quillmont)\.dir"
         for entry in json.loads((self.folder / "compile_commands.json").read_text()):
-            output = re.search(r" -o (CMakeFiles/(?:quillmont_engine|Quillmont)\.dir/\S+)", entry["command"])
+            output = re.search(rf" -o ({folder}/\S+)", entry["command"])
             if output and entry["file"].endswith(".cpp"):
                 sources[str(Path(entry["file"]).relative_to(self._copy.path))] = self.folder / output[1]
         return sources
