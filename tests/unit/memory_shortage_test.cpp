@@ -12,6 +12,8 @@
 #include <thread>
 #include <vector>
 
+#include "config/config_file.h"
+#include "config/forwarding_settings.h"
 #include "core/activity_log.h"
 #include "core/app_paths.h"
 #include "core/file_text.h"
@@ -201,6 +203,23 @@ TEST_P(FilesInAShortage, LoadOfTheFolderEndsInItsLogLineAndThrowsNothing) {
             EXPECT_EQ(CopyTablesLocked(), whole);
             EXPECT_EQ(TakeLog(), LogLineOfALoad());
         });
+}
+
+TEST_P(FilesInAShortage, SettingsThatWereNotLoadedAreNotLoggedAsLoaded) {
+    WriteOctets(AppPaths.configPath,
+                "<forwardingIp>an address that is too long to be held without memory</forwardingIp>"
+                "<forwardingPort>9162</forwardingPort>");
+    const auto forget = [] {
+        ReplaceForwarding(false, L"127.0.0.1", 162);
+        RemoveFile(AppPaths.logFilePath);
+    };
+    const size_t refused = RefuseEachRequest(GetParam(), forget, LoadConfig, [](const Attempt&, size_t) {
+        const bool logged = ReadOctets(AppPaths.logFilePath).find("Config loaded.") != std::string::npos;
+        EXPECT_TRUE(!logged || CopyForwarding().port == 9162);
+    });
+    EXPECT_GT(refused, 3U);
+    EXPECT_EQ(CopyForwarding().port, 9162);
+    forget();
 }
 
 constexpr Ipv4Endpoint kSender = {0xFFFEFDFC, 65535};  // longer than what a text holds without asking
