@@ -63,7 +63,9 @@ def read_arguments():
     parser.add_argument("--fast", action="store_true", help="leave out the layers under the sanitizers")
     parser.add_argument("--report", action="store_true", help="judge nothing")
     parser.add_argument("--folder", type=Path, default=ROOT / "build" / "planted_faults", help="for copy and results")
-    return parser.parse_args()
+    arguments = parser.parse_args()
+    arguments.folder = arguments.folder.resolve()
+    return arguments
 
 
 def say(text):
