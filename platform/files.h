@@ -12,7 +12,8 @@
 // False: the file could not be opened or the write fell short (a full disk keeps what fitted).
 bool AppendOctets(const std::wstring& path, std::string_view octets);
 
-// Creates the file or empties it, then writes `octets`. False: it could not be opened, and is unchanged.
+// Creates the file or empties it, hidden or not, then writes `octets`. False: it could not be opened or
+// emptied, and is unchanged.
 // Kept: a write that falls short still answers true, since a replaced file has lost its old content already.
 bool ReplaceOctets(const std::wstring& path, std::string_view octets);
 

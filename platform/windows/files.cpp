@@ -94,8 +94,9 @@ bool AppendOctets(const std::wstring& path, std::string_view octets) {
 }
 
 bool ReplaceOctets(const std::wstring& path, std::string_view octets) {
-    const ScopedHandle file = OpenFile(path, GENERIC_WRITE, CREATE_ALWAYS);
-    if (!file) {
+    // Not CREATE_ALWAYS, which Windows refuses for a file that is hidden or the system's own.
+    const ScopedHandle file = OpenFile(path, GENERIC_WRITE, OPEN_ALWAYS);
+    if (!file || !SetEndOfFile(file.get())) {
         return false;
     }
     WriteAll(file.get(), octets);

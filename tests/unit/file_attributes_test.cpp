@@ -1,6 +1,6 @@
-// Files that are hidden, read-only or the system's own. Wine copies over them and removes them without a
-// word, Windows refuses. So the two calls are replaced by linking with ones that refuse as Windows documents
-// it, and this is a program of its own.
+// Files that are hidden, read-only or the system's own. Wine copies over them, makes them anew and removes
+// them without a word, Windows refuses. So the three calls are replaced by linking with ones that refuse as
+// Windows documents it, and this is a program of its own.
 #include <gtest/gtest.h>
 
 #include <bit>
@@ -49,6 +49,18 @@ BOOL WINAPI CopyAsWindowsDoes(LPCWSTR source, LPCWSTR target, BOOL failIfExists)
     return real(source, target, failIfExists) && SetFileAttributesW(target, GetFileAttributesW(source));
 }
 
+HANDLE WINAPI OpenAsWindowsDoes(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
+                                DWORD disposition, DWORD attributes, HANDLE pattern) {
+    const DWORD former = AttributesOf(path);
+    if (disposition == CREATE_ALWAYS && former != INVALID_FILE_ATTRIBUTES &&
+        (former & (kHidden | kSystem) & ~attributes) != 0) {
+        Refuse();
+        return INVALID_HANDLE_VALUE;
+    }
+    static const auto real = RealFunction<decltype(&CreateFileW)>("CreateFileW");
+    return real(path, access, share, security, disposition, attributes, pattern);
+}
+
 BOOL WINAPI DeleteAsWindowsDoes(LPCWSTR path) {
     const DWORD attributes = AttributesOf(path);
     if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & kReadOnly) != 0) {
@@ -63,6 +75,7 @@ BOOL WINAPI DeleteAsWindowsDoes(LPCWSTR path) {
 // What a call of an imported function goes through; the linker takes these before the import library's.
 extern "C" {
 decltype(&CopyFileW) __imp_CopyFileW = CopyAsWindowsDoes;
+decltype(&CreateFileW) __imp_CreateFileW = OpenAsWindowsDoes;
 decltype(&DeleteFileW) __imp_DeleteFileW = DeleteAsWindowsDoes;
 }
 
@@ -129,6 +142,16 @@ TEST_P(FileAttributesTest, AFileOfAnyKindIsRemoved) {
     SetAttributes(target_, GetParam());
     EXPECT_TRUE(RemoveFile(target_));
     EXPECT_FALSE(PathExists(target_));
+}
+
+// Settings, trap file and log.
+TEST_P(FileAttributesTest, AHiddenFileIsReplacedAndAppendedToAndStaysHidden) {
+    const DWORD attributes = GetParam() & ~kReadOnly;
+    SetAttributes(target_, attributes);
+    EXPECT_TRUE(ReplaceOctets(target_, "a"));
+    EXPECT_TRUE(AppendOctets(target_, "b"));
+    EXPECT_EQ(Read(target_), "ab");
+    EXPECT_EQ(AttributesOf(target_), attributes);
 }
 
 TEST_P(FileAttributesTest, AFileThatSomebodyHoldsIsNotRemovedAndStaysWhatItIs) {

@@ -20,6 +20,7 @@ struct System {
     int callThatFails = 0;         // 1: the first; 0: none
     int callThatMovesNothing = 0;  // and says that it went well
     bool refusesToSeek = false;
+    bool refusesToCut = false;
     bool refusesSize = false;
     bool saysFourGibibytes = false;  // of each file, and 5 octets
     bool isWatched = false;
@@ -63,6 +64,11 @@ BOOL WINAPI SeekOrRefuse(HANDLE file, LARGE_INTEGER distance, PLARGE_INTEGER pos
     return wanted.refusesToSeek ? Refuse(ERROR_SEEK) : real(file, distance, position, method);
 }
 
+BOOL WINAPI CutOrRefuse(HANDLE file) {
+    static const auto real = RealFunction<decltype(&SetEndOfFile)>("SetEndOfFile");
+    return wanted.refusesToCut ? Refuse(ERROR_USER_MAPPED_FILE) : real(file);
+}
+
 BOOL WINAPI TellSizeOrRefuse(HANDLE file, PLARGE_INTEGER size) {
     static const auto real = RealFunction<decltype(&GetFileSizeEx)>("GetFileSizeEx");
     return wanted.refusesSize ? Refuse(ERROR_GEN_FAILURE) : real(file, size);
@@ -104,6 +110,7 @@ extern "C" {
 decltype(&WriteFile) __imp_WriteFile = WriteInParts;
 decltype(&ReadFile) __imp_ReadFile = ReadInParts;
 decltype(&SetFilePointerEx) __imp_SetFilePointerEx = SeekOrRefuse;
+decltype(&SetEndOfFile) __imp_SetEndOfFile = CutOrRefuse;
 decltype(&GetFileSizeEx) __imp_GetFileSizeEx = TellSizeOrRefuse;
 decltype(&GetFileAttributesExW) __imp_GetFileAttributesExW = TellAttributes;
 decltype(&CreateFileW) __imp_CreateFileW = SeeOpening;
@@ -168,6 +175,15 @@ TEST_F(FileTransfers, AReplacementThatBreaksOffCountsAsMade) {
     wanted.callThatFails = 1;
     EXPECT_TRUE(ReplaceOctets(existing_, "new"));
     EXPECT_EQ(ReadOctets(existing_), "");
+}
+
+// Another program has it mapped into its memory.
+TEST_F(FileTransfers, AFileThatCannotBeEmptiedIsUnchanged) {
+    wanted.refusesToCut = true;
+    EXPECT_FALSE(ReplaceOctets(existing_, "new"));
+    EXPECT_EQ(wanted.calls, 0);
+    wanted.refusesToCut = false;
+    EXPECT_EQ(ReadOctets(existing_), kText);
 }
 
 TEST_F(FileTransfers, WhatOneCallDoesNotReadTheNextOneDoes) {
