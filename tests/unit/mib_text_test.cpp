@@ -83,6 +83,16 @@ TEST(ReadMibText, FirstOctetBeyondAsciiIsNoAsciiEvenAlone) {
     EXPECT_EQ(ReadBack("\x80"), L"\u20AC");
 }
 
+// What is all ASCII is not made wide: nearly every file, and most of the time of a load.
+TEST(DecodeMibText, AsciiStaysAsItIsAndEverythingElseIsWide) {
+    for (const char* octets : {"", "a OBJECT IDENTIFIER ::= { mgmt 5 }\n", "\x7F"}) {
+        EXPECT_TRUE(std::holds_alternative<std::string>(DecodeMibText(octets))) << octets;
+    }
+    for (const char* octets : {"\x80", "a\xC3\xA4", "\xFF"}) {
+        EXPECT_TRUE(std::holds_alternative<std::wstring>(DecodeMibText(octets))) << octets;
+    }
+}
+
 TEST(ReadMibText, OneInvalidSequenceTakesTheWholeFileToTheAnsiCodePage) {
     EXPECT_EQ(ReadBack("\xC3\xA4 \xE4"), L"\u00C3\u00A4 \u00E4");
 }
