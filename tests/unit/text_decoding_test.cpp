@@ -116,6 +116,19 @@ TEST(DecodeUtf8, LoneContinuationIsRejected) {
     EXPECT_EQ(DecodeStrictly("\xC3\xA9\xA9"), L"(not UTF-8)");
 }
 
+TEST(DecodeUtf8, OnlyOctetsFromC2ToF4BeginASequence) {
+    for (int lead = 0x80; lead <= 0xFF; ++lead) {
+        const size_t whole = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+        for (size_t size = 1; size <= 6; ++size) {
+            std::string octets(size, lead == 0xF4 ? '\x80' : '\xA0');
+            octets[0] = static_cast<char>(lead);
+            // ED A0 begins a surrogate.
+            const bool valid = lead >= 0xC2 && lead <= 0xF4 && lead != 0xED && size == whole;
+            EXPECT_EQ(DecodeStrictly(octets) != L"(not UTF-8)", valid) << std::hex << lead << " " << size;
+        }
+    }
+}
+
 TEST(DecodeUtf8, ByteOrderMarkStaysACharacter) {
     EXPECT_EQ(DecodeStrictly("\xEF\xBB\xBFiso"), L"\uFEFFiso");
 }
