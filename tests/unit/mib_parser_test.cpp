@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <mutex>
 #include <string>
 #include <vector>
 
+#include "tests/support/fenced_octets.h"
 #include "tests/support/mib_tables.h"
 #include "tests/support/scratch_folder.h"
 
@@ -107,6 +109,23 @@ TEST_F(MibParser, ValueLeftOpenAtTheEndStoresNothing) {
     ParseText(L"a OBJECT IDENTIFIER ::= { mgmt 1\nb OBJECT IDENTIFIER ::= { mgmt 2\n");
     EXPECT_EQ(CountDefinitions(), 0U);
     EXPECT_EQ(CountOidNames(), 0);
+}
+
+// Under AddressSanitizer a look behind the text's end ends the test.
+TEST_F(MibParser, TextMayEndAnywhere) {
+    const std::string whole = "a OBJECT-TYPE\nb OBJECT IDENTIFIER\nc MODULE-IDENTITY\n::= { mgmt 1 } --";
+    for (size_t size = 0; size <= whole.size(); ++size) {
+        const FencedOctets narrow(whole.substr(0, size));
+        const std::vector<wchar_t> wide(narrow.data(), narrow.end());
+        const std::lock_guard lock(MibStoreLock);
+        ClearNameStore();
+        ParseMibText(narrow.AsText());
+        const size_t stored = PendingDefinitions.Count();
+        ClearNameStore();
+        ParseMibText(std::wstring_view(wide.data(), wide.size()));
+        EXPECT_EQ(stored, size > whole.find('}') ? 1U : 0U) << size;
+        EXPECT_EQ(PendingDefinitions.Count(), stored) << size;
+    }
 }
 
 TEST_F(MibParser, RestOfTheLineThatClosesAValueIsPassedOver) {
