@@ -55,7 +55,7 @@ TEST_F(WindowsQuestions, WhatThirtyTwoMegabytesHold) {
     const UdpSocketRef sender = OpenUdpSocket();
     const std::string small(150, 'x');
     const auto* octets = reinterpret_cast<const uint8_t*>(small.data());
-    for (int sent = 0; sent < 100'000; ++sent) {
+    for (int sent = 0; sent < 300'000; ++sent) {
         SendDatagram(*sender, {0x7F000001, port}, octets, small.size());
     }
     uint8_t buffer[256];
