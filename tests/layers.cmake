@@ -17,6 +17,7 @@ if(WIN32)
   add_test(NAME windows.attributes COMMAND ${RUNNER} $<TARGET_FILE:quillmont_attribute_tests>)
   add_test(NAME windows.file_transfer COMMAND ${RUNNER} $<TARGET_FILE:quillmont_file_transfer_tests>)
   add_test(NAME windows.socket_calls COMMAND ${RUNNER} $<TARGET_FILE:quillmont_socket_calls_tests>)
+  add_test(NAME windows.thread_calls COMMAND ${RUNNER} $<TARGET_FILE:quillmont_thread_calls_tests>)
   # These make windows, for which Wine wants a display.
   if(CMAKE_HOST_WIN32)
     add_test(NAME windows.window_memory COMMAND quillmont_window_memory_tests)
@@ -27,8 +28,8 @@ if(WIN32)
   add_test(NAME windows.start_up COMMAND ${RUNNER} $<TARGET_FILE:quillmont_start_up_tests>)
   set_tests_properties(
       windows.unit windows.memory windows.broken_walk windows.file_layer windows.receiver_steps
-      windows.broken_search windows.attributes windows.file_transfer windows.socket_calls windows.start_up
-      windows.window_memory PROPERTIES TIMEOUT 300)
+      windows.broken_search windows.attributes windows.file_transfer windows.socket_calls
+      windows.thread_calls windows.start_up windows.window_memory PROPERTIES TIMEOUT 300)
   if(NOT CMAKE_HOST_WIN32)
     add_test(NAME windows.second_compiler
         COMMAND /usr/bin/python3 -B ${CMAKE_SOURCE_DIR}/scripts/check_second_compiler.py ${CMAKE_BINARY_DIR})

@@ -42,7 +42,7 @@ _TESTED_BY = {
     "server_state": ["server_control", "race"],
     "scoped_descriptor": ["udp_socket", "files"],
     "scoped_handle": ["socket_calls", "file_transfer", "udp_socket", "files"],
-    "thread": ["thread_failure", "server_control"],
+    "thread": ["thread_calls", "thread_failure", "server_control"],
     "clock": ["activity_log"],
     "forwarding_window": ["tool_windows:forwarding", "forwarding_window", "window_memory"],
     "main_window": ["start_up", "main_window"],

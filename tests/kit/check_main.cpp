@@ -37,6 +37,7 @@ constexpr CheckedProgram kPrograms[] = {
     {L"quillmont_attribute_tests.exe", L"", true, 5 * kMinute},
     {L"quillmont_file_transfer_tests.exe", L"", true, 5 * kMinute},
     {L"quillmont_socket_calls_tests.exe", L"", true, 5 * kMinute},
+    {L"quillmont_thread_calls_tests.exe", L"", true, 5 * kMinute},
     {L"quillmont_file_layer_tests.exe", L"", true, 5 * kMinute},
     {L"quillmont_broken_walk_tests.exe", L"", true, 5 * kMinute},
     {L"quillmont_broken_search_tests.exe", L"", true, 5 * kMinute},
