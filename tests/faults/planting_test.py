@@ -265,14 +265,24 @@ def test_results_are_there_after_a_run_that_was_broken_off(tmp_path):
     assert report[-2:] == ["Survivors:", str(faults[1])]
 
 
+def test_of_lines_that_read_the_same_those_are_harmless_that_are_named(tmp_path):
+    first, second = (f for f in find_faults("a.cpp", "int F() {\n    Run();\n    Run();\n}\n") if not f.after)
+    entry = '[[fault]]\nfile = "a.cpp"\nline = "Run();"\nplanted = ""\nwhy = "it changes nothing"\n'
+    listed = tmp_path / "harmless.toml"
+    for more, known in (("", [True, True]), ("occurrences = [1]\n", [False, True])):
+        listed.write_text(entry + more)
+        assert [Harmless(listed).knows(fault) for fault in (first, second)] == known
+
+
 def test_every_fault_in_the_harmless_list_can_still_be_planted():
     entries = Harmless(ROOT / "tests" / "faults" / "harmless.toml").entries
     missing = []
     for path in {entry["file"] for entry in entries}:
         text = (ROOT / path).read_text() if (ROOT / path).exists() else ""
-        plantable = {(fault.before, fault.after) for fault in find_faults(path, text)}
+        plantable = {(fault.before, fault.after, fault.occurrence) for fault in find_faults(path, text)}
         for entry in entries:
             if entry["file"] == path:
                 assert len(entry["why"]) > 10, "a reason that somebody can judge"
-                missing += [entry] if (entry["line"], entry["planted"]) not in plantable else []
+                for occurrence in entry.get("occurrences", [0]):
+                    missing += [entry] if (entry["line"], entry["planted"], occurrence) not in plantable else []
     assert missing == []

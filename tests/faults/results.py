@@ -65,7 +65,8 @@ class Harmless:
 
     def __init__(self, path):
         self.entries = tomllib.loads(path.read_text()).get("fault", []) if path.exists() else []
-        self._known = {(entry["file"], entry["line"], entry["planted"]) for entry in self.entries}
+        self._known = {(entry["file"], entry["line"], entry["planted"]): entry for entry in self.entries}
 
     def knows(self, fault):
-        return (fault.path, fault.before, fault.after) in self._known
+        entry = self._known.get((fault.path, fault.before, fault.after))
+        return entry is not None and fault.occurrence in entry.get("occurrences", [fault.occurrence])
