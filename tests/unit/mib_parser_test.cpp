@@ -374,6 +374,21 @@ TEST_F(MibParser, MillionOpenValuesAreOneOpenValue) {
     EXPECT_EQ(DefinitionOf(L"a"), (Definition{L"mgmt", 5, true}));
 }
 
+// Each looked for from each line anew, the keywords would take minutes.
+TEST_F(MibParser, ManyValuesInFrontOfTheFirstKeywordAreReadOnce) {
+    std::string text;
+    for (int line = 0; line < 300'000; ++line) {
+        text += "::= { a 1 }\n";
+    }
+    text += "last OBJECT-TYPE\n::= { mgmt 1 }\n";
+    {
+        const std::lock_guard lock(MibStoreLock);
+        ParseMibText(text);
+    }
+    EXPECT_EQ(DefinitionOf(L"last"), (Definition{L"mgmt", 1, true}));
+    EXPECT_EQ(CountDefinitions(), 1U);
+}
+
 TEST_F(MibParser, OneLineOf20MillionCharactersIsOneValue) {
     std::string text = "a ";
     while (text.size() < 20'000'000) {
