@@ -137,6 +137,7 @@ TEST(LeadingIdentifier, IsTheFirstWordOfADefinition) {
     EXPECT_EQ(LeadingIdentifier(L"ifIndex OBJECT-TYPE"sv), L"ifIndex");
     EXPECT_EQ(LeadingIdentifier(L"SYNTAX  OBJECT IDENTIFIER"sv), L"SYNTAX");
     EXPECT_EQ(LeadingIdentifier(L"  mib-2_x9{"sv), L"mib-2_x9");
+    EXPECT_EQ(LeadingIdentifier(L"azAZ09-_{"sv), L"azAZ09-_");
     EXPECT_EQ(LeadingIdentifier(L"-9"sv), L"-9");
 }
 
