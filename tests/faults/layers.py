@@ -47,7 +47,7 @@ _TESTED_BY = {
     "forwarding_window": ["tool_windows:forwarding", "forwarding_window", "window_memory"],
     "main_window": ["start_up", "main_window"],
     "mib_import": ["mib_dialog", "mib_deletion", "window_memory"],
-    "status_window": ["tool_windows:status", "status_window", "window_memory"],
+    "status_window": ["tool_windows:status", "status_window", "mib_dialog:low_half", "window_memory"],
     "viewer_window": ["tool_windows:monitor or log", "viewer", "viewer_clearing"],
     "window_helpers": ["start_up", "tool_windows", "main_window"],
     "ui_resources": ["start_up", "main_window", "tool_windows"],
