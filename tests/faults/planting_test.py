@@ -17,6 +17,7 @@ from faults.judge import FOUND, NOTHING, REFUSED, SURVIVED, Bench, Judge, Verdic
 from faults.mutators import find_faults
 from faults.results import Harmless, Results
 from faults.tree_copy import TreeCopy
+from planted_faults import choose
 
 
 def planted(text, kind):
@@ -89,6 +90,15 @@ def test_a_fault_is_known_again_after_other_lines_have_changed():
     text = "int F() {\n    return 1 + 2;\n}\n"
     later = find_faults("a.cpp", "int more;\n\n" + text)
     assert [fault.key for fault in find_faults("a.cpp", text)] == [fault.key for fault in later]
+
+
+def test_a_seed_goes_on_choosing_the_same_faults_when_others_come_and_go():
+    faults = find_faults("core/step.cpp", STEP)
+    chosen = choose(faults, 5, 1)
+    assert len(chosen) == 5
+    assert choose(faults, 5, 2) != chosen
+    assert [fault for fault in choose(faults, 6, 1) if fault in chosen] == chosen
+    assert choose([fault for fault in faults if fault in chosen or fault.line > 6], 5, 1) == chosen
 
 
 # ---- A small tree of its own, with a test that sees the one function and not the other
