@@ -267,11 +267,14 @@ TEST_F(TrapTurns, AreFullWhenTheLargestDatagramNoLongerFits) {
     EXPECT_EQ(turn_->arrivals()[0].octets[TrapTurn::kLargestDatagram - 1], 1) << "untouched by the second";
 }
 
-TEST_F(TrapTurns, TwoOfTheLargestFit) {
-    Take(TrapTurn::kLargestDatagram, 1);
-    Take(TrapTurn::kLargestDatagram, 2);
-    EXPECT_TRUE(turn_->Room().empty());
-    EXPECT_EQ(turn_->arrivals().size(), 2U);
+TEST_F(TrapTurns, TwoOfTheLargestFitAndTwoMoreAfterThem) {
+    for (int turn = 0; turn < 2; ++turn) {
+        Take(TrapTurn::kLargestDatagram, 1);
+        Take(TrapTurn::kLargestDatagram, 2);
+        EXPECT_TRUE(turn_->Room().empty());
+        EXPECT_EQ(turn_->arrivals().size(), 2U);
+        turn_->Clear();
+    }
 }
 
 // ---- Recording
