@@ -37,6 +37,12 @@ class ServerControl : public EngineTest {
     }
 };
 
+TEST_F(ServerControl, AFreshReceiverStandsStillAndHasSeenNoTrap) {
+    const ServerStateFields fresh;
+    EXPECT_FALSE(fresh.running);
+    EXPECT_EQ(fresh.lastTrapTick, 0U);
+}
+
 TEST_F(ServerControl, StartOpensThreeSocketsAndTwoThreadsAndLogsEachStep) {
     ASSERT_TRUE(StartServer());
     EXPECT_TRUE(ServerState.running);
