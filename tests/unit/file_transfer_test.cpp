@@ -123,6 +123,10 @@ constexpr DWORD kPart = 7;
 const std::string kText = "a text of thirty-three characters";
 constexpr int kParts = 5;
 
+std::string TextOfParts(int count) {
+    return kText.substr(0, static_cast<size_t>(count) * kPart);
+}
+
 class FileTransfers : public testing::Test {
   protected:
     FileTransfers() {
@@ -165,7 +169,7 @@ TEST_F(FileTransfers, AWriteThatFailsOrWritesNothingIsTheLast) {
             *call = last;
             EXPECT_FALSE(AppendOctets(file_, kText)) << last;
             EXPECT_EQ(wanted.calls, last);
-            EXPECT_EQ(ReadOctets(file_), kText.substr(0, (last - 1) * kPart));
+            EXPECT_EQ(ReadOctets(file_), TextOfParts(last - 1));
         }
         *call = 0;
     }
@@ -213,7 +217,7 @@ TEST_F(FileTransfers, AFileThatBecomesShorterMeanwhileIsReadToItsEnd) {
         wanted.calls = 0;
         wanted.callThatMovesNothing = last;
         EXPECT_TRUE(Read(0)) << last;
-        EXPECT_EQ(octets_, kText.substr(0, (last - 1) * kPart));
+        EXPECT_EQ(octets_, TextOfParts(last - 1));
         EXPECT_EQ(wanted.calls, last);
     }
 }

@@ -388,7 +388,7 @@ TEST_F(StartUpTest, WithoutAWindowItClearsUpAndEnds) {
 // The button has no effect; whoever presses it again may have more luck.
 TEST_F(StartUpTest, AToolWindowThatIsRefusedIsNeitherFilledNorShown) {
     wanted.endOfMessages = -1;
-    for (const WPARAM button : {101, 102, 103, 104, 101}) {
+    for (const WPARAM button : {101U, 102U, 103U, 104U, 101U}) {
         wanted.messages.push_back({kMainWindow, WM_COMMAND, button, 0, 0, {}});
     }
     EXPECT_EQ(Run(), 0);
