@@ -11,8 +11,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")"
 # Who may bind ports 161 and 162 here can do without a network of its own.
 private=(scripts/in_private_network.sh)
 if [[ $EUID -ne 0 && "$(cat /proc/sys/net/ipv4/ip_unprivileged_port_start)" -gt 161 ]]; then
-    "${private[@]}" true
-elif ! "${private[@]}" true 2>/dev/null; then
+    "${private[@]}" --check
+elif ! "${private[@]}" --check 2>/dev/null; then
     private=()
 fi
 

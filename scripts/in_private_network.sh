@@ -2,6 +2,7 @@
 # Runs a program in a network of its own: ports 161 and 162 are free in it, 127.0.0.1 is all there is, and runs
 # beside it have theirs. Processes that the program leaves behind end with it. Returns the program's exit code.
 # Usage: scripts/in_private_network.sh PROGRAM [ARGUMENT...]. Needs no root where user namespaces are allowed.
+#        scripts/in_private_network.sh --check: only whether the machine allows it; nothing need be installed for that.
 set -euo pipefail
 
 if [[ ${1:-} == --inside ]]; then
@@ -29,6 +30,9 @@ if ! unshare "${network[@]}" true 2>/dev/null; then
         echo "This machine refuses ordinary users a private network (user namespaces): be root, or allow them." >&2
     fi
     exit 125
+fi
+if [[ ${1:-} == --check ]]; then
+    exit 0
 fi
 # Some containers forbid mounting /proc; then only the network is private.
 if ! unshare "${network[@]}" "${processes[@]}" true 2>/dev/null; then

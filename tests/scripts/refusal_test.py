@@ -17,6 +17,7 @@ def fresh(clone):
     """A clone on a machine that lacks every package."""
     clone.add_command("dpkg-query", "exit 1")
     clone.add_command("cmake", "echo cmake was called; exit 1")
+    clone.add_command("ip", "echo ip was called; exit 127")
     clone.add_command("sudo", 'exec "$@"')
     return clone
 
@@ -36,6 +37,11 @@ def test_refused_user_namespaces_end_it_before_anything_is_installed(fresh, user
     fresh.add_command("cat", "echo 1024")
     fresh.add_command("apt-get", "echo apt-get was called; exit 1")
     expect_refusal(fresh, "This machine refuses ordinary users a private network (user namespaces)")
+
+
+def test_whether_a_private_network_is_allowed_is_asked_before_anything_is_installed(fresh, user):
+    user.need_private_network(fresh.folder)
+    assert fresh.run("scripts/in_private_network.sh", "--check", seconds=AT_ONCE_SECONDS) == (0, "")
 
 
 def test_a_missing_sudo_is_said_with_what_it_was_needed_for(fresh, user):
