@@ -22,6 +22,7 @@
 #include "tests/desktop/request.h"
 #include "tests/desktop/spy.h"
 #include "tests/desktop/window_facts.h"
+#include "tests/support/patient_start.h"
 
 namespace {
 
@@ -36,23 +37,17 @@ HANDLE StartedProcess(const Request& request, size_t index) {
     return found->second.get();
 }
 
-// Wine now and then, less than once in a thousand starts, gives a process up before it comes to its program:
-// an internal error. So that answer, and no other, is asked about again.
-DWORD CreateProcessPatiently(const std::wstring& program, POINT place, PROCESS_INFORMATION* started) {
-    constexpr int kAttempts = 3;
-    DWORD error = ERROR_INTERNAL_ERROR;
-    for (int attempt = 0; attempt < kAttempts && error == ERROR_INTERNAL_ERROR; ++attempt) {
+DWORD StartAt(const std::wstring& program, POINT place, PROCESS_INFORMATION* started) {
+    return StartPatiently([&] {
         std::wstring commandLine = L"\"" + program + L"\"";
         STARTUPINFOW startup = {};
         startup.cb = sizeof(startup);
         startup.dwFlags = STARTF_USEPOSITION;
         startup.dwX = static_cast<DWORD>(place.x);
         startup.dwY = static_cast<DWORD>(place.y);
-        const BOOL created = CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0,
-                                            nullptr, nullptr, &startup, started);
-        error = created ? ERROR_SUCCESS : GetLastError();
-    }
-    return error;
+        return CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr,
+                              nullptr, &startup, started);
+    });
 }
 
 // Two numbers behind the program: where the system puts its first window when it asks for no place of
@@ -63,8 +58,7 @@ std::string StartProcess(const Request& request) {
     if (request.arguments.size() > 1) {
         place = {static_cast<LONG>(request.Number(1)), static_cast<LONG>(request.Number(2))};
     }
-    if (const DWORD error = CreateProcessPatiently(request.Text(0), place, &started);
-        error != ERROR_SUCCESS) {
+    if (const DWORD error = StartAt(request.Text(0), place, &started); error != ERROR_SUCCESS) {
         throw RequestError("CreateProcessW failed: " + std::to_string(error));
     }
     CloseHandle(started.hThread);

@@ -85,7 +85,7 @@ def test_a_fault_is_a_failure_in_the_closing_line_and_in_the_code(kit, users_fol
         kept.rename(missing)
         kept_corpus.rename(corpus)
     assert code == 1
-    assert "FAILED: quillmont_unit_tests.exe ends by itself with code 0" in report
+    assert "FAILED: quillmont_unit_tests.exe ends by itself with code 0\n  found: it could not be started" in report
     assert "FAILED: quillmont_corpus_replay.exe ends with code 0" in report
     assert re.fullmatch(r"\d\d passed, 2 failed", report.splitlines()[-1]), report
     expect_untouched(users_folder)

@@ -139,9 +139,7 @@ void TakeTestOutput(const std::string& output, const ProgramResult& result, cons
     report.Say(name + ": " + std::to_string(passed) + " passed, " + std::to_string(failed) + " failed, " +
                std::to_string(skipped) + " skipped");
     if (failed == 0 && result.exitCode != DWORD{0}) {
-        report.Fail(name + " ends by itself with code 0", result.exitCode
-                                                              ? "code " + std::to_string(*result.exitCode)
-                                                              : "it was ended at its time limit");
+        report.Fail(name + " ends by itself with code 0", result.ending);
         report.Note(output);
     }
 }

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "tests/support/patient_start.h"
+
 namespace {
 
 // A file that is gone with its handle: a pipe would have to be read while the program runs.
@@ -41,6 +43,7 @@ ProgramResult RunProgram(const std::wstring& commandLine, const std::wstring& fo
     const ScopedHandle output = MakeOutputFile();
     const ScopedHandle job = MakeJob();
     if (!output || !job) {
+        result.ending = "there is no place for its output";
         return result;
     }
     STARTUPINFOW startup = {};
@@ -49,9 +52,13 @@ ProgramResult RunProgram(const std::wstring& commandLine, const std::wstring& fo
     startup.hStdOutput = output.get();
     startup.hStdError = output.get();
     PROCESS_INFORMATION started = {};
-    std::wstring writable = commandLine;
-    if (!CreateProcessW(nullptr, writable.data(), nullptr, nullptr, TRUE, CREATE_SUSPENDED, nullptr,
-                        folder.c_str(), &startup, &started)) {
+    const DWORD error = StartPatiently([&] {
+        std::wstring writable = commandLine;
+        return CreateProcessW(nullptr, writable.data(), nullptr, nullptr, TRUE, CREATE_SUSPENDED, nullptr,
+                              folder.c_str(), &startup, &started);
+    });
+    if (error != ERROR_SUCCESS) {
+        result.ending = "it could not be started, error " + std::to_string(error);
         return result;
     }
     const ScopedHandle process(started.hProcess);
@@ -62,7 +69,9 @@ ProgramResult RunProgram(const std::wstring& commandLine, const std::wstring& fo
         DWORD code = 0;
         GetExitCodeProcess(process.get(), &code);
         result.exitCode = code;
+        result.ending = "code " + std::to_string(code);
     } else {
+        result.ending = "it was ended at its time limit";
         TerminateJobObject(job.get(), 99);
         WaitForSingleObject(process.get(), 10'000);
     }

@@ -9,6 +9,7 @@
 struct ProgramResult {
     // Nothing: it could not be started, or took longer than its time and was ended.
     std::optional<DWORD> exitCode;
+    std::string ending;  // the same in words
     std::string output;
 };
 

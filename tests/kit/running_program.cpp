@@ -6,6 +6,7 @@
 
 #include "platform/files.h"
 #include "tests/desktop/window_facts.h"
+#include "tests/support/patient_start.h"
 
 // Behind the system's own header, whose types it uses.
 #include <shlobj.h>
@@ -74,8 +75,11 @@ RunningProgram::RunningProgram() {
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION started = {};
-    if (CreateProcessW(ProgramPath().c_str(), nullptr, nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                       &started)) {
+    const DWORD error = StartPatiently([&] {
+        return CreateProcessW(ProgramPath().c_str(), nullptr, nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                              &startup, &started);
+    });
+    if (error == ERROR_SUCCESS) {
         CloseHandle(started.hThread);
         process_.Reset(started.hProcess);
         id_ = started.dwProcessId;
