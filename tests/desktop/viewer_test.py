@@ -156,14 +156,20 @@ def test_1a_ends_the_text_at_opening_only(program, data):
 OTHER_TIMERS = (1, 1000, 1001, 1002, 1003)
 
 
-@each_viewer
-def test_only_its_own_timer_makes_a_viewer_look(program, data, viewer):
+def open_before_a_new_line(program, data, viewer):
+    """A viewer that does not look by itself, and its text, which its file has outgrown by "new"."""
     data.wait_for_start()
     program.attach_spy()
     window = viewer.open(program)
     window.kill_timer(viewer.timer)
     before = view_of(window).text
     append(file_of(data, viewer), b"new\n")
+    return window, before
+
+
+@each_viewer
+def test_only_its_own_timer_makes_a_viewer_look(program, data, viewer):
+    window, before = open_before_a_new_line(program, data, viewer)
     for number in OTHER_TIMERS:
         if number != viewer.timer:
             assert window.send(WM_TIMER, number) == 0
@@ -174,12 +180,7 @@ def test_only_its_own_timer_makes_a_viewer_look(program, data, viewer):
 
 @each_viewer
 def test_a_second_click_does_not_load_the_file_anew(program, data, viewer):
-    data.wait_for_start()
-    program.attach_spy()
-    window = viewer.open(program)
-    window.kill_timer(viewer.timer)
-    before = view_of(window).text
-    append(file_of(data, viewer), b"new\n")
+    window, before = open_before_a_new_line(program, data, viewer)
     program.main.control(viewer.button).click()
     program.settle()
     assert view_of(window).text == before
