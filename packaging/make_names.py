@@ -12,7 +12,7 @@ import re
 import sys
 from pathlib import Path
 
-NAME_STORE = Path(__file__).resolve().parent.parent / "mib" / "name_store.cpp"
+NAME_STORE = Path(__file__).resolve().parent.parent / "src" / "mib" / "name_store.cpp"
 STEP = "_"
 
 HEAD = """\

@@ -47,7 +47,7 @@ CheckLengths() {
 deciding_formatter=14
 
 CheckFormat() {
-    local folders=(bench config core fuzz mib platform tests trap ui)
+    local folders=(bench fuzz src tests)
     if ! Sources "${folders[@]}" | CheckComments; then
         echo "To mend it: wrap the whole comment anew, so that its last line holds two words or more."
         return 1
@@ -57,7 +57,7 @@ CheckFormat() {
         return 1
     fi
     local sources tools
-    readarray -t sources < <(Sources bench config core fuzz mib platform trap ui)
+    readarray -t sources < <(Sources bench fuzz src)
     readarray -t tools < <(find bench fuzz packaging scripts -name '*.py' -o -name '*.sh')
     if ! CheckLengths 300 "${sources[@]}" || ! CheckLengths 250 "${tools[@]}"; then
         echo "To mend it: give what is a matter of its own a file of its own."
@@ -79,7 +79,7 @@ CheckFormat() {
 # How clang reads the sources that are Windows' own as the cross compiler does, an argument a line: with its headers,
 # but behind clang's own for the processor.
 WindowsArguments() {
-    printf '%s\n' --target=x86_64-w64-mingw32 -std=c++20 -I"$PWD" -Wall -Wextra -Wshadow -Werror
+    printf '%s\n' --target=x86_64-w64-mingw32 -std=c++20 -I"$PWD/src" -Wall -Wextra -Wshadow -Werror
     local folder
     x86_64-w64-mingw32-g++-posix -E -x c++ -v /dev/null 2>&1 | sed -n '/^#include </,/^End/s/^ //p' |
         while read -r folder; do
@@ -100,7 +100,7 @@ RunTidy() {
 # native build compiles is read as it is compiled there, all the rest as Windows' own.
 CheckTidy() {
     local build=$1 shipped portable windows status=0
-    shipped=$(Sources config core mib platform trap ui | grep '\.cpp$')
+    shipped=$(Sources src | grep '\.cpp$')
     if ! portable=$(sed -n "s|^ *\"file\": \"$PWD/\(.*\)\".*|\1|p" "$build/compile_commands.json" | grep -xF "$shipped"); then
         echo "$build/compile_commands.json names none of the shipped sources." >&2
         return 1
@@ -116,10 +116,41 @@ CheckTidy() {
     return $status
 }
 
+# Each module includes its own headers and those of the modules named here; docs/architecture.md draws the same.
+declare -A may_include=(
+    [platform]=""
+    [core]="platform"
+    [config]="core platform"
+    [mib]="core platform"
+    [trap]="config core mib platform"
+    [ui]="config core mib platform trap"
+    [app]="config core mib platform trap ui"
+)
+# Where the system may be seen. All else is portable: no header of a system or of C, no conditional compilation.
+sees_windows='^src/(app/|platform/windows/|ui/(?!status_text|open_file_names))'
+sees_posix='^src/platform/posix/'
+
+CheckArrows() {
+    local module found faults=""
+    for module in "${!may_include[@]}"; do
+        found="$(grep -rnE '^ *# *include "' "src/$module" |
+            grep -vE "include \"(${module}${may_include[$module]:+|${may_include[$module]// /|}})/" || true)"
+        faults+="${found:+$found: $module/ may not include this$'\n'}"
+    done
+    found="$(grep -rnE '^ *# *(include "platform/windows/|include <[^>]*\.h>|if|elif)' src |
+        grep -vP "$sees_windows|$sees_posix" || true)"
+    faults+="${found:+$found: portable code$'\n'}"
+    if [[ -n $faults ]]; then
+        printf '%s' "$faults"
+        return 1
+    fi
+    echo "Includes: $(Sources src | wc -l) files include only what their module may know."
+}
+
 case "${1:-}" in
     format) CheckFormat ;;
     tidy) CheckTidy "$2" ;;
-    arrows) python3 -B scripts/check_arrows.py ;;
+    arrows) CheckArrows ;;
     *)
         sed -n '2,5s/^# //p' "$0"
         exit 2

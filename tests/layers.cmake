@@ -46,13 +46,10 @@ else()
     gtest_discover_tests(quillmont_${program}_tests
         TEST_PREFIX ${program}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 60)
   endforeach()
-  foreach(check commands promises user_guide value_types workflows)
+  foreach(check commands user_guide value_types workflows)
     add_test(NAME docs.${check}
         COMMAND /usr/bin/python3 -B ${CMAKE_SOURCE_DIR}/tests/docs/check_${check}.py ${CMAKE_BINARY_DIR})
   endforeach()
-  add_test(NAME planted_faults
-      COMMAND /usr/bin/python3 -B -m pytest -q -p no:cacheprovider ${CMAKE_SOURCE_DIR}/tests/faults/planting_test.py)
-  set_tests_properties(planted_faults PROPERTIES TIMEOUT 120)
   add_test(NAME style.format COMMAND ${CMAKE_SOURCE_DIR}/scripts/check_style.sh format)
   set_tests_properties(style.format PROPERTIES SKIP_RETURN_CODE 77)
   add_test(NAME style.arrows COMMAND ${CMAKE_SOURCE_DIR}/scripts/check_style.sh arrows)

@@ -85,7 +85,7 @@ def unescape(text):
 
 def sources():
     for folder in FOLDERS:
-        for path in sorted((ROOT / folder).glob("*.cpp")):
+        for path in sorted((ROOT / "src" / folder).glob("*.cpp")):
             yield path, path.read_text(encoding="utf-8")
 
 
@@ -141,10 +141,10 @@ def segments(texts):
 
 def window_texts():
     """The texts of all controls and the titles of the tool windows, and the parts of the status lines that are words."""
-    rows = "".join(path.read_text(encoding="utf-8") for path in sorted((ROOT / "ui").glob("*.cpp")))
+    rows = "".join(path.read_text(encoding="utf-8") for path in sorted((ROOT / "src" / "ui").glob("*.cpp")))
     texts = {unescape(text) for text in re.findall(r'\.(?:text|title) = L"((?:[^"\\]|\\.)*)"', rows)}
     assert not re.search(r'\.(?:text|title) = (?!L")', rows), "a text of a window that is no literal was not read"
-    status = segments(literals((ROOT / "ui" / "status_text.cpp").read_text(encoding="utf-8")))
+    status = segments(literals((ROOT / "src" / "ui" / "status_text.cpp").read_text(encoding="utf-8")))
     return texts | {text for text in status if re.match(r"\(?\w{2}", text)}
 
 

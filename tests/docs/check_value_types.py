@@ -8,7 +8,7 @@ from documents import ROOT
 
 GUIDE = ROOT / "docs" / "user-guide.md"
 FORMATS = ROOT / "docs" / "file-formats.md"
-DECODER = ROOT / "trap" / "snmp_message.cpp"
+DECODER = ROOT / "src" / "trap" / "snmp_message.cpp"
 
 # What says of each type what it must be.
 HOLDING = [ROOT / "tests" / "unit" / "snmp_message_test.cpp", ROOT / "fuzz" / "snmp_message_fuzz.cpp"]
