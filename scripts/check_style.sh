@@ -116,7 +116,8 @@ CheckTidy() {
     return $status
 }
 
-# Each module includes its own headers and those of the modules named here; docs/architecture.md draws the same.
+# Each module includes its own headers and those of the modules named here; docs/development/architecture.md draws
+# the same.
 declare -A may_include=(
     [platform]=""
     [core]="platform"

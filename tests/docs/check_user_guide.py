@@ -190,7 +190,7 @@ def main():
     pictures = set(re.findall(r"\]\((pictures/[^)]+)\)", guide))
     present = {f"pictures/{path.name}" for path in (ROOT / "docs" / "pictures").glob("*")}
     # The other documents have pictures of their own in the same folder.
-    others = "".join(path.read_text(encoding="utf-8") for path in (ROOT / "docs").glob("*.md") if path not in PAGES)
+    others = "".join(path.read_text(encoding="utf-8") for path in (ROOT / "docs").rglob("*.md") if path not in PAGES)
     unused = [picture for picture in sorted(present - pictures) if picture not in others]
     faults += [f"picture not used: {picture}" for picture in unused]
 

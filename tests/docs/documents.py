@@ -62,5 +62,5 @@ class Document:
 
 
 def documents():
-    paths = [*ROOT.glob("*.md"), *ROOT.glob("*/*.md")]
+    paths = [*ROOT.glob("*.md"), *ROOT.glob("*/*.md"), *ROOT.glob("docs/*/*.md")]
     return [Document(path) for path in sorted(paths) if path.relative_to(ROOT).parts[0] not in NOT_OURS]
