@@ -46,15 +46,6 @@ std::string StripStamp(const std::string& line) {
     return line.substr(std::min(kStampLength, line.size()));
 }
 
-// A port that is free now: ports are tried from one up, since a socket here does not tell its own.
-uint16_t BindSomewhere(UdpSocket& socket) {
-    static uint16_t next = 20000;
-    while (!BindToAllAddresses(socket, next)) {
-        ++next;
-    }
-    return next++;
-}
-
 }  // namespace
 
 const Octets& Sample(std::string_view name) {
@@ -86,28 +77,6 @@ bool WaitUntil(const std::function<bool()>& condition, std::chrono::milliseconds
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
     return true;
-}
-
-LoopbackClient::LoopbackClient() : socket_(OpenUdpSocket()) {
-    port_ = BindSomewhere(*socket_);
-}
-
-LoopbackClient::~LoopbackClient() {
-    CloseUdpSocket(*socket_);
-}
-
-void LoopbackClient::Send(const Octets& octets, uint16_t toPort) {
-    EXPECT_EQ(SendDatagram(*socket_, {kLoopback, toPort}, octets.data(), octets.size()), SendResult::Sent);
-}
-
-Octets LoopbackClient::Receive() {
-    Octets octets(65535);
-    size_t size = 0;
-    Ipv4Endpoint sender;
-    EXPECT_EQ(ReceiveDatagram(*socket_, octets.data(), octets.size(), &size, &sender),
-              ReceiveResult::Datagram);
-    octets.resize(size);
-    return octets;
 }
 
 EngineTest::EngineTest() {

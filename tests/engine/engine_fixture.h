@@ -12,10 +12,9 @@
 
 #include "platform/udp_socket.h"
 #include "tests/support/ber_encoder.h"
+#include "tests/support/loopback_client.h"
 #include "tests/support/scratch_folder.h"
 
-constexpr uint32_t kLoopback = 0x7F000001;
-constexpr uint16_t kTrapPort = 162;
 constexpr uint16_t kListenerPort = 161;
 
 // The octets of the sample message of that name.
@@ -30,25 +29,6 @@ Octets LargestMessage();
 // True as soon as `condition` holds; false when it still did not at the deadline.
 bool WaitUntil(const std::function<bool()>& condition,
                std::chrono::milliseconds limit = std::chrono::milliseconds(20000));
-
-// Sends to this machine from a port of its own, and can tell what came back.
-class LoopbackClient {
-  public:
-    LoopbackClient();
-    ~LoopbackClient();
-    LoopbackClient(const LoopbackClient&) = delete;
-    LoopbackClient& operator=(const LoopbackClient&) = delete;
-
-    uint16_t port() const { return port_; }
-    void Send(const Octets& octets, uint16_t toPort = kTrapPort);
-
-    // The next datagram that arrives here. A caller who expects none sends itself a marker first.
-    Octets Receive();
-
-  private:
-    UdpSocketRef socket_;
-    uint16_t port_ = 0;
-};
 
 class EngineTest : public ::testing::Test {
   protected:
