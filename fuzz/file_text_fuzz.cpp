@@ -69,8 +69,10 @@ std::string EncodeAsUtf8(const std::wstring& text) {
     std::string octets;
     for (size_t index = 0; index < text.size(); ++index) {
         auto code = static_cast<uint32_t>(text[index]);
-        if (sizeof(wchar_t) == 2 && code >= 0xD800 && code < 0xDC00) {
-            code = 0x10000 + ((code - 0xD800) << 10) + (static_cast<uint32_t>(text[++index]) - 0xDC00);
+        if constexpr (sizeof(wchar_t) == 2) {
+            if (code >= 0xD800 && code < 0xDC00) {
+                code = 0x10000 + ((code - 0xD800) << 10) + (static_cast<uint32_t>(text[++index]) - 0xDC00);
+            }
         }
         const int more = code < 0x80 ? 0 : code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
         constexpr uint32_t kLeads[] = {0x00, 0xC0, 0xE0, 0xF0};

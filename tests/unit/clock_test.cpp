@@ -21,9 +21,18 @@ std::string Fields(const LocalTime& time) {
            std::to_string(time.second);
 }
 
+std::tm LocalCalendar(std::time_t now) {
+    std::tm parts{};
+#ifdef _WIN32
+    localtime_s(&parts, &now);
+#else
+    localtime_r(&now, &parts);
+#endif
+    return parts;
+}
+
 std::string FieldsOfNow() {
-    const std::time_t now = std::time(nullptr);
-    const std::tm parts = *std::localtime(&now);
+    const std::tm parts = LocalCalendar(std::time(nullptr));
     LocalTime time;
     time.year = static_cast<unsigned>(parts.tm_year + 1900);
     time.month = static_cast<unsigned>(parts.tm_mon + 1);

@@ -20,12 +20,12 @@ std::string Name(unsigned code) {
     return name;
 }
 
-// Calls `visit` for every character of the basic plane but the one that ends a text, and but U+0085: Windows
-// counts it as white space, Wine does not.
+// Calls `visit` for every character of the basic plane except three: the one that ends a text, and U+0085 and
+// U+180E, which are white space or not depending on the runtime.
 template <typename Visit>
 void ForEachCharacter(Visit visit) {
     for (unsigned code = 1; code <= 0xFFFF; ++code) {
-        if (code != 0x85) {
+        if (code != 0x85 && code != 0x180E) {
             visit(static_cast<wchar_t>(code), Name(code));
         }
     }
