@@ -9,8 +9,8 @@
 constexpr uint32_t kLoopback = 0x7F000001;
 constexpr uint16_t kTrapPort = 162;
 
-// Bound to 127.0.0.1 and a port that the system chooses: Windows' firewall asks about a program that listens on
-// all addresses. Needs StartSocketLibrary. Whatever fails here fails the test.
+// Bound to 127.0.0.1 and a port that the system chooses: Windows' firewall asks about a program that
+// listens on all addresses. Needs StartSocketLibrary. Whatever fails here fails the test.
 class LoopbackClient {
   public:
     LoopbackClient();
@@ -23,8 +23,8 @@ class LoopbackClient {
     // Sends one datagram to 127.0.0.1. It may arrive after this returns.
     void Send(const Octets& octets, uint16_t toPort = kTrapPort) const;
 
-    // The next datagram that arrives within `limit`; empty if there is none, which also fails the test. A test
-    // that expects no datagram sends itself a marker and receives that.
+    // The next datagram that arrives within `limit`; empty if there is none, which also fails the test.
+    // A test that expects no datagram sends itself a marker and receives that.
     Octets Receive(std::chrono::milliseconds limit = std::chrono::seconds(20)) const;
 
     // Frees the port; nothing can be sent or received from then on.
