@@ -255,12 +255,37 @@ Section "un.${NAME}" RemoveProgram
   RMDir "$INSTDIR"
 SectionEnd
 
+; $0 becomes 1 when FOLDER exists and is not a link (a reparse point, such as a junction) to another folder.
+!macro IsPlainFolder FOLDER
+  StrCpy $1 "${FOLDER}"
+  System::Call 'kernel32::GetFileAttributesW(w r1) i .r0'
+  ; FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DIRECTORY. Both bits are also set in the -1 of a failure.
+  IntOp $0 $0 & 0x410
+  ${If} $0 = 0x10
+    StrCpy $0 1
+  ${Else}
+    StrCpy $0 0
+  ${EndIf}
+!macroend
+
+; Runs as an administrator in a folder that a standard user can write to. So it deletes by name and extension only what
+; the program makes, never recursively, and never through a link, which could lead to anybody's files.
 Section /o "un.My traps, log, settings and MIB files" RemoveData
   SetShellVarContext current
+  !insertmacro IsPlainFolder "$LOCALAPPDATA\Quillmont"
+  ${If} $0 = 0
+    Return
+  ${EndIf}
+  !insertmacro IsPlainFolder "$LOCALAPPDATA\Quillmont\mibs"
+  ${If} $0 = 1
+    Delete "$LOCALAPPDATA\Quillmont\mibs\*.mib"
+    Delete "$LOCALAPPDATA\Quillmont\mibs\*.txt"
+    Delete "$LOCALAPPDATA\Quillmont\mibs\*.my"
+    RMDir "$LOCALAPPDATA\Quillmont\mibs"
+  ${EndIf}
   Delete "$LOCALAPPDATA\Quillmont\SNMP.txt"
   Delete "$LOCALAPPDATA\Quillmont\log.txt"
   Delete "$LOCALAPPDATA\Quillmont\config.xml"
-  RMDir /r "$LOCALAPPDATA\Quillmont\mibs"
   RMDir "$LOCALAPPDATA\Quillmont"
 SectionEnd
 
@@ -274,8 +299,8 @@ FunctionEnd
 
 LangString RemoveProgramText ${LANG_ENGLISH} "The program, its Start menu entries, the start at sign-in and the \
     firewall rule."
-LangString RemoveDataText ${LANG_ENGLISH} "Everything that was recorded and imported: $LOCALAPPDATA\Quillmont. Other \
-    users' files stay."
+LangString RemoveDataText ${LANG_ENGLISH} "The records, the log, the settings and the MIB files (.mib, .txt, .my) in \
+    $LOCALAPPDATA\Quillmont. Anything else there and other users' files stay."
 !insertmacro MUI_UNFUNCTION_DESCRIPTION_BEGIN
   !insertmacro MUI_DESCRIPTION_TEXT ${RemoveProgram} $(RemoveProgramText)
   !insertmacro MUI_DESCRIPTION_TEXT ${RemoveData} $(RemoveDataText)

@@ -2,6 +2,7 @@
 
 import shutil
 
+import pytest
 from harness.waiting import wait_until
 from installation import check_that_it_records
 
@@ -38,10 +39,66 @@ def test_uninstalling_leaves_what_others_put_into_the_folder(installation):
     shutil.rmtree(installation.folder)
 
 
-def test_uninstalling_takes_the_operators_files_when_told_to(data, installation, start):
+@pytest.fixture
+def others(tmp_path):
+    """A folder of somebody else's, with files such as the program makes."""
+    folder = tmp_path / "others"
+    (folder / "mibs").mkdir(parents=True)
+    for name in ("a.mib", "SNMP.txt", "mibs/b.mib"):
+        (folder / name).write_text("not the program's")
+    return folder
+
+
+def names_below(folder):
+    return sorted(str(path.relative_to(folder)) for path in folder.rglob("*"))
+
+
+def uninstall_with_data(installation):
+    """Runs the uninstaller in its own folder, so that it is waited for."""
+    assert installation.ask_uninstaller("/S", "/DELETEDATA=yes")[0] == 0
+    shutil.rmtree(installation.folder, ignore_errors=True)
+
+
+@pytest.mark.parametrize("link", ["mibs/link", "mibs/link.mib", "mibs", "."])
+def test_the_deletion_of_data_never_leaves_the_data_folder_through_a_link(data, installation, others, link):
+    """A standard user can make such a link, and the uninstaller runs as an administrator."""
+    installation.install()
+    data.remove()
+    path = data.folder / link
+    path.parent.mkdir(parents=True, exist_ok=True)
+    path.symlink_to(others)
+    before = names_below(others)
+    uninstall_with_data(installation)
+    survived = path.is_symlink()
+    path.unlink(missing_ok=True)
+    assert survived
+    assert names_below(others) == before
+
+
+def test_the_deletion_of_data_leaves_what_the_program_does_not_make(data, installation):
+    installation.install()
+    data.add_mib("MY-MIB.MIB", b"")
+    data.add_mib("my.my", b"")
+    data.add_mib("notes.doc", b"")
+    (data.mibs / "folder.mib").mkdir()
+    (data.mibs / "folder.mib" / "inner.mib").write_text("mine")
+    data.traps.write_text("")
+    (data.folder / "mine.txt").write_text("mine")
+    uninstall_with_data(installation)
+    assert names_below(data.folder) == [
+        "mibs",
+        "mibs/folder.mib",
+        "mibs/folder.mib/inner.mib",
+        "mibs/notes.doc",
+        "mine.txt",
+    ]
+
+
+def test_uninstalling_deletes_the_operators_files_when_told_to(data, installation, start):
     installation.install()
     start(installation.program).wait_running().close()
     assert data.config.exists()
+    data.add_mib("MY-MIB.txt", b"")
     installation.uninstall("/DELETEDATA=yes")
     wait_until(lambda: not data.folder.exists(), "the data folder to be gone")
     assert installation.traces() == []
