@@ -14,7 +14,7 @@ run_packages=(wine wine64 xvfb x11-apps imagemagick snmp libsnmp-base iproute2 u
 test_packages=(clang libclang-rt-dev clang-format clang-tidy git python3-pytest python3-yaml evilwm)
 
 # makensis (nsis) makes the installer, pandoc the guide's HTML; osslsigncode signs, and openssl makes what the tests
-# sign with; python3 writes the standard names and the notices.
+# sign with; python3 writes the standard names.
 package_packages=(nsis pandoc zip unzip osslsigncode openssl python3)
 # rsvg-convert (librsvg2-bin) and icotool (icoutils) draw the icon.
 icon_packages=(librsvg2-bin icoutils)
