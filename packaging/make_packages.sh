@@ -95,3 +95,7 @@ MakeZip
 MakeInstaller
 (cd "$output" && sha256sum Quillmont-* >SHA256SUMS)
 packaging/read_release.sh notes "$version" >"$output/release-notes-$version.md"
+warning="$(packaging/warn_of_old_nsis.sh)"
+if [[ -n "$warning" ]]; then
+    printf '\n%s\n' "$warning" | tee -a "$output/release-notes-$version.md" >&2
+fi

@@ -9,6 +9,7 @@ import subprocess
 import zipfile
 from pathlib import Path
 
+import pytest
 from harness import traps
 from harness.places import ROOT, drive_c
 from installation import CONTENT, MEM_TOTAL_REAL, VERSION, check_that_it_records, package, unpack
@@ -63,12 +64,50 @@ def test_readme_and_packages_say_whose_it_is_and_no_more():
     assert not list(ROOT.glob("LICEN[CS]E*")) + list(ROOT.glob("COPYING*"))
 
 
+def test_third_party_txt_names_every_library_in_the_program():
+    link_map = Path(os.environ["QUILLMONT_LINK_MAP"]).read_text()
+    members = re.findall(r"^\S+/(lib[^/]+)\.a\((\S+)\)$", link_map, re.M)
+    # dlltool made these: the name of a function in a DLL of Windows, and no code.
+    imports = re.compile(r"lib\w+?(?:h|t|s\d{5})\.o")
+    linked = {library for library, member in members if not imports.fullmatch(member)}
+    others = {library for library in linked if not library.startswith("libquillmont_")}
+    assert {"libmingw32", "libstdc++"} <= others, link_map[:1000]
+    with zipfile.ZipFile(package("windows-x64.zip")) as archive:
+        notices = archive.read("THIRD-PARTY.txt").decode()
+    assert notices == (ROOT / "THIRD-PARTY.txt").read_text().replace("\n", "\r\n")
+    named = set(re.findall(r"lib[\w+]+", " ".join(re.findall(r"^Libraries: (.*)$", notices, re.M))))
+    assert others <= named
+
+
+def warning_of_nsis(**environment):
+    command = [ROOT / "packaging" / "warn_of_old_nsis.sh"]
+    return subprocess.run(
+        command, check=True, capture_output=True, text=True, env={**os.environ, **environment}
+    ).stdout
+
+
+@pytest.mark.parametrize(
+    ("version", "is_old"),
+    [("v2.51", True), ("v3.08-3+deb12u1", True), ("v3.9", True), ("v3.11", False), ("v3.11-1", False), ("v4.0", False)],
+)
+def test_an_installer_made_with_an_old_nsis_is_warned_of(tmp_path, version, is_old):
+    makensis = tmp_path / "makensis"
+    makensis.write_text(f"#!/bin/sh\nprintf %s {version}\n")
+    makensis.chmod(0o755)
+    warning = warning_of_nsis(PATH=f"{tmp_path}:{os.environ['PATH']}")
+    assert bool(warning) == is_old
+    assert not is_old or (version[1:] in warning and "CVE-2025-43715" in warning)
+
+
 def test_the_release_notes_are_this_versions_section_of_the_change_log():
     """It stands first and has a day, and whatever the packages bear bears that."""
     change_log = (ROOT / "CHANGELOG.md").read_text()
     heading, version, day = re.search(r"^## (\S+) \((\S+)\)$", change_log, re.M).group(0, 1, 2)
     assert version == VERSION
     notes = package("setup.exe").with_name(f"release-notes-{VERSION}.md").read_text()
+    warning = warning_of_nsis()
+    assert notes.endswith(warning)
+    notes = notes.removesuffix(warning)
     assert notes.startswith(heading + "\n")
     assert notes.count("\n## ") == 0
     assert notes.strip() in change_log
