@@ -116,7 +116,10 @@ class Installation:
 
     def uninstall(self, *switches):
         self.start_uninstall(*switches)
-        wait_until(lambda: not self.folder.exists(), "the program's folder to be gone")
+        wait_until(
+            lambda: not self.folder.exists(),
+            lambda: f"the program's folder to be gone, it has {sorted(self.folder.iterdir())}",
+        )
 
     def ask(self, program, *switches):
         """The exit code and what is printed, into a file: a pipe would be held open by what is left running."""
