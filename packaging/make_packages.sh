@@ -41,9 +41,10 @@ MakeContent() {
     MakeNames "$content/standard-names.mib"
 }
 
-# Both pages in one file, pictures and style inside.
+# Its three pages in one file, pictures and style inside.
 MakeGuide() {
-    pandoc docs/user-guide.md docs/operating.md --lua-filter packaging/one-page.lua --from gfm --to html5 \
+    pandoc docs/user-guide.md docs/installing.md docs/operating.md --lua-filter packaging/one-page.lua \
+        --from gfm --to html5 \
         --no-highlight --standalone --self-contained --toc --toc-depth 2 \
         --resource-path docs --css packaging/user-guide.css \
         --metadata title="Quillmont PRO" --metadata subtitle="User guide, version $version" --metadata lang=en \

@@ -1,13 +1,10 @@
-"""Reads the Markdown documents of the repository: their fenced blocks, their pieces of code, headings and links."""
+"""Reads the Markdown documents of the repository: their fenced blocks, code spans, headings and links."""
 
 import re
-import subprocess
-from dataclasses import dataclass
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
-NOT_OURS = {"build", "dist"}
-VERSION = subprocess.check_output([ROOT / "packaging" / "read_version.sh"], text=True).strip()
+NOT_OURS = {"build", "dist", ".git"}
 
 FENCE = re.compile(r"^```(\w*)\n(.*?)^```$", re.M | re.S)
 SPAN = re.compile(r"`([^`]+)`")
@@ -15,52 +12,34 @@ LINK = re.compile(r"\]\(([^)\s]+)\)")
 HEADING = re.compile(r"^#+ (.+)$", re.M)
 
 
-@dataclass(frozen=True)
-class Piece:
-    """A piece of a document with the line that it begins in."""
-
-    document: str
-    line: int
-    text: str
-
-    @property
-    def place(self):
-        return f"{self.document}:{self.line}"
-
-    def __str__(self):
-        return f"{self.place}: {self.text}"
-
-
 class Document:
     def __init__(self, path):
         self.path = path
         self.name = path.relative_to(ROOT).as_posix()
         self.text = path.read_text(encoding="utf-8")
-        # Of the same length, so that positions stay what they are.
-        self.prose = FENCE.sub(lambda match: re.sub(r"[^\n]", " ", match[0]), self.text)
+        self.prose = FENCE.sub("", self.text)
 
-    def _piece(self, position, text):
-        return Piece(self.name, self.text.count("\n", 0, position) + 1, text)
-
-    def fences(self):
-        """(language, piece) of each fenced block; the language is empty when it names none."""
-        return [(match[1], self._piece(match.start(2), match[2])) for match in FENCE.finditer(self.text)]
+    def blocks(self, language):
+        return [text for found, text in FENCE.findall(self.text) if found == language]
 
     def spans(self):
-        """Each piece of code in running text and tables, on one line."""
-        return [
-            self._piece(match.start(), re.sub(r"\s+", " ", match[1]).strip())
-            for match in SPAN.finditer(self.prose)
-        ]
+        """Each code span in running text and tables, on one line."""
+        return [re.sub(r"\s+", " ", found).strip() for found in SPAN.findall(self.prose)]
 
     def links(self):
-        return [self._piece(match.start(), match[1]) for match in LINK.finditer(self.prose)]
+        return LINK.findall(self.prose)
 
     def anchors(self):
         """How a link names each heading."""
         return {re.sub(r"[^\w\- ]", "", heading.lower()).replace(" ", "-") for heading in HEADING.findall(self.prose)}
 
 
+def files():
+    """Every file of the repository that is not built."""
+    for path in sorted(ROOT.iterdir()):
+        if path.name not in NOT_OURS:
+            yield from [path] if path.is_file() else sorted(inner for inner in path.rglob("*") if inner.is_file())
+
+
 def documents():
-    paths = [*ROOT.glob("*.md"), *ROOT.glob("*/*.md"), *ROOT.glob("docs/*/*.md")]
-    return [Document(path) for path in sorted(paths) if path.relative_to(ROOT).parts[0] not in NOT_OURS]
+    return [Document(path) for path in files() if path.suffix == ".md"]

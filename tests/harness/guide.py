@@ -1,10 +1,10 @@
-"""The pages of the user guide: what stands in their blocks."""
+"""The pages of the user guide, and their blocks."""
 
 import re
 
 from harness.places import ROOT
 
-PAGES = [ROOT / "docs" / "user-guide.md", ROOT / "docs" / "operating.md"]
+PAGES = [ROOT / "docs" / f"{name}.md" for name in ("user-guide", "installing", "operating")]
 BLOCK = re.compile(r"^```(\w+)\n(.*?)^```$", re.M | re.S)
 MARKED = re.compile(r"^<!-- check: ([\w-]+) -->\n```powershell\n(.*?)^```$", re.M | re.S)
 
@@ -19,12 +19,12 @@ def prose():
 
 
 def blocks(language):
-    """What stands in the blocks of this language, in their order."""
+    """The texts of the blocks of this language, in their order."""
     return [text for found, text in BLOCK.findall(guide()) if found == language]
 
 
 def block_with(language, mark):
-    """The first block of this language that holds the mark."""
+    """The first block of this language that contains the mark."""
     return next(text for text in blocks(language) if mark in text)
 
 

@@ -31,7 +31,10 @@ def test_the_guide_in_the_zip_is_one_file():
         guide = archive.read("user-guide.html").decode()
     assert f"version {VERSION}" in guide
     assert not re.search(r'href="[\w-]+\.md', guide)
-    assert 'id="running-it-for-months"' in guide
+    for page in ("quillmont-pro-user-guide", "installing-and-removing", "running-it-for-months"):
+        assert f'id="{page}"' in guide
+    headings = set(re.findall(r'id="([^"]+)"', guide))
+    assert set(re.findall(r'href="#([^"]+)"', guide)) <= headings
     pictures = re.findall(r"""<(?:img|link|script)[^>]*?(?:src|href)=["']([^"']{0,30})""", guide)
     assert pictures
     assert all(picture.startswith("data:") for picture in pictures), pictures

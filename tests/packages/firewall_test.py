@@ -86,7 +86,7 @@ def test_a_missing_netsh_is_reported_too(installation):
 
 
 def test_the_guides_rule_is_setups_rule():
-    guide = (ROOT / "docs" / "user-guide.md").read_text()
+    guide = (ROOT / "docs" / "installing.md").read_text()
     commands = re.findall(r"^netsh (.*)$", guide, re.M)
     by_hand = 'name="Quillmont PRO"'
     assert [ADD_RULE.replace(NAME, by_hand), DELETE_RULES_OF_PROGRAM] == sorted(commands)

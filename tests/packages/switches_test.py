@@ -43,7 +43,7 @@ def test_help_names_the_switches_and_the_codes(installation, switch):
     code, text = installation.ask_setup("/S", switch)
     assert code == WRONG_SWITCH, text
     assert text.startswith("Setup's switches:\n")
-    guide = (ROOT / "docs" / "user-guide.md").read_text()
+    guide = (ROOT / "docs" / "installing.md").read_text()
     for named in re.findall(r"(?<!\S)/[A-Z]+(?:=[a-z]+)?(?![=\w])", text):
         assert f"`{named}`" in guide, f"the guide does not name {named}"
     for code in range(5):
@@ -110,7 +110,7 @@ def test_a_downgrade_by_hand_is_asked_about(driver, installation):
 
 
 def test_the_guide_names_no_folder_where_every_user_may_replace_the_program():
-    guide = (ROOT / "docs" / "user-guide.md").read_text()
+    guide = (ROOT / "docs" / "installing.md").read_text()
     folders = re.findall(r"/D=([^`]+)`", guide)
     assert folders
     assert all(folder.startswith("C:\\Program Files\\") for folder in folders), folders
@@ -118,5 +118,5 @@ def test_the_guide_names_no_folder_where_every_user_may_replace_the_program():
 
 def test_the_guide_names_sc_by_its_file():
     """In PowerShell plain sc is Set-Content: `sc stop SNMPTRAP` there writes a file and stops nothing."""
-    guide = (ROOT / "docs" / "user-guide.md").read_text()
+    guide = (ROOT / "docs" / "installing.md").read_text()
     assert re.findall(r"^sc\S* \w+", guide, re.M) == ["sc.exe stop", "sc.exe config"]
