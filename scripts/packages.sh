@@ -10,8 +10,8 @@ build_packages=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix libgtest-dev)
 # Open Sans stands in for Segoe UI, and fonts-wine has the signs of the caption buttons.
 run_packages=(wine wine64 xvfb x11-apps imagemagick snmp libsnmp-base iproute2 util-linux python3
     fonts-open-sans fonts-wine)
-# evilwm manages the windows on the display that stands for a user's; python3-yaml reads the workflows.
-test_packages=(clang libclang-rt-dev clang-format clang-tidy git python3-pytest python3-yaml evilwm)
+# evilwm manages the windows on the display that stands for a user's.
+test_packages=(clang libclang-rt-dev clang-format clang-tidy git python3-pytest evilwm)
 
 # makensis (nsis) makes the installer, pandoc the guide's HTML; osslsigncode signs, and openssl makes what the tests
 # sign with; python3 writes the standard names.
