@@ -1,21 +1,21 @@
-"""Starts the program, sends it real traps, saves pictures of its windows, closes it and prints what it wrote; or, with
---until-closed, opens its windows instead and leaves them to whoever sits in front of them.
+"""Starts the program, sends it real traps, saves pictures of its windows, closes it and prints what it wrote. With
+--until-closed it opens the windows instead and waits until somebody closes the main window.
 
 WINEPREFIX, DISPLAY and where the harness is are set by show_receiver.sh.
 """
 
 import sys
 
-from harness import samples, traps
+from harness import samples
 from harness.data_folder import find_data_folder
 from harness.driver import Driver
-from harness.pictures import save_picture
+from harness.pictures import save_window
 from harness.places import ROOT
 from harness.program import Program
 from harness.tool_windows import LOG, MONITOR, STATUS, TOOL_WINDOWS
 
 PICTURES = ROOT / "build" / "pictures"
-NAMES = ["memTotalReal", "memTotalFree", "sysUpTime-0", "ifOperStatus-3"]
+NAMES = ["memTotalReal", "sysUpTime-0", "ifOperStatus-3", "upsSecondsOnBattery-0", "mteHotTrigger-0"]
 
 
 def say(text):
@@ -27,13 +27,15 @@ def text_of(octets):
 
 
 def send_traps(data):
-    say("Sending a version 1 trap, a version 2c trap and an inform with snmptrap.")
+    say("Sending a version 1 trap, three version 2c traps and an inform with snmptrap.")
     before = data.traps_received()
-    samples.send_memory_report()
-    samples.send_link_down()
-    if traps.send_inform(samples.MEM_TOTAL_FREE, "i", "1204"):
-        sys.exit("The inform was answered, and nothing may ever be.")
-    data.wait_for_traps(before + 3)
+    samples.send_memory_report("127.0.0.14")
+    samples.send_link_down("127.0.0.11")
+    samples.send_on_battery("127.0.0.12")
+    samples.send_disk_full("127.0.0.13")
+    if samples.send_inform("127.0.0.11"):
+        sys.exit("The inform was answered, but the receiver must never send an answer.")
+    data.wait_for_traps(before + 5)
     if missing := samples.missing_names(data, *NAMES):
         sys.exit(f"The records lack names: {', '.join(missing)}.")
 
@@ -43,7 +45,7 @@ def take_pictures(program):
     program.main.move(40, 20)
 
     def save(window, name):
-        save_picture(window, PICTURES / f"{name}_window.png")
+        save_window(PICTURES / f"{name}_window.png", window)
         say(f"Picture: build/pictures/{name}_window.png")
 
     for tool in TOOL_WINDOWS:

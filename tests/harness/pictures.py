@@ -1,30 +1,30 @@
 """Pictures of windows, taken from the virtual display."""
 
 import subprocess
-import time
 
-# A window that changes all the time, like the status window, is taken as it is after this.
-STILL_SECONDS = 5
+from harness.waiting import wait_until
 
 
-def look_at_display():
-    """Everything on the display, as a file of the X window dump's kind."""
+def _look_at_display():
+    """Everything on the display, as a file of xwd's format."""
     return subprocess.run(["xwd", "-root", "-silent"], check=True, capture_output=True).stdout
 
 
-def _look(window):
-    """The window's pixels on the display, as a PPM file."""
-    left, top, right, bottom = window.facts.rect
-    crop = f"{right - left}x{bottom - top}+{left}+{top}"
-    command = ["convert", "xwd:-", "-crop", crop, "+repage", "ppm:-"]
-    return subprocess.run(command, input=look_at_display(), check=True, capture_output=True).stdout
+def save_area(path, windows, rect):
+    """Saves this part of the display as a PNG file, once the windows are painted: two looks in a row are the same."""
+    for window in windows:
+        window.repaint()
+    seen = [None]
+
+    def is_still():
+        last, seen[0] = seen[0], _look_at_display()
+        return seen[0] == last
+
+    wait_until(is_still, "the windows to be painted")
+    left, top, right, bottom = rect
+    crop = ["-crop", f"{right - left}x{bottom - top}+{left}+{top}", "+repage"]
+    subprocess.run(["convert", "xwd:-", *crop, f"png24:{path}"], input=seen[0], check=True)
 
 
-def save_picture(window, path):
-    """Saves the window as it stands on the display, once two looks in a row show the same: it is painted then."""
-    deadline = time.monotonic() + STILL_SECONDS
-    last, seen = None, _look(window)
-    while seen != last and time.monotonic() < deadline:
-        window.send(0)
-        last, seen = seen, _look(window)
-    subprocess.run(["convert", "ppm:-", str(path)], input=seen, check=True)
+def save_window(path, window):
+    save_area(path, [window], window.facts.rect)

@@ -1,10 +1,12 @@
-"""Real MIB files and real traps that are good to look at: what run.sh and the pictures of the guide show."""
+"""MIB files and traps as real devices bring them: what run.sh and the pictures show."""
 
+import os
 import shutil
+import subprocess
 from pathlib import Path
 
-from harness import traps
 from harness.standard_names import FILE_NAME, make_standard_names
+from harness.traps import LOOPBACK
 
 # Of Debian's libsnmp-base.
 MIB_FOLDER = Path("/usr/share/snmp/mibs")
@@ -16,20 +18,18 @@ MIB_FILES = [
     "UCD-SNMP-MIB.txt",
 ]
 
-# Named by these files, without an instance: a name needs exactly its identifier.
-MEM_TOTAL_REAL = "1.3.6.1.4.1.2021.4.5"
-MEM_AVAIL_REAL = "1.3.6.1.4.1.2021.4.6"
-MEM_TOTAL_FREE = "1.3.6.1.4.1.2021.4.11"
-MEM_SWAP_ERROR = "1.3.6.1.4.1.2021.4.101"
-HEARTBEAT_RATE = "1.3.6.1.4.1.8072.2.3.2.1"
-HEARTBEAT_NAME = "1.3.6.1.4.1.8072.2.3.2.2"
-# The columns whose instances the standard names name.
+UPTIME = "8640000"  # one day, in hundredths of a second
+LINK_DOWN = "1.3.6.1.6.3.1.1.5.3"
 IF_ENTRY = "1.3.6.1.2.1.2.2.1"
-IF_ALIAS = "1.3.6.1.2.1.31.1.1.1.18"
+UPS_MIB = "1.3.6.1.2.1.33"
+UCD_MIB = "1.3.6.1.4.1.2021"
+DISK_ENTRY = UCD_MIB + ".9.1"
+EVENT_NOTIFICATION = "1.3.6.1.2.1.88.2.0.1"  # mteTriggerFired
+EVENT_OBJECTS = "1.3.6.1.2.1.88.2.1"
 
 
 def add_samples(data):
-    """Puts the files and the standard names where the program reads them at its start; their names."""
+    """Puts the files and the standard names where the program reads them at its start. Returns their names."""
     data.mibs.mkdir(parents=True, exist_ok=True)
     for name in MIB_FILES:
         shutil.copy(MIB_FOLDER / name, data.mibs)
@@ -37,16 +37,51 @@ def add_samples(data):
     return [*MIB_FILES, FILE_NAME]
 
 
-def send_link_down():
+def _send(sender, *arguments):
+    """Runs snmptrap with this source address. Returns the exit code, which is not 0 for an inform without an answer."""
+    # Independent of the machine's settings and MIB files.
+    environment = dict(os.environ, SNMPCONFPATH="/nonexistent", MIBS="")
+    command = ["snmptrap", f"--clientaddr={sender}", "-cpublic", *arguments]
+    return subprocess.run(command, env=environment, capture_output=True, timeout=60, check=False).returncode
+
+
+def _send_v2c(sender, notification, *bindings):
+    assert _send(sender, "-v2c", LOOPBACK, UPTIME, notification, *bindings) == 0
+
+
+def send_link_down(sender):
+    """A switch reports a port without a link."""
     state = [f"{IF_ENTRY}.1.3", "i", "3", f"{IF_ENTRY}.7.3", "i", "1", f"{IF_ENTRY}.8.3", "i", "2"]
-    names = [f"{IF_ENTRY}.2.3", "s", "GigabitEthernet0/3", f"{IF_ALIAS}.3", "s", "to the server room"]
-    traps.send_v2c(*state, *names)
+    _send_v2c(sender, LINK_DOWN, *state, f"{IF_ENTRY}.2.3", "s", "GigabitEthernet0/3")
 
 
-def send_memory_report():
-    traps.send_v1(MEM_TOTAL_REAL, "i", "8029184", MEM_AVAIL_REAL, "i", "1204")
+def send_on_battery(sender):
+    """An uninterruptible power supply runs on its battery: upsTrapOnBattery."""
+    battery = [f"{UPS_MIB}.1.2.3.0", "i", "47", f"{UPS_MIB}.1.2.2.0", "i", "12"]
+    _send_v2c(sender, f"{UPS_MIB}.2.1", *battery, f"{UPS_MIB}.1.9.7.0", "i", "2")
+
+
+def send_disk_full(sender):
+    """A server's agent reports a full disk. The vendor's MIB file names the columns, but not the instances .1 of them
+    that the trap carries, so these two stay numbers."""
+    trigger = [f"{EVENT_OBJECTS}.1.0", "s", "dskTable", f"{EVENT_OBJECTS}.4.0", "o", f"{DISK_ENTRY}.100.1"]
+    value = [f"{EVENT_OBJECTS}.5.0", "i", "1"]
+    disk = [f"{DISK_ENTRY}.2.1", "s", "/var", f"{DISK_ENTRY}.101.1", "s", "/var: less than 10% free (= 4%)"]
+    _send_v2c(sender, EVENT_NOTIFICATION, *trigger, *value, *disk)
+
+
+def send_memory_report(sender):
+    """A version 1 trap of the vendor's own kind: enterprise-specific, number 1."""
+    memory = [f"{UCD_MIB}.4.5", "i", "8029184", f"{UCD_MIB}.4.6", "i", "1204"]
+    assert _send(sender, "-v1", LOOPBACK, UCD_MIB, sender, "6", "1", UPTIME, *memory) == 0
+
+
+def send_inform(sender):
+    """A linkDown as an inform, sent once. Returns whether it was answered within half a second."""
+    inform = ["-Ci", "-r0", "-t0.5", "-v2c", LOOPBACK, UPTIME, LINK_DOWN, f"{IF_ENTRY}.1.4", "i", "4"]
+    return _send(sender, *inform) == 0
 
 
 def missing_names(data, *names):
-    """Which of these names no record shows."""
+    """Returns those of these names that no record shows."""
     return [name for name in names if f"({name})".encode() not in data.trap_octets()]
