@@ -5,14 +5,14 @@
 
 namespace {
 
-// What a message has around its list, and one binding around its value, with lengths of three octets.
-constexpr size_t kRoomForHeaders = 64;
+// Upper bound for the headers of a message and of one binding.
+constexpr size_t kHeaderOctets = 64;
 
 Octets EncodeTimeTicks(uint64_t ticks) {
     return EncodeUnsigned(ber::kTimeTicks, ticks);
 }
 
-// The binding number `place` of the interfaces that a trap tells of.
+// Binding number `place` of a trap about interfaces.
 Binding MakeInterfaceBinding(size_t place) {
     const std::string instance = std::to_string(1000 + place / 7);
     switch (place % 7) {
@@ -33,10 +33,10 @@ Binding MakeInterfaceBinding(size_t place) {
     }
 }
 
-// A trap whose list is `unit` over and over, as often as there is room for.
+// A trap whose list repeats `unit` as often as fits into `octets`.
 Octets FillTrap(const Octets& unit, size_t octets) {
     Octets content;
-    while (content.size() + unit.size() + kRoomForHeaders <= octets) {
+    while (content.size() + unit.size() + kHeaderOctets <= octets) {
         content.insert(content.end(), unit.begin(), unit.end());
     }
     return EncodeV2TrapWithListContent(content);
@@ -66,7 +66,7 @@ Octets MakeTrapOfTinyElements(size_t octets) {
 Octets MakeTrapOfNestedElements(size_t octets) {
     constexpr size_t kLongestHeader = 4;
     Octets headers;
-    for (size_t left = octets - kRoomForHeaders; left > 0;) {
+    for (size_t left = octets - kHeaderOctets; left > 0;) {
         left -= std::min(left, kLongestHeader);
         const Octets header = EncodeHeader(ber::kSequence, left);
         headers.insert(headers.end(), header.begin(), header.end());
@@ -76,13 +76,12 @@ Octets MakeTrapOfNestedElements(size_t octets) {
 
 Octets MakeTrapWithGiantIdentifier(size_t octets) {
     return EncodeV2TrapWithListContent(
-        EncodeSequence({EncodeElement(ber::kOid, Octets(octets - kRoomForHeaders, 0x7F)), EncodeNull()}));
+        EncodeSequence({EncodeElement(ber::kOid, Octets(octets - kHeaderOctets, 0x7F)), EncodeNull()}));
 }
 
 Octets MakeTrapWithGiantText(size_t octets) {
-    return EncodeV2TrapWithListContent(
-        EncodeSequence({EncodeElement(ber::kOid, {0x2B, 6}),
-                        EncodeOctetString(std::string(octets - kRoomForHeaders, 'x'))}));
+    return EncodeV2TrapWithListContent(EncodeSequence(
+        {EncodeElement(ber::kOid, {0x2B, 6}), EncodeOctetString(std::string(octets - kHeaderOctets, 'x'))}));
 }
 
 Octets MakeTrapOfTenOctetArcs(size_t octets) {

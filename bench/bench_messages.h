@@ -1,4 +1,4 @@
-// The datagrams that the benchmarks decode and the storms send.
+// The datagrams that the benchmarks decode and the load generator sends.
 #pragma once
 
 #include <cstddef>
@@ -19,7 +19,7 @@ constexpr size_t kLargestDatagram = 65507;
 
 // Hostile ones, of `octets` octets or a few less.
 Octets MakeTrapOfTinyBindings(size_t octets);    // as many as fit: an empty identifier without a value each
-Octets MakeTrapOfTinyElements(size_t octets);    // elements of one octet where bindings should stand
+Octets MakeTrapOfTinyElements(size_t octets);    // elements of one octet instead of bindings
 Octets MakeTrapOfNestedElements(size_t octets);  // as many levels, one inside the other, as fit
 Octets MakeTrapWithGiantIdentifier(size_t octets);  // one identifier, each octet an arc
 Octets MakeTrapWithGiantText(size_t octets);        // one printable text

@@ -1,9 +1,7 @@
-// A datagram's way, step by step and as a whole: header walk, decode, rendering by type, name
-// lookup, compose, text to octets, append, log line; decode by number of bindings. Hostile datagrams
-// are in worst_cases.cpp.
+// A datagram step by step: decode, name lookup, compose, text to octets, append, log line. Hostile datagrams
+// are in worst_cases.cpp; whole traps, from the socket to the files, are measured by compare.sh.
 //
-// The datagram is a linkDown of eight bindings unless the name says otherwise. "items" are datagrams, or
-// bindings where the argument counts them. BM_RecordTraps is the whole way but the receive call.
+// The datagram is a linkDown of eight bindings unless the name says otherwise. "items" are datagrams.
 #include <benchmark/benchmark.h>
 
 #include <string>
@@ -17,15 +15,12 @@
 #include "core/file_text.h"
 #include "mib/name_store.h"
 #include "platform/clock.h"
-#include "trap/ber_reader.h"
 #include "trap/snmp_message.h"
 #include "trap/trap_record.h"
-#include "trap/trap_thread.h"
 
 namespace {
 
 constexpr size_t kUsualBindings = 8;
-constexpr Ipv4Endpoint kSender = {0x7F000001, 49152};
 
 std::wstring ComposeUsualRecord() {
     const Octets trap = MakeTrap(kUsualBindings);
@@ -41,82 +36,18 @@ void CountDatagrams(benchmark::State& state, size_t octets) {
     state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(octets));
 }
 
-void DecodeOverAndOver(benchmark::State& state, const Octets& datagram) {
+void BM_Decode(benchmark::State& state) {
+    const Octets trap = MakeTrap(static_cast<size_t>(state.range(0)));
     VarbindList bindings;
     for (auto unused : state) {
-        DecodeSnmpMessage(datagram.data(), datagram.size(), bindings);
+        DecodeSnmpMessage(trap.data(), trap.size(), bindings);
         benchmark::DoNotOptimize(bindings.size());
-    }
-    CountDatagrams(state, datagram.size());
-}
-
-// Every header of the message and of its bindings, nothing rendered.
-size_t WalkHeaders(const uint8_t* position, const uint8_t* end) {
-    constexpr uint8_t kConstructed = 0x20;
-    size_t headers = 0;
-    TlvHeader header;
-    for (; ReadTlvHeader(position, end, &header); position = header.contentEnd) {
-        headers +=
-            1 + ((header.tag & kConstructed) != 0 ? WalkHeaders(header.content, header.contentEnd) : 0);
-    }
-    return headers;
-}
-
-void BM_HeaderWalk(benchmark::State& state) {
-    const Octets trap = MakeTrap(kUsualBindings);
-    for (auto unused : state) {
-        benchmark::DoNotOptimize(WalkHeaders(trap.data(), trap.data() + trap.size()));
     }
     CountDatagrams(state, trap.size());
 }
-BENCHMARK(BM_HeaderWalk);
-
-void BM_Decode(benchmark::State& state) {
-    DecodeOverAndOver(state, MakeTrap(static_cast<size_t>(state.range(0))));
-}
 BENCHMARK(BM_Decode)->Arg(2)->Arg(8)->Arg(50)->Arg(4000);
 
-// One binding of the type, the message around it included.
-void RenderOverAndOver(benchmark::State& state, const Octets& value) {
-    DecodeOverAndOver(state, EncodeV2Trap({{"1.3.6.1.2.1.2.2.1.1.1001", value}}));
-}
-
-void BM_RenderInteger(benchmark::State& state) {
-    RenderOverAndOver(state, EncodeInteger(-123456789));
-}
-BENCHMARK(BM_RenderInteger);
-
-void BM_RenderCounter64(benchmark::State& state) {
-    RenderOverAndOver(state, EncodeUnsigned(ber::kCounter64, 1234567890123456U));
-}
-BENCHMARK(BM_RenderCounter64);
-
-void BM_RenderPrintableText(benchmark::State& state) {
-    RenderOverAndOver(state, EncodeOctetString("GigabitEthernet1/0/24"));
-}
-BENCHMARK(BM_RenderPrintableText);
-
-void BM_RenderHexadecimal(benchmark::State& state) {
-    RenderOverAndOver(state, EncodeOctetString(std::string(40, '\x80')));
-}
-BENCHMARK(BM_RenderHexadecimal);
-
-void BM_RenderIdentifier(benchmark::State& state) {
-    RenderOverAndOver(state, EncodeOid("1.3.6.1.6.3.1.1.5.3"));
-}
-BENCHMARK(BM_RenderIdentifier);
-
-void BM_RenderIpAddress(benchmark::State& state) {
-    RenderOverAndOver(state, EncodeIpAddress(10, 20, 30, 40));
-}
-BENCHMARK(BM_RenderIpAddress);
-
-void BM_RenderNull(benchmark::State& state) {
-    RenderOverAndOver(state, EncodeNull());
-}
-BENCHMARK(BM_RenderNull);
-
-// Half of the lookups find a name; the identifiers are taken in an order that no cache can guess.
+// Half of the lookups find a name. The order of the identifiers defeats the processor's caches.
 void BM_NameLookup(benchmark::State& state) {
     const auto names = static_cast<size_t>(state.range(0));
     FillNameStore(names);
@@ -131,17 +62,6 @@ void BM_NameLookup(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations());
 }
 BENCHMARK(BM_NameLookup)->Arg(10000)->Arg(200000)->Arg(500000);
-
-// What BM_NameLookup spends on making the identifier it asks for.
-void BM_NameLookupWithoutLookup(benchmark::State& state) {
-    size_t place = 0;
-    for (auto unused : state) {
-        place = (place + 7919) % 400000;
-        benchmark::DoNotOptimize(SampleOid(place));
-    }
-    state.SetItemsProcessed(state.iterations());
-}
-BENCHMARK(BM_NameLookupWithoutLookup);
 
 void BM_Compose(benchmark::State& state) {
     const Octets trap = MakeTrap(kUsualBindings);
@@ -189,23 +109,6 @@ void BM_LogLine(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations());
 }
 BENCHMARK(BM_LogLine);
-
-// One trap in its turn, and the most that a turn takes.
-void BM_RecordTraps(benchmark::State& state) {
-    const ScratchData data;
-    const Octets trap = MakeTrap(static_cast<size_t>(state.range(0)));
-    std::vector<TrapArrival> arrivals(static_cast<size_t>(state.range(1)));
-    for (TrapArrival& arrival : arrivals) {
-        arrival = {trap.data(), trap.size(), kSender, ReadLocalTime()};
-    }
-    TrapWorkspace workspace;
-    for (auto unused : state) {
-        RecordTraps(arrivals, nullptr, workspace);
-    }
-    CountDatagrams(state, trap.size() * arrivals.size());
-    state.SetItemsProcessed(state.iterations() * state.range(1));
-}
-BENCHMARK(BM_RecordTraps)->ArgsProduct({{2, 8, 50}, {1, TrapTurn::kMostArrivals}});
 
 }  // namespace
 

@@ -1,9 +1,8 @@
-// Floors for a receiver; they end when they are killed.
+// Floors for a receiver: the least that one can do. Both end when they are killed.
 // Usage: floor_receiver [FOLDER RECORD_OCTETS LINE_OCTETS].
 //
-// With its arguments the least that one can do that writes each trap by itself: take a datagram from UDP 162,
-// append a block of octets to each of two files, opening and closing each. Without them the least that any
-// can do: take it. Nothing is decoded; what Quillmont needs beyond these programs' time is Quillmont's own.
+// With arguments it handles each trap by itself: receive a datagram from UDP 162, append a block of octets to
+// each of two files, opening and closing each. Without arguments it only receives. Nothing is decoded.
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -31,7 +30,6 @@ template <typename Handler>
 }  // namespace
 
 int main(int argc, char** argv) {
-    ShowEmptyWindow();
     if (argc == 1) {
         ReceiveForever([] {});
     }

@@ -1,4 +1,4 @@
-// What a floor program asks of the system, in the fewest calls that it has for it. Chosen by linking.
+// The system calls of the floor program, as few as possible. The implementation is chosen by linking.
 #pragma once
 
 #include <string>
@@ -6,17 +6,14 @@
 
 constexpr int kReceiveBuffer = 32 * 1024 * 1024;  // octets, as Quillmont asks for
 
-// Ends the program when UDP 162 is not to be had.
+// Ends the program if UDP 162 cannot be bound.
 void BindTrapSocket();
 
-// Waits for a datagram and takes it with one call that blocks. False: that failed.
+// Waits for a datagram in one blocking call. Returns false if that failed.
 bool ReceiveDatagram(std::vector<char>& buffer);
 
-// Where AppendBlocks' files are to be.
+// Sets the folder of AppendBlocks' files.
 void UseFolder(const std::string& folder);
 
-// To SNMP.txt and to log.txt; each is opened, written to and closed.
+// Appends to SNMP.txt and to log.txt; opens, writes and closes each.
 void AppendBlocks(const std::string& record, const std::string& line);
-
-// A window costs memory, whoever has it: one of two sources shows one.
-void ShowEmptyWindow();

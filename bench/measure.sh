@@ -1,14 +1,14 @@
 #!/usr/bin/env bash
-# Installs and builds what is measured and runs a script of this folder on a desktop of its own. compare.sh and storm.sh
+# Installs and builds what is measured and runs a script of this folder on a private desktop. compare.sh and bursts.sh
 # call it. Usage: measure.sh SCRIPT.py [ARGUMENT...]
-# QUILLMONT_BENCH_BUILT in the environment: nothing is built, what stands in build/ is measured.
+# With QUILLMONT_BENCH_BUILT in the environment nothing is built: the programs in build/ are measured as they are.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 scripts/packages.sh build run bench
 if [[ -z ${QUILLMONT_BENCH_BUILT:-} ]]; then
     scripts/build.sh bench bench/all
-    scripts/build.sh windows Quillmont bench/all quillmont_desktop_driver quillmont_desktop_spy
+    scripts/build.sh windows Quillmont bench/all quillmont_desktop_driver
 fi
 script=$1
 shift

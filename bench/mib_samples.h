@@ -1,4 +1,4 @@
-// MIB definitions without end, made from numbers: place 0, 1, 2... give different names and identifiers.
+// MIB definitions made from numbers: place 0, 1, 2... have different names and identifiers.
 #pragma once
 
 #include <cstddef>
@@ -12,5 +12,5 @@ void FillNameStore(size_t names);
 void EmptyNameStore();
 
 // A MIB file with `definitions` definitions, as vendors write them: a MODULE-IDENTITY, then tables of objects
-// with descriptions. `number` tells the files of a folder apart.
+// with descriptions. `number` makes the files of a folder different.
 std::string MakeMibText(size_t number, size_t definitions);

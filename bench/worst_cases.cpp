@@ -1,7 +1,6 @@
-// What the most expensive input costs, at three sizes each, so that the growth shows: hostile datagrams and
-// MIB files that no compiler of MIBs would take. The number behind a name is the size that the growth is held
-// against (octets, braces, definitions); "BigO" is the cost of one of them when the cost is taken as linear,
-// "RMS" how far the three sizes are from that.
+// The most expensive input, at three sizes each, so that the growth shows: hostile datagrams and MIB files
+// that are no valid MIBs. The number after a name is the size (octets, braces, definitions). "BigO" is the
+// cost of one of them if the cost is linear, and "RMS" how far the three sizes are from that.
 // A small stack is enough: (ulimit -s 128; worst_cases)
 #include <benchmark/benchmark.h>
 

@@ -19,8 +19,8 @@ package_packages=(nsis pandoc zip unzip osslsigncode openssl python3)
 # rsvg-convert (librsvg2-bin) and icotool (icoutils) draw the icon.
 icon_packages=(librsvg2-bin icoutils)
 picture_packages=(pngquant)
-# The benchmarks' library and the peers that the receiver is held against; gnuplot draws the picture.
-bench_packages=(libbenchmark-dev libsnmp-dev snmptrapd gnuplot-nox)
+# The microbenchmarks' library, and the peer that the receiver is compared with.
+bench_packages=(libbenchmark-dev snmptrapd)
 
 wanted=()
 for purpose in "$@"; do

@@ -5,7 +5,7 @@ import re
 import subprocess
 from pathlib import Path
 
-PIECE = 1 << 24  # octets of a file that are looked at together
+PIECE = 1 << 24  # octets of a file that are read at once
 TICKS_A_SECOND = os.sysconf("SC_CLK_TCK")
 
 
@@ -26,8 +26,8 @@ def dropped(port):
     return sum(int(fields[-1]) for fields in sockets(port))
 
 
-def taken_from_sockets():
-    """Datagrams that were taken from any socket of this network."""
+def read_from_sockets():
+    """Datagrams that were read from any socket of this network."""
     names, values = (
         line.split()[1:]
         for line in Path("/proc/net/snmp").read_text(encoding="ascii").splitlines()
@@ -41,11 +41,6 @@ def granted_buffer(port):
     command = ["/usr/bin/ss", "-uamnH", f"sport = :{port}"]
     text = subprocess.run(command, check=True, capture_output=True, text=True).stdout
     return int(re.search(r"\brb(\d+)", text)[1])
-
-
-def largest_buffer():
-    """The most that the system grants to who asks; it counts twice what was asked for."""
-    return int(Path("/proc/sys/net/core/rmem_max").read_text(encoding="ascii"))
 
 
 def cpu_seconds(pid):
@@ -63,7 +58,7 @@ class TextCounter:
         self.count = 0
 
     def look(self):
-        """How often the text stands in the file by now; 0 while there is none."""
+        """Returns how often the text is in the file by now; 0 while there is no file."""
         if not self.path.exists():
             return self.count
         with open(self.path, "rb") as file:

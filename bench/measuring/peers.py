@@ -1,5 +1,5 @@
-"""What Quillmont is held against on UDP 162: programs that do the least that is possible, and what an operator would
-run instead."""
+"""What Quillmont is compared with on UDP 162: floor programs that do the least that is possible, and snmptrapd, which an
+operator would run instead."""
 
 import os
 import shutil
@@ -14,7 +14,7 @@ from harness.traps import TRAP_PORT
 from harness.waiting import wait_until
 
 from measuring.counters import TextCounter, listens
-from measuring.places import native_tool, windows_tool
+from measuring.programs import native_tool, windows_tool
 from measuring.receivers import Receiver, UnderWine
 
 # What Quillmont asks for.
@@ -52,39 +52,33 @@ class NativeFloor(Receiver):
 
 
 class WineFloor(UnderWine, NativeFloor):
-    """The same as a Windows program, in the folder that Quillmont would write to; with an empty window if it shall
-    have one."""
+    """The same as a Windows program, in the folder that Quillmont would write to."""
 
-    def __init__(self, driver, appends, program="floor_receiver.exe"):
+    def __init__(self, driver, appends):
         super().__init__(appends)
         self._driver = driver
-        self._program = windows_tool(program)
 
     def start(self):
+        program = windows_tool("floor_receiver.exe")
         data = find_data_folder(self._driver)
         data.remove()
         data.folder.mkdir(parents=True)
         self._folder = data.folder
-        self._process = start_wine(self._program, *self._arguments(data.folder, data.windows_path()))
+        self._process = start_wine(program, *self._arguments(data.folder, data.windows_path()))
         wait_until(lambda: listens(TRAP_PORT), f"{self.name} to listen")
-        self.pid = find_wine_process(self._program.name)
+        self.pid = find_wine_process(program.name)
 
 
 class Snmptrapd(Receiver):
-    """The peer: it writes to one file that it keeps open."""
+    """It writes to one file that it keeps open, and gets the same receive buffer."""
 
+    name = "snmptrapd"
     mark = b".1.3.6.1.6.3.1.1.4.1.0 ="
-
-    def __init__(self, buffer=BUFFER):
-        self.name = "snmptrapd, the same buffer" if buffer == BUFFER else "snmptrapd as installed"
-        self._settings = "disableAuthorization yes\n"
-        if buffer:
-            self._settings += f"[snmp] serverRecvBuf {buffer}\n"
 
     def start(self):
         self._folder = Path(tempfile.mkdtemp(prefix="quillmont-measured-"))
         settings, traps = self._folder / "snmptrapd.conf", self._folder / "traps.txt"
-        settings.write_text(self._settings, encoding="ascii")
+        settings.write_text(f"disableAuthorization yes\n[snmp] serverRecvBuf {BUFFER}\n", encoding="ascii")
         self.recorder = TextCounter(traps, self.mark)
         command = ["snmptrapd", "-f", "-n", "-On", "-m", "", "-C", "-c", settings, "-Lf", traps, "udp:162"]
         self._process = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)

@@ -1,32 +1,29 @@
-"""Whatever listens on UDP 162 and is measured: Quillmont in its shapes. What it is held against stands in peers.py.
-Each is used in a `with` statement, which starts it and ends it."""
+"""The programs that listen on UDP 162 and are measured: Quillmont, natively and under Wine. Those that it is compared
+with are in peers.py. Each is used in a `with` statement, which starts and ends it."""
 
 import os
 import shutil
-import signal
 import subprocess
 import tempfile
 
 from harness.data_folder import DataFolder, config, find_data_folder
-from harness.processes import find_wine_process, start_wine, wine_processes
+from harness.processes import find_wine_process, wine_processes
 from harness.program import Program
-from harness.traps import LOOPBACK, TRAP_PORT
+from harness.traps import LOOPBACK, TRAP_PORT, udp_socket
 from harness.waiting import wait_until
 
-from measuring.counters import TextCounter, cpu_seconds, listens
-from measuring.places import programs_now
+from measuring.counters import TextCounter, cpu_seconds, dropped, listens
+from measuring.programs import programs_now
 
 FORWARDING_PORT = 9162
-# What asks for the system's usual buffer of 212,992 octets, since Linux doubles what is asked for.
-DEFAULT_BUFFER = 106496
 
 
 class Receiver:
     name = ""
-    # What stands once in each record of its file.
-    mark = b"FROM: "
+    mark = b"FROM: "  # is in each record once
     writes = True
-    recorder = None
+    forwards = False
+    recorder = None  # counts the records of its file
 
     def start(self):
         """Starts it; sets pid and, when it writes, recorder."""
@@ -46,64 +43,57 @@ class Receiver:
         wait_until(lambda: not listens(TRAP_PORT), f"{self.name} to end")
 
     def cpu(self):
-        """Processor time so far of all that works for it."""
+        """Processor time so far of all processes that work for it."""
         return cpu_seconds(self.pid)
-
-    def recorded(self):
-        """Records in its file by now."""
-        return self.recorder.look()
 
     def wait_for_records(self, count, seconds=300):
         if self.recorder:
             wait_until(
-                lambda: self.recorded() >= count,
+                lambda: self.recorder.look() >= count,
                 lambda: f"{count} records of {self.name}, seen {self.recorder.count}",
                 seconds,
             )
 
-    def pause(self):
-        os.kill(self.pid, signal.SIGSTOP)
 
-    def go_on(self):
-        os.kill(self.pid, signal.SIGCONT)
+class UnderWine(Receiver):
+    """Wine's server does half of the work of a Windows program."""
+
+    def cpu(self):
+        servers = [*wine_processes("wineserver"), *wine_processes("wineserver64")]
+        return super().cpu() + sum(map(cpu_seconds, servers))
 
 
 class Quillmont(Receiver):
-    """What its shapes have in common: the data folder, fresh, and whether it forwards."""
+    """A fresh data folder for each start; start_again and kill go on with the same one."""
 
-    def __init__(self, forwards=False):
-        self._forwards = forwards
-        self.data = None
-
-    def _prepare(self, data):
-        self.data = data
-        data.remove()
-        data.write_config(config(int(self._forwards), LOOPBACK, FORWARDING_PORT))
-        self.recorder = TextCounter(data.traps, self.mark)
-
-
-class NativeEngine(Quillmont):
-    """The engine built for this machine; with its own receive buffer unless one is asked for."""
-
-    name = "native"
-
-    def __init__(self, programs=None, buffer=None, forwards=False):
-        super().__init__(forwards)
+    def __init__(self, programs, forwards):
         self.programs = programs or programs_now()
-        self._arguments = [] if buffer is None else [str(buffer)]
+        self.forwards = forwards
+        self.data = None
         self.name = f"{self.name} {self.programs.name}".strip()
 
     def start(self):
-        self._prepare(DataFolder(tempfile.mkdtemp(prefix="quillmont-measured-")))
+        self.data = self.find_data()
+        self.data.remove()
+        self.data.write_config(config(int(self.forwards), LOOPBACK, FORWARDING_PORT))
+        self.recorder = TextCounter(self.data.traps, self.mark)
         self.start_again()
+
+
+class NativeEngine(Quillmont):
+    """The engine built for this machine."""
+
+    name = "native"
+
+    def __init__(self, programs=None, forwards=False):
+        super().__init__(programs, forwards)
+
+    def find_data(self):
+        return DataFolder(tempfile.mkdtemp(prefix="quillmont-measured-"))
 
     def start_again(self):
         environment = dict(os.environ, QUILLMONT_DATA_HOME=str(self.data.folder.parent))
-        command = [self.programs.engine, *self._arguments]
-        self._process = subprocess.Popen(
-            command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, env=environment
-        )
-        assert self._process.stdout.readline(), "the receiver did not start"
+        self._process = subprocess.Popen([self.programs.engine], stdin=subprocess.PIPE, env=environment)
         self.pid = self._process.pid
 
     def end(self):
@@ -111,62 +101,60 @@ class NativeEngine(Quillmont):
         shutil.rmtree(self.data.folder.parent)
 
     def kill(self):
-        """At once, with what it has in hand; start_again goes on with the same files."""
         self._process.kill()
         self._process.communicate()
 
 
-class UnderWine(Receiver):
-    """Half of the work of a Windows program is done by Wine's server."""
-
-    def cpu(self):
-        servers = [*wine_processes("wineserver"), *wine_processes("wineserver64")]
-        return super().cpu() + sum(map(cpu_seconds, servers))
-
-
-class WineEngine(UnderWine, NativeEngine):
-    """The engine as a Windows program without windows, for what the shipped program has no switch for."""
-
-    name = "wine"
-
-    def __init__(self, driver, programs=None, buffer=None, forwards=False):
-        super().__init__(programs, buffer, forwards)
-        self._driver = driver
-
-    def start(self):
-        self._prepare(find_data_folder(self._driver))
-        self._process = start_wine(self.programs.windows_engine, *self._arguments)
-        assert self._process.stdout.readline(), "the receiver did not start"
-        self.pid = find_wine_process(self.programs.windows_engine.name)
-
-    def end(self):
-        self._process.communicate(timeout=60)
-
-
 class ShippedProgram(UnderWine, Quillmont):
-    """Quillmont.exe, with its main window and those tool windows that are asked for."""
+    """Quillmont.exe with its main window."""
 
     name = "Quillmont.exe"
 
-    def __init__(self, driver, programs=None, windows=(), forwards=False):
-        super().__init__(forwards)
+    def __init__(self, driver, programs=None, forwards=False):
+        super().__init__(programs, forwards)
         self._driver = driver
-        self.programs = programs or programs_now()
-        self._windows = windows
-        self.name = f"{self.name} {self.programs.name}".strip()
 
-    def start(self):
-        self._prepare(find_data_folder(self._driver))
-        self.start_again()
+    def find_data(self):
+        return find_data_folder(self._driver)
 
     def start_again(self):
         self.program = Program(self._driver, self.programs.program).wait_running()
         self.pid = find_wine_process(self.programs.program.name)
-        for tool in self._windows:
-            tool.open(self.program)
 
     def end(self):
         assert self.program.close() == 0
 
     def kill(self):
         self.program.end()
+
+
+class ForwardingTarget:
+    """The socket that receivers forward to. It is only read when the count is asked for, so that it takes no processor
+    time from the receiver: the first few hundred datagrams are read, and the system counts those it dropped."""
+
+    def __init__(self):
+        self._socket = udp_socket(FORWARDING_PORT)
+        self._socket.setblocking(False)
+        self._read = []
+
+    @property
+    def count(self):
+        """Datagrams that have arrived by now."""
+        try:
+            while True:
+                self._read.append(self._socket.recv(65535))
+        except BlockingIOError:
+            return len(self._read) + dropped(FORWARDING_PORT)
+
+    def wait_for(self, count):
+        """Waits until `count` datagrams have arrived. Those that were read are whole and in order: they differ in their
+        rising number only."""
+        wait_until(lambda: self.count >= count, lambda: f"{count} forwarded, seen {self.count}")
+        assert self._read == sorted(set(self._read)), "forwarded twice or out of order"
+        assert len(set(map(len, self._read))) <= 1, "forwarded cut"
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self._socket.close()

@@ -1,4 +1,4 @@
-"""What a receiver wrote, held against what the sender sends, record by record."""
+"""Compares what a receiver wrote with what the sender sent, record by record."""
 
 import re
 
@@ -6,7 +6,7 @@ from harness.data_folder import LINE_END, STAMP
 
 from measuring.counters import PIECE
 
-# Bindings of each trap whose record is looked at.
+# Of each trap whose record is compared.
 BINDINGS = 6
 
 RECORD = re.compile(
@@ -27,8 +27,8 @@ RECORD = re.compile(
 
 
 def parse_records(octets):
-    """The numbers of the records at the start of the octets, and the octets behind the last whole one. Fails on
-    anything else between them."""
+    """Returns the numbers of the records at the start of the octets, and the octets after the last whole one. Fails if
+    anything else is between them."""
     records, end, rest = octets.rpartition(LINE_END * 2)
     numbers, place = [], 0
     for found in RECORD.finditer(records + end):
@@ -40,7 +40,7 @@ def parse_records(octets):
 
 
 def read_numbers(path, rest=b""):
-    """The number in each record of a file of any size, which must hold whole records and nothing else."""
+    """Yields the number of each record of a file of any size. Fails if there is anything else than whole records."""
     with open(path, "rb") as file:
         while piece := file.read(PIECE):
             numbers, rest = parse_records(rest + piece)
@@ -49,20 +49,9 @@ def read_numbers(path, rest=b""):
 
 
 def check_order(numbers, expected):
-    """As many records as expected, each whole, in the order of sending and none twice."""
+    """Fails unless there are as many records as expected, in the order of sending and none twice."""
     count, last = 0, -1
     for number in numbers:
-        assert number > last, f"record {number} stands behind {last}"
+        assert number > last, f"record {number} follows {last}"
         count, last = count + 1, number
     assert count == expected, f"{count} records instead of {expected}"
-    return count
-
-
-def check_each(numbers, expected):
-    """Every number from 0 on, once and in order."""
-    count = 0
-    for number in numbers:
-        assert number == count, f"record {number} stands where {count} belongs"
-        count += 1
-    assert count == expected, f"{count} records instead of {expected}"
-    return count

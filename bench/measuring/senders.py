@@ -1,14 +1,14 @@
-"""The one sender: numbered traps to a port of this machine (bench/storm/sender.cpp)."""
+"""Sends numbered traps to a port of this machine (bench/load/trap_sender.cpp)."""
 
 import subprocess
 from typing import NamedTuple
 
-from measuring.places import native_tool
+from measuring.programs import native_tool
 
 
 class Sent(NamedTuple):
     count: int
-    lost: int  # dropped by the system, for the receiver's buffer was full
+    lost: int  # dropped by the system because the receiver's buffer was full
     sending: float  # seconds
     whole: float  # seconds until the buffer was empty
 
@@ -18,8 +18,8 @@ class Sent(NamedTuple):
 
 
 class Sender:
-    """A sender that runs beside what is measured, no longer than the `with` statement that starts it. Modes and numbers
-    as sender.cpp has them."""
+    """A sender that runs in the background until its `with` statement ends. Modes and numbers are those of
+    trap_sender.cpp."""
 
     def __init__(self, mode, **numbers):
         words = [f"{name}={number}" for name, number in numbers.items()]
@@ -27,28 +27,20 @@ class Sender:
             [native_tool("trap_sender"), mode, *words], stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True
         )
 
-    @property
-    def runs(self):
-        return self._process.poll() is None
-
     def wait(self):
-        """What was sent."""
+        """Waits until the sender has ended and returns what it sent."""
         output, errors = self._process.communicate()
         assert self._process.returncode == 0, f"the sender failed: {errors}"
         count, lost, sending, whole = output.split()
         return Sent(int(count), int(lost), float(sending), float(whole))
 
-    def end(self):
-        """For one that was to go on longer than anybody needs it."""
-        if self.runs:
-            self._process.kill()
-            self._process.communicate()
-
     def __enter__(self):
         return self
 
     def __exit__(self, *_):
-        self.end()
+        if self._process.poll() is None:
+            self._process.kill()
+            self._process.communicate()
 
 
 def send(mode, **numbers):

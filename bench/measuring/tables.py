@@ -14,7 +14,7 @@ def row(*cells):
 
 
 class RatioTable:
-    """One row a comparison, in it one ratio a round, always ours by theirs."""
+    """One row for each comparison, with one ratio, ours by theirs, for each round."""
 
     def __init__(self):
         self.rows = {}

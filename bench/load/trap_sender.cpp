@@ -1,15 +1,14 @@
 // Sends numbered traps to this machine and watches the receiver's socket from outside.
 //
 // trap_sender burst count=N             without a pause
-// trap_sender paced count=N rate=N      at so many a second, in portions of a millisecond
-// trap_sender keep-busy count=N keep=N  as fast as the receiver takes them: pauses while more than `keep`
-//                                       octets wait in its buffer, so that it never runs dry and never
-//                                       overflows; the rate is the receiver's own
-// trap_sender fill                      until the first one is lost: for a receiver that was stopped
+// trap_sender paced count=N rate=N      so many a second, in groups of one millisecond
+// trap_sender keep-busy count=N keep=N  as fast as the receiver reads them: pauses while more than `keep`
+//                                       octets wait in its buffer, so that it is never empty and never
+//                                       full; the rate is the receiver's own
 //
-// Any of them takes bindings=N (2) of each trap, port=N (162) and first=N (0), the number of the first. All
-// but fill wait until the buffer is empty. Prints "sent lost sending whole": datagrams, those that the system
-// dropped, the seconds that sending took and those until the buffer was empty. Linux.
+// Each also has bindings=N (2) of each trap, port=N (162) and first=N (0), the number of the first. Waits
+// until the buffer is empty and prints "sent lost sending whole": datagrams, those that the system dropped,
+// the seconds that sending took and those until the buffer was empty. Linux.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -20,14 +19,14 @@
 #include <string_view>
 #include <thread>
 
-#include "bench/storm/socket_table.h"
-#include "bench/storm/trap_stream.h"
+#include "bench/load/socket_table.h"
+#include "bench/load/trap_stream.h"
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// What may be said behind the mode, with what holds when it is not.
+// The options after the mode, with their defaults.
 std::map<std::string, size_t, std::less<>> numbers{
     {"count", 1000}, {"rate", 1000}, {"keep", 0}, {"bindings", 2}, {"port", kTrapPort}, {"first", 0},
 };
@@ -67,17 +66,10 @@ void KeepBusy(TrapStream& stream) {
     }
 }
 
-void Fill(TrapStream& stream) {
-    const uint64_t lostBefore = ReadSocketState(Port()).lost;
-    while (ReadSocketState(Port()).lost == lostBefore) {
-        stream.Send(1);
-    }
-}
-
 const std::map<std::string_view, void (*)(TrapStream&)> kModes{
-    {"burst", SendBurst}, {"paced", SendPaced}, {"keep-busy", KeepBusy}, {"fill", Fill}};
+    {"burst", SendBurst}, {"paced", SendPaced}, {"keep-busy", KeepBusy}};
 
-// False: a word that is no NAME=NUMBER of ours.
+// Returns false if a word is not NAME=NUMBER with one of these names.
 bool ReadNumbers(int count, char** words) {
     for (int index = 2; index < count; ++index) {
         const std::string_view word = words[index];
@@ -96,8 +88,7 @@ bool ReadNumbers(int count, char** words) {
 int main(int argc, char** argv) {
     const auto mode = kModes.find(argc > 1 ? argv[1] : "");
     if (mode == kModes.end() || !ReadNumbers(argc, argv)) {
-        std::fputs("usage: trap_sender burst|paced|keep-busy|fill [NAME=NUMBER...]; see the source\n",
-                   stderr);
+        std::fputs("usage: trap_sender burst|paced|keep-busy [NAME=NUMBER...]; see the source\n", stderr);
         return 2;
     }
     TrapStream stream(Port(), Number("bindings"), static_cast<uint32_t>(Number("first")));
@@ -105,9 +96,7 @@ int main(int argc, char** argv) {
     const Clock::time_point start = Clock::now();
     mode->second(stream);
     const double sending = SecondsSince(start);
-    if (mode->first != "fill") {
-        WaitWhileMoreWaits(Port(), 0);
-    }
+    WaitWhileMoreWaits(Port(), 0);
     const double whole = SecondsSince(start);
     const auto lost = static_cast<unsigned long long>(ReadSocketState(Port()).lost - lostBefore);
     std::printf("%zu %llu %.6f %.6f\n", stream.sent(), lost, sending, whole);

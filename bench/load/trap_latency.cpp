@@ -1,8 +1,8 @@
 // How long one trap alone takes from its sending to its record on disk, seen from outside: sends a trap,
-// looks at the file's size until it has grown, and rests until the next, so that each finds a receiver that
-// sleeps. Nothing else may write to the file.
-// Usage: trap_latency FILE COUNT. Prints three times in microseconds: what the fastest tenth takes
-// at most, what half of them take, what all but the slowest tenth take. Linux.
+// polls the file's size until it has grown, and pauses, so that each trap finds an idle receiver. Nothing
+// else may write to the file.
+// Usage: trap_latency FILE COUNT. Prints in microseconds what a tenth and what half of the traps took at
+// most. Linux.
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -12,17 +12,17 @@
 #include <thread>
 #include <vector>
 
-#include "bench/storm/trap_stream.h"
+#include "bench/load/trap_stream.h"
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
 constexpr size_t kBindings = 5;
-constexpr auto kRest = std::chrono::milliseconds(5);
+constexpr auto kPause = std::chrono::milliseconds(5);
 constexpr auto kDeadline = std::chrono::seconds(60);
 
-// 0 for a file that is not there yet.
+// 0 if there is no such file yet.
 off_t FileSize(const char* path) {
     struct stat status {};
     return stat(path, &status) == 0 ? status.st_size : 0;
@@ -53,10 +53,9 @@ int main(int argc, char** argv) {
     std::vector<double> taken;
     for (long trap = 0; trap < count; ++trap) {
         taken.push_back(MeasureTrap(stream, argv[1]));
-        std::this_thread::sleep_for(kRest);
+        std::this_thread::sleep_for(kPause);
     }
     std::sort(taken.begin(), taken.end());
-    const size_t tenth = taken.size() / 10;
-    std::printf("%.1f %.1f %.1f\n", taken[tenth], taken[taken.size() / 2], taken[taken.size() - 1 - tenth]);
+    std::printf("%.1f %.1f\n", taken[taken.size() / 10], taken[taken.size() / 2]);
     return 0;
 }

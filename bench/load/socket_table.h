@@ -8,8 +8,8 @@ struct SocketState {
     uint64_t lost = 0;     // datagrams that found the buffer full
 };
 
-// Of the socket that listens on the UDP port; ends the program when there is none.
+// Returns the state of the socket on this UDP port. Ends the program if there is none.
 SocketState ReadSocketState(uint16_t port);
 
-// Looks again and again until at most `octets` wait.
+// Polls until at most `octets` wait.
 void WaitWhileMoreWaits(uint16_t port, uint64_t octets);

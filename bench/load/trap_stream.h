@@ -1,5 +1,5 @@
-// What the storms send: traps of this machine to itself, each with a number of its own, so that what a
-// receiver writes can be held against what was sent. Linux.
+// The traps that the measurements send: from this machine to itself, each with its own number, so that the
+// records can be compared with what was sent. Linux.
 #pragma once
 
 #include <netinet/in.h>
@@ -14,16 +14,16 @@
 
 constexpr uint16_t kTrapPort = 162;
 
-// Ends the program when the system refuses a socket: there is nothing to measure then.
+// Ends the program if a socket cannot be opened: there is nothing to measure then.
 class TrapStream {
   public:
-    // Traps of `bindings` bindings (two or more) to `port` of 127.0.0.1. The number stands in sysUpTime.0,
-    // the first of the bindings, and grows by one a trap.
+    // Traps of `bindings` bindings (two or more) to `port` of 127.0.0.1. The number is the value of
+    // sysUpTime.0, the first binding, and grows by one with each trap.
     TrapStream(uint16_t port, size_t bindings, uint32_t firstNumber);
     TrapStream(const TrapStream&) = delete;  // the messages point into the object
     TrapStream& operator=(const TrapStream&) = delete;
 
-    // Sends the next `count` back to back. One that nobody listens for counts as sent.
+    // Sends the next `count` back to back. A trap to a port without a listener counts as sent.
     void Send(size_t count);
 
     size_t sent() const { return sent_; }

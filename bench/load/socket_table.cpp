@@ -1,4 +1,4 @@
-#include "bench/storm/socket_table.h"
+#include "bench/load/socket_table.h"
 
 #include <chrono>
 #include <cstdio>

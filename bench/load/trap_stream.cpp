@@ -1,4 +1,4 @@
-#include "bench/storm/trap_stream.h"
+#include "bench/load/trap_stream.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -57,12 +57,12 @@ void TrapStream::Send(size_t count) {
     while (count > 0) {
         const size_t portion = std::min(count, kPortion);
         NumberPortion(portion);
-        const int taken = sendmmsg(socket_.get(), messages_.data(), static_cast<unsigned>(portion), 0);
-        // What the system says here is that nobody listened to an earlier one; this portion is still to go.
-        if (taken < 0 && errno != ECONNREFUSED) {
+        const int accepted = sendmmsg(socket_.get(), messages_.data(), static_cast<unsigned>(portion), 0);
+        // ECONNREFUSED reports that an earlier trap had no listener; this portion was not sent yet.
+        if (accepted < 0 && errno != ECONNREFUSED) {
             EndWithSystemError("sendmmsg");
         }
-        const size_t sent = static_cast<size_t>(std::max(taken, 0));
+        const size_t sent = static_cast<size_t>(std::max(accepted, 0));
         count -= sent;
         sent_ += sent;
         nextNumber_ += static_cast<uint32_t>(sent);

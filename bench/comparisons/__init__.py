@@ -1,1 +1,0 @@
-"""What compare.sh holds side by side."""

@@ -1,3 +1,0 @@
-#include "bench/floor_system.h"
-
-void ShowEmptyWindow() {}

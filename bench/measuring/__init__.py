@@ -1,1 +1,0 @@
-"""What both commands of this folder measure with."""
