@@ -8,7 +8,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")"
 
 if [[ ${1:-} == --check-kit ]]; then
     scripts/packages.sh build package
-    scripts/build.sh windows
+    scripts/build.sh windows all tests/kit/all
     packaging/make_check_kit.sh build/windows "$(packaging/read_version.sh)" dist
     ls dist/Quillmont-*-windows-check.zip
     exit

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds Quillmont, runs it under Wine in a private network and sends it real traps; a fresh Debian 12 or 13 machine
-# needs nothing beforehand.
+# Builds Quillmont, runs it under Wine, in a private network where the machine allows one, and sends it real traps; a
+# fresh Debian 12 or 13 machine needs nothing beforehand.
 #
 # With a display its windows stand there until the main window is closed. Without one a virtual display shows them,
 # and pictures of them are saved. Asks nothing, but for what sudo asks of an ordinary user when packages are missing,
@@ -8,20 +8,14 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 
-# Who may bind ports 161 and 162 here can do without a network of its own.
-private=(scripts/in_private_network.sh)
-if [[ $EUID -ne 0 && "$(cat /proc/sys/net/ipv4/ip_unprivileged_port_start)" -gt 161 ]]; then
-    "${private[@]}" --check
-elif ! "${private[@]}" --check 2>/dev/null; then
-    private=()
-fi
-
+private=scripts/in_private_network.sh
+"$private" --check
 scripts/packages.sh build run
 scripts/build.sh windows Quillmont quillmont_desktop_driver
 
 # Asked from where the program will run: a display that is reached through the network is out of reach there.
-if [[ -n "${DISPLAY:-}" ]] && ! "${private[@]}" xwd -root -silent >/dev/null 2>&1; then
+if [[ -n "${DISPLAY:-}" ]] && ! "$private" xwd -root -silent >/dev/null 2>&1; then
     echo "The display $DISPLAY cannot be reached from a private network: a virtual one takes its place."
     unset DISPLAY
 fi
-exec "${private[@]}" scripts/show_receiver.sh
+exec "$private" scripts/show_receiver.sh

@@ -30,7 +30,7 @@ export TMPDIR="$scratch"
 # Little memory kept back to catch late uses: clearing it would take most of the time.
 export ASAN_OPTIONS="quarantine_size_mb=8:${ASAN_OPTIONS:-}"
 
-scripts/packages.sh build test
+scripts/packages.sh build test check
 scripts/build.sh fuzz
 
 CountFindings() {

@@ -37,5 +37,11 @@ if ! cmake --preset "$preset" >"build/configure-$preset.log" 2>&1; then
     cat "build/configure-$preset.log" >&2
     exit 1
 fi
-echo "Building $preset..."
-cmake --build --preset "$preset" ${1:+--target "$@"}
+what="$(sed -n "/\"name\": \"$preset\"/{n;s/.*\"displayName\": \"\(.*\)\",/: \1/p}" CMakePresets.json)"
+echo "Building $preset$what..."
+# Ninja overwrites its line of progress where that is possible; elsewhere it would be a line for each file.
+quiet=()
+if [[ ! -t 1 ]]; then
+    quiet=(-- --quiet)
+fi
+cmake --build --preset "$preset" ${1:+--target "$@"} "${quiet[@]}"

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Names every Debian package that building, running and testing need, and installs what is missing.
-# Usage: scripts/packages.sh [build] [run] [test] [package] [icon] [picture] [bench]. Asks nothing; as an ordinary user
+# Usage: scripts/packages.sh [build] [run] [test] [check] [package] [icon] [picture] [bench]. Asks nothing; as an ordinary user
 # it goes through sudo.
 set -euo pipefail
 
@@ -10,8 +10,9 @@ build_packages=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix libgtest-dev)
 # Open Sans stands in for Segoe UI, and fonts-wine has the signs of the caption buttons.
 run_packages=(wine wine64 xvfb x11-apps imagemagick snmp libsnmp-base iproute2 util-linux python3
     fonts-open-sans fonts-wine)
-# evilwm manages the windows on the display that stands for a user's.
-test_packages=(clang libclang-rt-dev clang-format clang-tidy git python3-pytest evilwm)
+test_packages=(git python3-pytest)
+# clang reads the sources and makes the fuzzers; evilwm manages the windows on the display that stands for a user's.
+check_packages=(clang libclang-rt-dev clang-format clang-tidy evilwm)
 
 # makensis (nsis) makes the installer, pandoc the guide's HTML; osslsigncode signs, and openssl makes what the tests
 # sign with; python3 writes the standard names.

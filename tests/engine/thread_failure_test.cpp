@@ -1,4 +1,5 @@
 // A system that has no thread left to give. The thread seam is replaced by linking: this file answers for it.
+#include <climits>
 #include <thread>
 #include <utility>
 
@@ -13,7 +14,7 @@ struct WorkerThread {
 
 namespace {
 
-int threadsLeft = 0;
+int threadsLeft = INT_MAX;
 
 }  // namespace
 
@@ -33,7 +34,14 @@ bool WaitForWorkerThread(WorkerThread&, uint32_t) {
 namespace {
 
 using Lines = std::vector<std::string>;
-using ThreadFailure = EngineTest;
+
+class ThreadFailure : public EngineTest {
+  protected:
+    void TearDown() override {
+        EngineTest::TearDown();
+        threadsLeft = INT_MAX;
+    }
+};
 
 TEST_F(ThreadFailure, WithoutATrapThreadTheStartIsTakenBack) {
     threadsLeft = 0;

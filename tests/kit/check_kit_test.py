@@ -80,7 +80,7 @@ def test_a_fault_is_a_failure_in_the_closing_line_and_in_the_code(kit, users_fol
     corpus = kit / "programs" / "corpus"
     kept_corpus = corpus.rename(corpus.with_name("kept"))
     try:
-        code, report = run_check(kit, "quillmont_unit_tests.exe", "quillmont_corpus_replay.exe", "quillmont_turn_tests.exe")
+        code, report = run_check(kit, "quillmont_unit_tests.exe", "quillmont_corpus_replay.exe", "quillmont_file_layer_tests.exe")
     finally:
         kept.rename(missing)
         kept_corpus.rename(corpus)
