@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Names every Debian package that building, running and testing need, and installs what is missing.
-# Usage: scripts/packages.sh [build] [run] [test] [check] [package] [icon] [picture] [bench]. Asks nothing; as an ordinary user
-# it goes through sudo.
+# Usage: scripts/packages.sh [build] [run] [test] [check] [package] [icon] [picture] [bench]. Asks nothing; as an
+# ordinary user it goes through sudo.
 set -euo pipefail
 
 build_packages=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix libgtest-dev)
