@@ -1,22 +1,22 @@
-; Closing a program that runs, so that its file can be replaced or removed.
+; Closes the running program so that its file can be replaced or removed.
 
-; How long all running programs together may take to close, and how long Windows then may hold the file, in ms.
+; How long all running programs together may take to close, and how long their file may stay in use after that, in ms.
 !define CLOSE_TIME 30000
 !define RELEASE_TIME 10000
 !define PAUSE 100
 
-; 1 when a running program was closed: it is started again.
+; 1 if a running program was closed. It is started again.
 Var Closed
-; How many main windows there are.
+; The number of main windows.
 Var Windows
 
-; $R9 becomes the milliseconds since $R8. Right across the clock's turn after 49 days.
+; $R9 becomes the milliseconds since $R8, also when the tick count wraps around after 49 days.
 !macro GetElapsed
   System::Call 'kernel32::GetTickCount() i .R9'
   IntOp $R9 $R9 - $R8
 !macroend
 
-; For each main window: BODY, with the window in $0. Counts them.
+; Inserts BODY for each main window, with the window in $0. Counts them.
 !macro ForEachWindow BODY
   StrCpy $Windows 0
   StrCpy $0 0
@@ -30,24 +30,23 @@ Var Windows
   ${Loop}
 !macroend
 
-; Leaves the process on the stack, 0 when it may not be opened: it can be another user's, when setup was given other
-; credentials. It answers to WM_CLOSE as to its close box: the receiver stops and the settings are saved.
+; Pushes the process, or 0 if it may not be opened: it is another user's if setup runs with other credentials. WM_CLOSE
+; works like the close box: the receiver stops and the settings are saved.
 !macro AskToClose
   System::Call 'user32::GetWindowThreadProcessId(p r0, *i .r1) i .r2'
-  ; SYNCHRONIZE, and PROCESS_QUERY_LIMITED_INFORMATION, since Wine grants the former to everybody.
+  ; SYNCHRONIZE and PROCESS_QUERY_LIMITED_INFORMATION. Wine grants the former alone to everybody.
   System::Call 'kernel32::OpenProcess(i 0x101000, i 0, i r1) p .r3'
   Push $3
-  ; WM_CLOSE, posted: the program may take three seconds to stop its receiver.
+  ; WM_CLOSE. Posted, because the program may need three seconds to stop its receiver.
   System::Call 'user32::PostMessageW(p r0, i 16, p 0, p 0) i .r2'
 !macroend
 
 !macro OnlyCount
 !macroend
 
-; Asks every running Quillmont of this session to close, once, and waits until the windows and then the processes are
-; gone: the file can be replaced only after the process. A window that is gone counts as closed, whether or not its
-; process could be watched. All of it takes CLOSE_TIME at most, whoever hangs; whether it was enough, EnsureWritable
-; finds out.
+; Asks every running Quillmont of this session once to close, and waits until the windows and then the processes are
+; gone: the file can be replaced only after the process has ended. A window that is gone counts as closed, even if its
+; process could not be opened. Takes CLOSE_TIME at most. EnsureWritable finds out whether that was enough.
 !macro CloseProgram PREFIX
 Function ${PREFIX}CloseProgram
   System::Call 'kernel32::GetTickCount() i .R8'
@@ -85,9 +84,9 @@ FunctionEnd
 !insertmacro CloseProgram ""
 !insertmacro CloseProgram "un."
 
-; $0 becomes 1 when the program's file can be written. Tries again for RELEASE_TIME: a process that could not be
-; watched may still be ending, and a virus scanner may have the file open. Not when a window is still there: that has
-; been waited for.
+; $0 becomes 1 if the program's file can be written. Retries for RELEASE_TIME: a process that could not be opened may
+; still be ending, and a virus scanner may have the file open. Does not retry while a window is still open, since
+; CloseProgram has already waited for it.
 !macro WaitUntilWritable PREFIX
 Function ${PREFIX}WaitUntilWritable
   System::Call 'kernel32::GetTickCount() i .R8'
@@ -112,7 +111,7 @@ FunctionEnd
 !insertmacro WaitUntilWritable ""
 !insertmacro WaitUntilWritable "un."
 
-; Ends with code 2 when the old program cannot be replaced: somebody else's session may run it.
+; Ends with code 2 if the old program cannot be replaced: it may run in somebody else's session.
 !macro EnsureWritable PREFIX BEFORE_LEAVING
 Function ${PREFIX}EnsureWritable
   ${IfNot} ${FileExists} "$INSTDIR\${PROGRAM}"
@@ -128,11 +127,11 @@ Function ${PREFIX}EnsureWritable
   ${EndIf}
 FunctionEnd
 !macroend
-; What was closed in this session receives again, whatever keeps the file.
+; A program that was closed in this session is started again.
 !insertmacro EnsureWritable "" "Call RestartProgram"
 !insertmacro EnsureWritable "un." ""
 
-; Through the desktop's own shell: setup runs elevated, perhaps as another user; the program shall not.
+; Through the desktop's shell, so that the program does not run elevated or as another user, as setup may.
 Function StartProgram
   Exec '"$WINDIR\explorer.exe" "$INSTDIR\${PROGRAM}"'
 FunctionEnd

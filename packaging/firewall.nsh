@@ -1,15 +1,15 @@
-; What Setup asks of Windows Firewall.
+; The rule in Windows Firewall.
 ;
-; The program binds UDP 162 and UDP 161. A program that binds a port for which it has no inbound rule makes Windows
-; ask, and a question that is refused, closed, or never shown to an ordinary user leaves rules that block the program.
-; A blocking rule beats every allowing one: the receiver runs, and no trap arrives. So one rule names both ports, and
-; whatever other inbound rules speak of this program's file go first.
+; The program binds UDP 162 and UDP 161. If a program binds a port without an inbound rule, Windows asks the user; a
+; question that is refused or closed, or that a standard user never sees, leaves rules that block the program. A blocking
+; rule beats every allowing one: the receiver runs, and no trap arrives. So one rule names both ports, and all other
+; inbound rules for this program's file are deleted first.
 
 !define RULE "Quillmont PRO (SNMP, UDP 161 and 162)"
 !define RULES "advfirewall firewall"
 
-; $0 is netsh's exit code, or the text "error" when it could not be started at all. With its whole path: the folder
-; that setup was downloaded to would be searched first.
+; $0 is netsh's exit code, or the text "error" if it could not be started. Uses its full path, since Windows would look
+; first in the folder that setup was downloaded to.
 !macro RunNetsh ARGUMENTS
   nsExec::Exec `"$SYSDIR\netsh.exe" ${RULES} ${ARGUMENTS}`
   Pop $0
@@ -19,7 +19,7 @@
   !insertmacro RunNetsh `delete rule name="${RULE}"`
 !macroend
 
-; 0 when there were any; netsh answers 1 when no rule matches.
+; $0 is 0 if there were any, and 1 if no rule matched.
 !macro DeleteRulesOfProgram
   !insertmacro RunNetsh `delete rule name=all dir=in program="$INSTDIR\${PROGRAM}"`
 !macroend
@@ -34,20 +34,20 @@ Function AddFirewallRule
   !insertmacro DeleteOwnRule
   !insertmacro DeleteRulesOfProgram
   ${If} $0 == "0"
-    !insertmacro Note "Firewall rules that Windows or somebody had made for $INSTDIR\${PROGRAM} were removed, since a \
-        rule that blocks it would beat the one that lets traps in."
+    !insertmacro Note "Other firewall rules for $INSTDIR\${PROGRAM} were removed, since a rule that blocks it would \
+        override the one that lets traps in."
   ${EndIf}
   !insertmacro AddOwnRule
   ${If} $0 == "0"
     WriteRegDWORD HKLM "${UNINSTALL_KEY}" "FirewallRule" 1
   ${Else}
-    !insertmacro Tell "The firewall rule could not be added (netsh: $0). ${NAME} is installed all the same, but \
-        Windows Firewall may keep traps away from it. Allow the inbound UDP ports 161 and 162 for \
+    !insertmacro Report "The firewall rule could not be added (netsh: $0). ${NAME} is installed, but Windows \
+        Firewall may block traps. Allow the inbound UDP ports 161 and 162 for \
         $INSTDIR\${PROGRAM} yourself."
   ${EndIf}
 FunctionEnd
 
-; What was ticked once and no longer is. Rules that somebody made by hand stay.
+; The box was ticked once and no longer is. Rules that somebody made by hand stay.
 Function DropFirewallRule
   ReadRegDWORD $0 HKLM "${UNINSTALL_KEY}" "FirewallRule"
   ${If} $0 == 1
@@ -56,7 +56,7 @@ Function DropFirewallRule
   WriteRegDWORD HKLM "${UNINSTALL_KEY}" "FirewallRule" 0
 FunctionEnd
 
-; Where Setup looked after the firewall, Windows' own rules for a file that is gone go too.
+; If Setup made the rule, rules that Windows made for the program's file are removed too.
 Function un.RemoveFirewallRules
   ReadRegDWORD $0 HKLM "${UNINSTALL_KEY}" "FirewallRule"
   ${If} $0 == 1

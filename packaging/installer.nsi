@@ -1,15 +1,15 @@
 ; The installer and uninstaller. packaging/make_packages.sh compiles it and passes VERSION (1.0.0), CONTENT (the folder
-; with what is to be installed), CONTENT_LIST (a file with the macros InstallContent and RemoveContent), SIGN (what signs
-; the uninstaller) and OUTPUT (the installer to write).
+; with the files to install), CONTENT_LIST (a file with the macros InstallContent and RemoveContent), SIGN (the command
+; that signs the uninstaller) and OUTPUT (the installer to write).
 ;
-; What it promises: for all users; nothing asked in silent mode; the program is closed through its window before it is
-; replaced; whatever goes wrong with the firewall is reported and breaks nothing; after uninstalling nothing is left
-; but the operator's own files, and those only unless told otherwise.
+; It installs for all users and asks nothing in silent mode. It closes the program through its window before replacing
+; it. A firewall error is reported and does not stop it. After uninstalling only the operator's own files are left, and
+; those are deleted too if wanted.
 
 Unicode true
 Target amd64-unicode
 SetCompressor /SOLID lzma
-; Reproducible: the times of the files put in must not matter.
+; Reproducible: the files' times must not matter.
 SetDateSave off
 
 !define NAME "Quillmont PRO"
@@ -66,10 +66,11 @@ VIAddVersionKey "LegalCopyright" "© 2026 Quillmont. All rights reserved."
 !insertmacro MUI_UNPAGE_INSTFILES
 !insertmacro MUI_LANGUAGE "English"
 
-; 1 when an older version may go over a newer one without a question.
+; 1 if an older version may replace a newer one without a question.
 Var Downgrade
 
-; What the operator should know: for the list of steps and a file beside the program. There is none when all went well.
+; Writes a message for the operator to the list of steps and to a file next to the program. Without a message there is
+; no such file.
 !macro Note TEXT
   DetailPrint "${TEXT}"
   FileOpen $9 "$INSTDIR\${NOTES}" a
@@ -78,8 +79,8 @@ Var Downgrade
   FileClose $9
 !macroend
 
-; The same, and in a box unless silent.
-!macro Tell TEXT
+; The same, and shows it in a message box unless silent.
+!macro Report TEXT
   !insertmacro Note "${TEXT}"
   MessageBox MB_OK|MB_ICONEXCLAMATION "${TEXT}" /SD IDOK
 !macroend
@@ -89,12 +90,12 @@ Var Downgrade
 !include closing.nsh
 !include firewall.nsh
 
-; As StartProgram: the browser shall not run elevated.
+; Like StartProgram, so that the browser does not run elevated.
 Function OpenGuide
   Exec '"$WINDIR\explorer.exe" "$INSTDIR\user-guide.html"'
 FunctionEnd
 
-; Windows' own trap service, when it runs, holds the port: $0 is its state (4: running), empty when there is none.
+; Windows' own trap service uses the port while it runs. $0 is its state (4: running), empty if there is no such service.
 Function QueryTrapService
   StrCpy $0 ""
   ; SC_MANAGER_CONNECT
@@ -119,7 +120,7 @@ FunctionEnd
 Function WarnOfTrapService
   Call QueryTrapService
   ${If} $0 == 4
-    !insertmacro Tell "Windows' own trap service (SNMP Trap, SNMPTRAP) is running and holds UDP port 162. ${NAME} \
+    !insertmacro Report "Windows' own trap service (SNMP Trap, SNMPTRAP) is running and uses UDP port 162. ${NAME} \
         cannot receive traps until it is stopped. As an administrator, run: sc.exe stop SNMPTRAP $\r$\n\
         So that it stays stopped after the next restart: sc.exe config SNMPTRAP start= disabled"
   ${EndIf}
@@ -160,7 +161,7 @@ Section "Firewall rule for UDP 161 and 162" FirewallSection
   Call AddFirewallRule
 SectionEnd
 
-; Always runs, and last: what was unticked goes away when an older version had brought it.
+; Always runs, and last. Removes what was unticked if an earlier installation made it.
 Section -Finish
   ${IfNot} ${SectionIsSelected} ${AutostartSection}
     DeleteRegValue HKLM "${RUN_KEY}" "Quillmont"
@@ -169,13 +170,13 @@ Section -Finish
     Call DropFirewallRule
   ${EndIf}
   Call WarnOfTrapService
-  ; The finish page offers to start it; in silent mode there is none, and a closed receiver would miss traps.
+  ; The finish page offers to start the program. Silent mode has no such page, and a closed receiver would miss traps.
   ${If} ${Silent}
     Call RestartProgram
   ${EndIf}
 SectionEnd
 
-; An upgrade begins with the boxes as they were left; what was ticked without success is offered again.
+; An upgrade starts with the boxes as they were left. A firewall rule that could not be added is offered again.
 !macro KeepChoices
   ReadRegStr $R0 HKLM "${UNINSTALL_KEY}" "DisplayVersion"
   ${If} $R0 != ""
@@ -201,7 +202,7 @@ SectionEnd
     StrCpy $Downgrade 0
 !macroend
 
-; An older version does not know what a newer one wrote, and a computer that everybody takes for up to date is not.
+; An older version may not be able to read what a newer one wrote, and may have errors that were corrected.
 Function AskBeforeDowngrade
   ReadRegStr $R0 HKLM "${UNINSTALL_KEY}" "DisplayVersion"
   ${VersionCompare} "$R0" "${VERSION}" $R1
@@ -251,7 +252,7 @@ Section "un.${NAME}" RemoveProgram
   !insertmacro RemoveContent
   Delete "$INSTDIR\${NOTES}"
   Delete "$INSTDIR\uninstall.exe"
-  ; Not with its content: what somebody else put there is theirs.
+  ; Only if it is empty now: files that somebody else put there stay.
   RMDir "$INSTDIR"
 SectionEnd
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Draws the icon's sizes from resources/quillmont.svg. Usage: packaging/make_icon.sh [FILE.ICO], else it writes
-# resources/quillmont.ico anew. Look at the result in every size: icotool --extract.
+# Draws the icon's sizes from resources/quillmont.svg. Usage: packaging/make_icon.sh [FILE.ICO]; without a file it
+# replaces resources/quillmont.ico. Look at the result in every size: icotool --extract.
 set -euo pipefail
 output="$(realpath "${1:-$(dirname "${BASH_SOURCE[0]}")/../resources/quillmont.ico}")"
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -9,7 +9,7 @@ scripts/packages.sh icon
 folder="$(mktemp -d)"
 trap 'rm -rf "$folder"' EXIT
 
-# What Explorer, the taskbar and the shortcuts ask for, and the large one, which alone is kept as PNG.
+# The sizes that Explorer, the taskbar and the shortcuts use. Only the largest is stored as PNG.
 small=()
 for size in 16 24 32 48; do
     rsvg-convert --width "$size" --height "$size" resources/quillmont.svg --output "$folder/$size.png"

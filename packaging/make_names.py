@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Makes a MIB file that names instances, such as ifIndex-3 for 1.3.6.1.2.1.2.2.1.1.3, from a table of objects.
 
-A trap carries instances, and a name is shown for exactly the identifier that a MIB file defines. The file needs no
-other one, and no other one can break it: every line builds on a name that the program knows by itself or on one of the
-file's own, which end in an underscore, as no name of a MIB file does. So an operator can write lines below them, too.
+A trap carries instances, and a name is shown for exactly the identifier that a MIB file defines. The file made here
+does not depend on other MIB files: the parent in each line is built into the program or defined in the file itself.
+Names of parents end in an underscore, so that they differ from all names in other MIB files.
 
 Usage: packaging/make_names.py TABLE FILE. What a table looks like: packaging/standard_names.txt.
 """
@@ -13,11 +13,11 @@ import sys
 from pathlib import Path
 
 NAME_STORE = Path(__file__).resolve().parent.parent / "src" / "mib" / "name_store.cpp"
-STEP = "_"
+PARENT = "_"
 
 HEAD = """\
--- Names for what the notifications of the standards carry: sysUpTime-0, ifIndex-3 and the like.
--- Names that end in an underscore are steps on the way to them. Your own lines belong into a file of your own:
+-- Names for the variables of standard notifications: sysUpTime-0, ifIndex-3 and so on.
+-- Names that end in an underscore are their parents. Put your own lines into a file of your own:
 --     ifIndex-1000 OBJECT IDENTIFIER ::= { ifIndex_ 1000 }
 """
 
@@ -27,14 +27,13 @@ class TableError(Exception):
 
 
 def builtin_names():
-    """The names that the program knows without any file, by their identifiers."""
+    """Returns the names that the program knows without any file, by their identifiers."""
     rows = re.findall(r'\{L"([\w-]+)", L"([\d.]+)"\}', NAME_STORE.read_text(encoding="utf-8"))
     return {identifier: name for name, identifier in rows}
 
 
 def read_table(text):
-    """Each row with an identifier and instances, as words, and each title of a section (it begins with ##), as one;
-    both with the number of their line."""
+    """Yields (line number, words) of each row with instances, and of each section title (##), which is one word."""
     for number, line in enumerate(text.splitlines(), 1):
         words = line.split()
         if line.startswith("##"):
@@ -44,7 +43,7 @@ def read_table(text):
 
 
 def expand_instances(instances):
-    """The instances as lists of arcs: 0, 1-128, 1.1-64; none for -."""
+    """Returns the instances 0, 1-128, 1.1-64 or - as lists of arcs."""
     found = re.fullmatch(r"((?:\d+\.)*)(\d+)(?:-(\d+))?", instances, re.ASCII)
     if instances != "-" and not found:
         raise TableError(f"no instances: {instances}")
@@ -55,7 +54,7 @@ def expand_instances(instances):
 
 
 class Definitions:
-    """Lines, each one step down from a name that is there already."""
+    """Lines of the MIB file. Each name's parent is defined on a line before it, or built in."""
 
     def __init__(self):
         self.names = builtin_names()  # by identifier: what a line can build on
@@ -73,12 +72,12 @@ class Definitions:
         self.lines.append(f"{name:41} OBJECT IDENTIFIER ::= {{ {self.names[parent]} {arc} }}")
 
     def add_row(self, name, identifier, instances):
-        self.add(name + STEP, identifier)
+        self.add(name + PARENT, identifier)
         for arcs in expand_instances(instances):
             for depth in range(1, len(arcs)):
                 step = ".".join([identifier, *arcs[:depth]])
                 if step not in self.names:
-                    self.add("-".join([name, *arcs[:depth]]) + STEP, step)
+                    self.add("-".join([name, *arcs[:depth]]) + PARENT, step)
             self.add("-".join([name, *arcs]), ".".join([identifier, *arcs]))
 
 

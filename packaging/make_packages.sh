@@ -2,8 +2,8 @@
 # Turns a built Quillmont.exe into what people download: the zip, the installer, SHA256SUMS and the release notes.
 # Usage: packaging/make_packages.sh QUILLMONT.EXE VERSION FOLDER. FOLDER is emptied of older packages.
 #
-# The same sources give the same octets whenever and wherever this runs: no clock, no path and no order of a folder
-# gets into any of them. Only a signature does (packaging/sign.sh), and only where a certificate is named.
+# The same sources give the same octets whenever and wherever this runs: the packages do not depend on the clock, on
+# paths or on the order of files in a folder. Only signing changes them (packaging/sign.sh).
 set -euo pipefail
 
 program="$(realpath "$1")"
@@ -19,7 +19,7 @@ done
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 export TZ=UTC LC_ALL=C.UTF-8
-# The date that everything in the packages bears; also pandoc and makensis ask for it.
+# The date of all files in the packages. pandoc and makensis use it too.
 day="$(packaging/read_release.sh day "$version")"
 SOURCE_DATE_EPOCH="$(date --date="$day" +%s)"
 export SOURCE_DATE_EPOCH
@@ -30,8 +30,7 @@ trap 'rm -rf "$scratch"' EXIT
 content="$scratch/content"
 mkdir "$content"
 
-# What goes into the zip and beside the installed program: every file that is made here is zipped, installed and
-# uninstalled.
+# Makes the files that are zipped, installed and uninstalled.
 MakeContent() {
     install -m 644 "$program" "$content/Quillmont.exe"
     packaging/sign.sh "$content/Quillmont.exe"
@@ -41,7 +40,7 @@ MakeContent() {
     MakeNames "$content/standard-names.mib"
 }
 
-# Its three pages in one file, pictures and style inside.
+# The three pages in one file, with pictures and style.
 MakeGuide() {
     pandoc docs/user-guide.md docs/installing.md docs/operating.md --lua-filter packaging/one-page.lua \
         --from gfm --to html5 \
@@ -51,7 +50,7 @@ MakeGuide() {
         --output "$1"
 }
 
-# With CR LF, since it is read with whatever Windows opens a text file with.
+# With CR LF for the text editors of Windows.
 MakeText() {
     sed 's/$/\r/' "$1" >"$2"
 }
@@ -68,8 +67,8 @@ MakeZip() {
     (cd "$content" && find . -type f -printf '%P\n' | LC_ALL=C sort | zip -q -9 -X -D -@ "$zip")
 }
 
-# What is in the folder, as the installer puts it in place and the uninstaller takes it away.
-# shellcheck disable=SC2016  # the names in ${} and behind $ are makensis's own
+# Writes the macros that install and uninstall every file of the folder.
+# shellcheck disable=SC2016  # these are variables of makensis
 ListContent() {
     local names
     mapfile -t names < <(cd "$content" && find . -type f -printf '%P\n' | LC_ALL=C sort)

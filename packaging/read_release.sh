@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Prints what CHANGELOG.md says of a version: the day on which it was given out, or its section.
+# Prints the day of a version's release, or its section of CHANGELOG.md.
 # Usage: packaging/read_release.sh day|notes VERSION
 set -euo pipefail
 

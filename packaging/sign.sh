@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # Signs a program, an uninstaller or an installer in place. Usage: packaging/sign.sh FILE
 #
-# QUILLMONT_CERTIFICATE                the certificate with its key, a PKCS#12 file. Without it nothing is signed
-# QUILLMONT_CERTIFICATE_PASSWORD_FILE  a file that holds its password, if it has one
-# QUILLMONT_TIMESTAMP_URL              the time stamp authority (RFC 3161), so that the signature outlives the certificate
+# QUILLMONT_CERTIFICATE                the certificate with its key, a PKCS#12 file; without it nothing is signed
+# QUILLMONT_CERTIFICATE_PASSWORD_FILE  a file with its password, if it has one
+# QUILLMONT_TIMESTAMP_URL              the time stamp authority (RFC 3161); the signature then outlives the certificate
 set -euo pipefail
 
 if [[ -z "${QUILLMONT_CERTIFICATE:-}" ]]; then

@@ -1,5 +1,5 @@
-; The command line. A switch that is not known, or a value that it does not take, ends Setup before it changes
-; anything: a misspelt /FIREWALL=no must not open the firewall of a thousand computers.
+; The command line. An unknown switch or value ends Setup before it changes anything: a misspelt /FIREWALL=no must not
+; open the firewall of a thousand computers.
 
 !define CODE_IN_USE 2
 !define CODE_SWITCHES 3
@@ -21,17 +21,17 @@
     Exit codes: 0 uninstalled, 1 cancelled, 2 the program is in use, 3 a switch is wrong or help was asked for. \
     After 2 and 3 nothing has been removed."
 
-; What of the command line has not been read yet, and the word that was read last.
+; The rest of the command line that has not been read yet, and the word that was read last.
 Var CommandLine
 Var Word
 
-; Ends with a code and a text: in a box, or silently on the console or in the file that output was sent to.
+; Shows a text and ends with a code. In silent mode the text goes to standard output.
 !macro DefineRefuse PREFIX
 Function ${PREFIX}Refuse
   Pop $1 ; the text
   Pop $0 ; the code
   ${If} ${Silent}
-    ; The console of whoever started it; a program with windows is not given it.
+    ; The caller's console, which a program with windows does not get by itself.
     System::Call 'kernel32::AttachConsole(i -1)'
     ; STD_OUTPUT_HANDLE
     System::Call 'kernel32::GetStdHandle(i -11) p .r2'
@@ -54,7 +54,7 @@ FunctionEnd
   Call ${PREFIX}Refuse
 !macroend
 
-; Takes the next word off $CommandLine; "" at the end.
+; Removes the next word from $CommandLine and sets $Word to it, to "" at the end.
 !macro DefineNextWord PREFIX
 Function ${PREFIX}NextWord
   StrCpy $Word ""
@@ -74,8 +74,8 @@ FunctionEnd
 !insertmacro DefineNextWord ""
 !insertmacro DefineNextWord "un."
 
-; ReadSwitches PREFIX HELP KNOWN: KNOWN is a macro with an ElseIf for each switch of one's own. What NSIS itself reads
-; (/S and /NCRC, in capitals only) is let pass; /D= and _?= have been taken off.
+; ReadSwitches PREFIX HELP KNOWN: KNOWN is a macro with an ElseIf for each switch of our own. Skips what NSIS itself
+; reads (/S and /NCRC, in capitals only); it has already removed /D= and _?=.
 !macro ReadSwitches PREFIX HELP KNOWN
   ${GetParameters} $CommandLine
   ${Do}
@@ -90,7 +90,7 @@ FunctionEnd
       !insertmacro Refuse "${PREFIX}" ${CODE_SWITCHES} "${HELP}"
     !insertmacro ${KNOWN}
     ${Else}
-      !insertmacro Refuse "${PREFIX}" ${CODE_SWITCHES} "Not a switch, or not a value that it takes: $Word$\r$\n\
+      !insertmacro Refuse "${PREFIX}" ${CODE_SWITCHES} "Unknown switch or value: $Word$\r$\n\
           $\r$\n${HELP}"
     ${EndIf}
   ${Loop}

@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Makes the packages of a built program twice, compares them octet for octet, and tries them under Wine.
-# Usage: packaging/test_packages.sh QUILLMONT.EXE DRIVER.EXE STAND_INS [PYTEST ARGUMENT...]. STAND_INS is the folder with
-# the programs of tests/packages.
+# Makes the packages of a built program twice, compares them byte by byte, and tests them under Wine.
+# Usage: packaging/test_packages.sh QUILLMONT.EXE DRIVER.EXE STUBS [PYTEST ARGUMENT...]. STUBS is the folder with the
+# programs of tests/packages.
 set -euo pipefail
 
 program="$(realpath "$1")"
 QUILLMONT_DRIVER="$(realpath "$2")"
-QUILLMONT_STAND_INS="$(realpath "$3")"
+QUILLMONT_STUBS="$(realpath "$3")"
 shift 3
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -15,7 +15,7 @@ trap 'rm -rf "$folder"' EXIT
 version="$(packaging/read_version.sh)"
 
 packaging/make_packages.sh "$program" "$version" "$folder/first"
-# As another user elsewhere would: other clock, other language, other place, other rights.
+# With another time zone, language, folder and umask.
 cp "$program" "$folder/copy.exe"
 (
     umask 077
@@ -24,9 +24,9 @@ cp "$program" "$folder/copy.exe"
 diff --recursive "$folder/first" "$folder/other/second"
 
 QUILLMONT_EXE="$program"
-# What the linker put into it.
+# Lists the libraries in it.
 QUILLMONT_LINK_MAP="${program%.exe}.map"
-export QUILLMONT_EXE QUILLMONT_LINK_MAP QUILLMONT_DRIVER QUILLMONT_STAND_INS QUILLMONT_PACKAGES="$folder/first"
-# Scratch folders here: pytest's own name for them is the user's, and who is nobody in particular is root in there.
+export QUILLMONT_EXE QUILLMONT_LINK_MAP QUILLMONT_DRIVER QUILLMONT_STUBS QUILLMONT_PACKAGES="$folder/first"
+# pytest's default folder is named after the user, who is root in the private network.
 scripts/run_on_private_desktop.sh \
     /usr/bin/python3 -B -m pytest -q --basetemp "$folder/pytest" tests/packages "$@"

@@ -7,13 +7,13 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 folder="$(mktemp -d)"
 trap 'rm -rf "$folder"' EXIT
 
-# CopySources FOLDER: what stands in the sources' folder now, without what was built there.
+# CopySources FOLDER: copies the sources as they are now, without the build folders.
 CopySources() {
     mkdir -p "$1"
     tar --create --exclude=./build --exclude=./dist --exclude=./.git . | tar --extract --directory "$1" --touch
 }
 
-# Both before the first build, so that nobody's editing comes between them.
+# Both before the first build, so that an edit meanwhile changes neither.
 first="$folder/first"
 second="$folder/a/longer way/to the second"
 CopySources "$first"

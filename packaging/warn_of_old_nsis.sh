@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Prints a warning for the release notes when makensis is older than 3.11, which puts a weakness into every installer
-# that it makes, and nothing otherwise.
+# Prints a warning for the release notes if makensis is older than 3.11, since every installer that it makes has a
+# security weakness then. Prints nothing otherwise.
 set -euo pipefail
 
 version="$(makensis -VERSION)"
 version="${version#v}"
-# -V: as numbers, so that 3.9 comes before 3.11.
+# -V compares numbers: 3.9 comes before 3.11.
 if [[ "$(printf '%s\n' 3.11 "$version" | sort -V | head -n 1)" != 3.11 ]]; then
     cat <<WARNING
 Warning: this installer was made with NSIS $version.

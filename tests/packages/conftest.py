@@ -1,5 +1,5 @@
-"""Fixtures of the packages' tests. They run where run_on_private_desktop.sh put them, with the packages in the folder
-that QUILLMONT_PACKAGES names and the stand-ins (netsh_stub.cpp, sealed_program.cpp) in that of QUILLMONT_STAND_INS."""
+"""Fixtures of the packages' tests. packaging/test_packages.sh runs them: QUILLMONT_PACKAGES is the folder with the
+packages and QUILLMONT_STUBS the one with the stubs (netsh_stub.cpp, sealed_program.cpp)."""
 
 import pytest
 from installation import Installation, put_netsh_in_place

@@ -1,4 +1,4 @@
-"""What is in the packages."""
+"""The content of the packages."""
 
 import hashlib
 import os
@@ -40,10 +40,10 @@ def test_the_guide_in_the_zip_is_one_file():
     assert all(picture.startswith("data:") for picture in pictures), pictures
 
 
-def test_the_program_says_who_it_is_and_what_it_asks_of_windows():
+def test_the_program_has_its_version_and_manifest():
     with zipfile.ZipFile(package("windows-x64.zip")) as archive:
         octets = archive.read("Quillmont.exe")
-    # The fixed part of the version resource: its mark, its own version, the file's version.
+    # The fixed part of the version resource: signature, structure version, file version.
     fixed = octets.index(struct.pack("<II", 0xFEEF04BD, 0x10000))
     high, low = struct.unpack_from("<II", octets, fixed + 8)
     assert f"{high >> 16}.{high & 0xFFFF}.{low >> 16}" == VERSION
@@ -58,7 +58,7 @@ def test_the_program_says_who_it_is_and_what_it_asks_of_windows():
         assert unwanted not in manifest
 
 
-def test_readme_and_packages_say_whose_it_is_and_no_more():
+def test_readme_and_packages_have_the_copyright_line_and_no_licence():
     readme = (ROOT / "README.md").read_text()
     assert readme.endswith(f"\n{RIGHTS}\n")
     assert RIGHTS.encode("utf-16-le") in package("setup.exe").read_bytes()
@@ -70,7 +70,7 @@ def test_readme_and_packages_say_whose_it_is_and_no_more():
 def test_third_party_txt_names_every_library_in_the_program():
     link_map = Path(os.environ["QUILLMONT_LINK_MAP"]).read_text()
     members = re.findall(r"^\S+/(lib[^/]+)\.a\((\S+)\)$", link_map, re.M)
-    # dlltool made these: the name of a function in a DLL of Windows, and no code.
+    # Import stubs of Windows' DLLs, which have no code.
     imports = re.compile(r"lib\w+?(?:h|t|s\d{5})\.o")
     linked = {library for library, member in members if not imports.fullmatch(member)}
     others = {library for library in linked if not library.startswith("libquillmont_")}
@@ -93,7 +93,7 @@ def warning_of_nsis(**environment):
     ("version", "is_old"),
     [("v2.51", True), ("v3.08-3+deb12u1", True), ("v3.9", True), ("v3.11", False), ("v3.11-1", False), ("v4.0", False)],
 )
-def test_an_installer_made_with_an_old_nsis_is_warned_of(tmp_path, version, is_old):
+def test_the_release_notes_warn_of_an_old_nsis(tmp_path, version, is_old):
     makensis = tmp_path / "makensis"
     makensis.write_text(f"#!/bin/sh\nprintf %s {version}\n")
     makensis.chmod(0o755)
@@ -103,7 +103,7 @@ def test_an_installer_made_with_an_old_nsis_is_warned_of(tmp_path, version, is_o
 
 
 def test_the_release_notes_are_this_versions_section_of_the_change_log():
-    """It stands first and has a day, and whatever the packages bear bears that."""
+    """It is the first section and has a date, which is also the date of all files in the packages."""
     change_log = (ROOT / "CHANGELOG.md").read_text()
     heading, version, day = re.search(r"^## (\S+) \((\S+)\)$", change_log, re.M).group(0, 1, 2)
     assert version == VERSION
@@ -118,7 +118,7 @@ def test_the_release_notes_are_this_versions_section_of_the_change_log():
         assert {entry.date_time[:3] for entry in archive.infolist()} == {tuple(map(int, day.split("-")))}
 
 
-def test_a_version_without_a_dated_section_makes_no_package():
+def test_a_version_without_a_dated_section_is_refused():
     for what in ("day", "notes"):
         for version in ("1.0", VERSION + "0", "9.9.9"):
             command = [ROOT / "packaging" / "read_release.sh", what, version]

@@ -1,4 +1,4 @@
-"""What Setup asks of Windows Firewall, to the character: nothing here can tell whether it worked."""
+"""The exact netsh commands that Setup runs. Wine has no firewall, so their effect cannot be tested here."""
 
 import re
 
@@ -14,60 +14,60 @@ ADD_RULE = f"advfirewall firewall add rule {NAME} dir=in action=allow protocol=U
 
 def test_a_rule_for_both_ports_replaces_all_others_of_the_program(installation, netsh):
     installation.install()
-    assert netsh.take_calls() == [DELETE_OWN_RULE, DELETE_RULES_OF_PROGRAM, ADD_RULE]
+    assert netsh.pop_calls() == [DELETE_OWN_RULE, DELETE_RULES_OF_PROGRAM, ADD_RULE]
     assert not installation.notes.exists()
-    # An upgrade the same: the program may have been started, and Windows asked, in between.
+    # The same on an upgrade: Windows may have asked about the program and made rules in between.
     installation.install()
-    assert netsh.take_calls() == [DELETE_OWN_RULE, DELETE_RULES_OF_PROGRAM, ADD_RULE]
+    assert netsh.pop_calls() == [DELETE_OWN_RULE, DELETE_RULES_OF_PROGRAM, ADD_RULE]
 
 
 def test_rules_that_were_removed_are_noted(installation, netsh):
     netsh.answer("1 delete rule name=\"", "0 delete rule name=all")
     installation.install()
     notes = installation.notes.read_text()
-    assert notes.startswith(r"Firewall rules that Windows or somebody had made for C:\Program Files\Quillmont")
+    assert notes.startswith(r"Other firewall rules for C:\Program Files\Quillmont")
     assert notes.count("\n\n") == 1
 
 
-def test_uninstalling_removes_what_setup_looked_after(installation, netsh):
+def test_uninstalling_removes_the_rule_that_setup_made(installation, netsh):
     installation.install()
-    netsh.take_calls()
+    netsh.pop_calls()
     installation.uninstall()
-    assert netsh.take_calls() == [DELETE_OWN_RULE, DELETE_RULES_OF_PROGRAM]
+    assert netsh.pop_calls() == [DELETE_OWN_RULE, DELETE_RULES_OF_PROGRAM]
 
 
-def test_a_firewall_that_setup_was_told_to_leave_alone_is_left_alone(installation, netsh):
+def test_without_the_firewall_box_setup_changes_no_rule(installation, netsh):
     installation.install("/FIREWALL=no")
     installation.install()
     installation.uninstall()
-    assert netsh.take_calls() == []
+    assert netsh.pop_calls() == []
 
 
-def test_a_rule_declined_later_goes_and_no_other_does(installation, netsh):
+def test_a_rule_declined_later_is_removed_and_no_other(installation, netsh):
     installation.install()
-    netsh.take_calls()
+    netsh.pop_calls()
     installation.install("/FIREWALL=no")
-    assert netsh.take_calls() == [DELETE_OWN_RULE]
+    assert netsh.pop_calls() == [DELETE_OWN_RULE]
 
 
-def test_another_folders_program_is_the_one_named(netsh):
+def test_the_rule_names_the_program_in_the_chosen_folder(netsh):
     netsh.begin()
     elsewhere = Installation(r"C:\Program Files\Network\Quillmont")
     elsewhere.install(f"/D={elsewhere.windows_folder}")
     elsewhere.uninstall()
-    calls = [call for call in netsh.take_calls() if call != DELETE_OWN_RULE]
+    calls = [call for call in netsh.pop_calls() if call != DELETE_OWN_RULE]
     assert len(calls) == 3
     for call in calls:
         assert call.endswith(r' program="C:\Program Files\Network\Quillmont\Quillmont.exe"')
 
 
-def test_a_firewall_that_cannot_be_changed_is_reported_and_breaks_nothing(installation, netsh):
+def test_setup_goes_on_after_a_firewall_error_and_reports_it(installation, netsh):
     netsh.answer("1 rule")
     assert installation.install() == 0
     assert "The firewall rule could not be added (netsh: 1)" in installation.notes.read_text()
     assert installation.program.exists()
     assert registry_value(UNINSTALL_KEY, "FirewallRule") is None
-    # The next attempt tries it again without being told to.
+    # The next installation tries again without a switch.
     netsh.answer("1 delete rule")
     installation.install()
     assert registry_value(UNINSTALL_KEY, "FirewallRule") == INSTALLED_WORD

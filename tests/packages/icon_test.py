@@ -1,5 +1,4 @@
-"""The icon: drawn once, in every size, and in every file that Explorer shows. That the windows' classes have none is
-for the desktop tests."""
+"""The icon in each size and in each file that Explorer shows. The desktop tests check that the windows have none."""
 
 import struct
 import subprocess
@@ -13,7 +12,7 @@ PNG_MARK = b"\x89PNG"
 
 
 def read_images(octets):
-    """The size and the octets of each image of an icon file."""
+    """Yields the size and the octets of each image of an icon file."""
     reserved, kind, count = struct.unpack_from("<HHH", octets)
     assert (reserved, kind) == (0, 1)
     for index in range(count):
@@ -25,9 +24,9 @@ def read_images(octets):
 IMAGES = dict(read_images(ICON.read_bytes()))
 
 
-def test_it_has_the_sizes_that_explorer_and_the_shortcuts_ask_for():
+def test_it_has_the_sizes_that_explorer_and_the_shortcuts_use():
     assert sorted(IMAGES) == SIZES
-    # Only the largest may be a PNG: older parts of Windows read no other.
+    # Only the largest may be a PNG: older parts of Windows cannot read small ones.
     assert [size for size, image in IMAGES.items() if image.startswith(PNG_MARK)] == [256]
 
 
@@ -40,7 +39,7 @@ def test_program_installer_and_uninstaller_have_it(installation, tmp_path):
 
 
 def pixels(icon, folder):
-    """The pixels of each size, as red, green, blue and opacity."""
+    """Returns the pixels of each size, as red, green, blue and opacity."""
     folder.mkdir()
     subprocess.run(["icotool", "--extract", "--output", folder, icon], check=True)
     found = {}
@@ -51,12 +50,12 @@ def pixels(icon, folder):
     return found
 
 
-def test_it_is_the_drawing(tmp_path):
+def test_it_matches_the_drawing(tmp_path):
     drawn = tmp_path / "drawn.ico"
     subprocess.run([ROOT / "packaging" / "make_icon.sh", drawn], check=True)
-    kept, drawn = pixels(ICON, tmp_path / "kept"), pixels(drawn, tmp_path / "new")
-    assert sorted(kept) == sorted(drawn) == SIZES
+    committed, drawn = pixels(ICON, tmp_path / "committed"), pixels(drawn, tmp_path / "drawn")
+    assert sorted(committed) == sorted(drawn) == SIZES
     for size in SIZES:
-        # Other versions of the drawing library smooth an edge a little differently.
-        differences = [abs(left - right) for left, right in zip(kept[size], drawn[size], strict=True)]
+        # Versions of the drawing library smooth edges differently.
+        differences = [abs(left - right) for left, right in zip(committed[size], drawn[size], strict=True)]
         assert sum(differences) / len(differences) < 1, f"{size} pixels: draw it anew with packaging/make_icon.sh"

@@ -68,7 +68,7 @@ def test_a_silent_installation_starts_nothing_that_did_not_run(data, installatio
     assert not data.folder.exists()
 
 
-def test_another_folder_is_kept_by_an_upgrade(netsh):
+def test_an_upgrade_uses_the_folder_chosen_before(netsh):
     netsh.begin()
     elsewhere = Installation(r"C:\Program Files\Network\Quillmont")
     elsewhere.install(f"/D={elsewhere.windows_folder}")
@@ -80,7 +80,7 @@ def test_another_folder_is_kept_by_an_upgrade(netsh):
     assert elsewhere.traces() == []
 
 
-def test_what_is_declined_is_not_installed_and_stays_declined(installation):
+def test_a_declined_component_is_not_installed_and_stays_declined(installation):
     installation.install("/AUTOSTART=no", "/FIREWALL=no")
     for _ in range(2):
         assert registry_value(RUN_KEY, "Quillmont") is None
@@ -88,7 +88,7 @@ def test_what_is_declined_is_not_installed_and_stays_declined(installation):
         installation.install()
 
 
-def test_what_is_declined_later_goes_away(installation):
+def test_a_component_declined_later_is_removed(installation):
     installation.install()
     installation.install("/AUTOSTART=no", "/FIREWALL=no")
     assert registry_value(RUN_KEY, "Quillmont") is None
@@ -98,14 +98,14 @@ def test_what_is_declined_later_goes_away(installation):
     assert registry_value(UNINSTALL_KEY, "FirewallRule") == INSTALLED_WORD
 
 
-def test_the_installer_tells_when_windows_own_trap_service_runs(installation):
-    # Any driver will do as the service: what counts is that one of this name runs.
+def test_the_installer_reports_a_running_trap_service(installation):
+    # Any running service of this name will do, so a driver is used.
     image = r"C:\windows\system32\drivers\ksecdd.sys"
     assert run_wine("sc", "create", "SNMPTRAP", "type=", "kernel", "binPath=", image) == 0
     assert run_wine("net", "start", "SNMPTRAP") == 0
     assert installation.install() == 0
     notes = installation.notes.read_text()
-    # Not sc: in PowerShell that is another command.
+    # Not sc, which is another command in PowerShell.
     assert "run: sc.exe stop SNMPTRAP" in notes
     assert "restart: sc.exe config SNMPTRAP start= disabled" in notes
     run_wine("net", "stop", "SNMPTRAP")

@@ -13,7 +13,7 @@ from harness.processes import ask_wine, run_wine
 from harness.waiting import wait_until
 
 VERSION = re.search(r"^project\(Quillmont VERSION ([0-9.]+)", (ROOT / "CMakeLists.txt").read_text(), re.M)[1]
-# In the zip and beside the installed program.
+# The files in the zip and of an installation.
 CONTENT = ["CHANGELOG.txt", "Quillmont.exe", "THIRD-PARTY.txt", "standard-names.mib", "user-guide.html"]
 
 CURRENT_VERSION = r"HKLM\Software\Microsoft\Windows\CurrentVersion"
@@ -33,24 +33,24 @@ def package(suffix):
     return Path(os.environ["QUILLMONT_PACKAGES"], f"Quillmont-{VERSION}-{suffix}")
 
 
-def stand_in(name):
-    return Path(os.environ["QUILLMONT_STAND_INS"], f"quillmont_{name}.exe")
+def stub(name):
+    return Path(os.environ["QUILLMONT_STUBS"], f"quillmont_{name}.exe")
 
 
 def unpack(folder):
-    """What is in the zip, put into a folder that is made."""
+    """Unpacks the zip into a new folder. Returns the folder."""
     with zipfile.ZipFile(package("windows-x64.zip")) as archive:
         archive.extractall(folder)
     return folder
 
 
 def as_typed(switches):
-    """Words without quotation marks: a folder with blanks is several, and Wine puts none around them."""
+    """Splits a folder with blanks into several words, so that Wine puts no quotation marks around it."""
     return " ".join(switches).split(" ")
 
 
 def registry_value(key, name):
-    """The value as `reg` prints it; None when there is none."""
+    """Returns the value as `reg` prints it, or None."""
     found = re.search(rf"^\s+{re.escape(name)}\s+REG_\w+\s+(.*?)\s*$", ask_wine("reg", "query", key), re.M)
     return found and found[1]
 
@@ -63,12 +63,12 @@ def check_that_it_records(data):
 
 
 class Netsh:
-    """The stand-in for netsh: what it was called with, and what it answers."""
+    """The stub for netsh: its command lines and its answers."""
 
     folder = property(lambda self: drive_c() / "netsh")
 
     def begin(self):
-        """Forgets earlier calls. As a fresh Windows it knows no rule of ours: there is nothing to delete."""
+        """Forgets earlier calls. As on a fresh Windows there is no rule to delete."""
         shutil.rmtree(self.folder, ignore_errors=True)
         self.folder.mkdir()
         self.answer("1 delete rule")
@@ -76,8 +76,8 @@ class Netsh:
     def answer(self, *lines):
         (self.folder / "answers.txt").write_text("".join(line + "\n" for line in lines))
 
-    def take_calls(self):
-        """The command lines since the last look, from the first word after netsh's own path on."""
+    def pop_calls(self):
+        """Returns the command lines since the last call, without netsh's path."""
         calls = self.folder / "calls.txt"
         if not calls.exists():
             return []
@@ -89,10 +89,10 @@ class Netsh:
 
 
 def put_netsh_in_place():
-    """For all programs that are started from now on. Wine takes its own for one in the system's folder, unless told."""
+    """Replaces netsh for all programs started from now on. Wine uses its own unless it is overridden."""
     netsh = drive_c() / "windows" / "system32" / "netsh.exe"
     netsh.unlink()
-    shutil.copy(stand_in("netsh_stub"), netsh)
+    shutil.copy(stub("netsh_stub"), netsh)
     os.environ["WINEDLLOVERRIDES"] += ";netsh.exe=n"
     return Netsh()
 
@@ -107,11 +107,11 @@ class Installation:
         self.run_command = f'"{folder}\\Quillmont.exe"'
 
     def install(self, *switches):
-        """The exit code of the installer in silent mode."""
+        """Runs the installer in silent mode. Returns its exit code."""
         return run_wine(windows_path(package("setup.exe")), *as_typed(["/S", *switches]))
 
     def start_uninstall(self, *switches):
-        """Goes on as a copy of itself in another folder, which is not waited for, unless `_?=` comes last."""
+        """Starts the uninstaller, which continues as a copy in another folder. Does not wait for that copy."""
         return run_wine(f"{self.windows_folder}\\uninstall.exe", *as_typed(["/S", *switches]))
 
     def uninstall(self, *switches):
@@ -122,7 +122,7 @@ class Installation:
         )
 
     def ask(self, program, *switches):
-        """The exit code and what is printed, into a file: a pipe would be held open by what is left running."""
+        """Returns the exit code and the output. Uses a file, since processes left running would keep a pipe open."""
         with tempfile.TemporaryFile() as output:
             code = run_wine(program, *as_typed(switches), output=output)
             output.seek(0)
@@ -132,11 +132,11 @@ class Installation:
         return self.ask(windows_path(package("setup.exe")), *switches)
 
     def ask_uninstaller(self, *switches):
-        """In its own folder, so that the code and the output are those of the uninstaller and not of its starter."""
+        """Runs the uninstaller without a copy, so that its exit code and output can be read."""
         return self.ask(f"{self.windows_folder}\\uninstall.exe", *switches, f"_?={self.windows_folder}")
 
     def traces(self):
-        """What speaks of it in the folders of all users and where programs announce themselves to Windows."""
+        """Returns what is left of it in the registry and in the folders of all users."""
         assert run_wine("reg", "export", CURRENT_VERSION, r"C:\current.reg", "/y") == 0
         announced = (drive_c() / "current.reg").read_bytes().decode("utf-16")
         lines = [line for line in announced.splitlines() if "quillmont" in line.lower()]

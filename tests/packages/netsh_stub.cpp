@@ -1,5 +1,5 @@
-// Stands in for netsh.exe while Setup is tried: appends each command line to C:\netsh\calls.txt, and answers
-// with the exit code that the first fitting line of C:\netsh\answers.txt gives ("1 delete rule"), or with 0.
+// A stub for netsh.exe: appends each command line to C:\netsh\calls.txt and returns the exit code of the
+// first matching line of C:\netsh\answers.txt ("1 delete rule"), or 0.
 #include <windows.h>
 
 #include <fstream>

@@ -1,6 +1,5 @@
-// Stands in for a Quillmont.exe of another user: a window of the main window's class whose process may not
-// be opened. The window closes when it is told to, and the process, which holds the file, ends two seconds
-// later than that.
+// A stub for a Quillmont.exe of another user: a window of the main window's class whose process may not be
+// opened. The window closes at WM_CLOSE. The process, which keeps the file in use, ends two seconds later.
 #include <windows.h>
 
 namespace {
@@ -15,7 +14,7 @@ LRESULT CALLBACK WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lPa
     return DefWindowProcW(window, message, wParam, lParam);
 }
 
-// An empty list: nobody may open the process. Its owner may still change that, and so may a debugger.
+// With an empty access list nobody may open the process. Its owner and a debugger can still change that.
 bool SealProcess() {
     ACL nobody;
     SECURITY_DESCRIPTOR descriptor;

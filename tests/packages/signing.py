@@ -1,4 +1,4 @@
-"""What a signed package needs, made on the spot: a certificate, and an authority that gives time stamps."""
+"""A certificate and a time stamp authority for signing the packages."""
 
 import subprocess
 import tempfile
@@ -8,7 +8,7 @@ from pathlib import Path
 
 PASSWORD = "correct horse"
 
-# Of the authority's answers.
+# The configuration of the authority.
 TSA_CONFIG = """\
 [tsa]
 default_tsa = this
@@ -28,7 +28,7 @@ def run(*command):
 
 
 class Identity:
-    """A key and a certificate that vouches for itself, for one use."""
+    """A key and a self-signed certificate."""
 
     def __init__(self, folder, name, use):
         self.key = folder / f"{name}.key"
@@ -41,7 +41,7 @@ class Identity:
         )
 
     def pack(self, password):
-        """The PKCS#12 file, and the file with its password."""
+        """Writes a PKCS#12 file and a file with its password. Returns both."""
         packed, secret = self.key.with_suffix(".p12"), self.key.with_suffix(".password")
         secret.write_text(password)
         run(
@@ -52,7 +52,7 @@ class Identity:
 
 
 class TimestampAuthority:
-    """Answers on 127.0.0.1 as RFC 3161 has it, until closed."""
+    """Answers on 127.0.0.1 (RFC 3161) until closed."""
 
     def __init__(self, folder):
         self.identity = Identity(folder, "authority", "timeStamping")
@@ -95,7 +95,7 @@ class TimestampAuthority:
 
 
 def verify(file, signer, authority):
-    """(whether the signature holds, what is said about it). Only these two certificates are trusted."""
+    """Returns whether the signature is valid, and the report. Trusts these two certificates only."""
     result = subprocess.run(
         ["osslsigncode", "verify", "-in", file, "-CAfile", signer.certificate, "-TSA-CAfile", authority.certificate],
         capture_output=True,

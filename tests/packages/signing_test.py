@@ -1,4 +1,4 @@
-"""Packages for which a certificate was named."""
+"""Packages signed with a certificate."""
 
 import os
 import subprocess
@@ -49,14 +49,14 @@ def test_program_uninstaller_and_installer_are_signed(signed, installation, monk
     assert installation.install() == 0
     zipped = unpack(drive_c() / "signed") / "Quillmont.exe"
     for file in (package("setup.exe"), zipped, installation.program, installation.folder / "uninstall.exe"):
-        holds, told = signed.verify(file)
-        assert holds, f"{file}: {told}"
-        assert "Timestamp Server Signature verification: ok" in told, told
-    # One of each: the program is signed once, for the zip and the installer.
+        valid, report = signed.verify(file)
+        assert valid, f"{file}: {report}"
+        assert "Timestamp Server Signature verification: ok" in report, report
+    # The program, which is the same in zip and installer, the installer and the uninstaller.
     assert signed.authority.answered == 3
 
 
-def test_a_signed_file_that_was_changed_is_told(signed, tmp_path):
+def test_the_signature_of_a_changed_file_is_invalid(signed, tmp_path):
     changed = tmp_path / "changed.exe"
     octets = bytearray((signed.packages / package("setup.exe").name).read_bytes())
     octets[len(octets) // 2] ^= 1
@@ -66,9 +66,9 @@ def test_a_signed_file_that_was_changed_is_told(signed, tmp_path):
 
 def test_without_a_certificate_nothing_is_signed(signed, tmp_path):
     for file in (package("setup.exe"), unpack(tmp_path / "zip") / "Quillmont.exe"):
-        holds, told = signed.verify(file)
-        assert not holds
-        assert "No signature found" in told, told
+        valid, report = signed.verify(file)
+        assert not valid
+        assert "No signature found" in report, report
 
 
 def test_a_certificate_that_cannot_be_used_makes_no_packages(signed, tmp_path):

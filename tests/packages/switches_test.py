@@ -30,12 +30,12 @@ def pretend_version(version):
         ["no"],
     ],
 )
-def test_what_is_no_switch_is_refused(installation, netsh, switches):
+def test_an_unknown_switch_or_value_is_refused(installation, netsh, switches):
     code, text = installation.ask_setup("/S", *switches)
     assert code == WRONG_SWITCH, text
-    assert text.startswith(f"Not a switch, or not a value that it takes: {switches[-1]}\n\nSetup's switches:\n")
+    assert text.startswith(f"Unknown switch or value: {switches[-1]}\n\nSetup's switches:\n")
     assert installation.traces() == []
-    assert netsh.take_calls() == []
+    assert netsh.pop_calls() == []
 
 
 @pytest.mark.parametrize("switch", ["/HELP", "/help", "/?"])
@@ -55,7 +55,7 @@ def test_the_uninstaller_refuses_too(installation):
     installation.install()
     code, text = installation.ask_uninstaller("/S", "/DELETEDATA=no", "/FIREWALL=no")
     assert code == WRONG_SWITCH, text
-    assert "takes: /FIREWALL=no\n\nThe uninstaller's switches:\n" in text
+    assert "value: /FIREWALL=no\n\nThe uninstaller's switches:\n" in text
     code, text = installation.ask_uninstaller("/S", "/HELP")
     assert (code, text.partition("\n")[0]) == (WRONG_SWITCH, "The uninstaller's switches:")
     assert installation.program.exists()
@@ -66,17 +66,17 @@ def test_a_silent_downgrade_is_refused(installation, netsh, switches):
     installation.install()
     installation.program.write_bytes(b"a newer version")
     pretend_version("1.0.10")
-    netsh.take_calls()
+    netsh.pop_calls()
     code, text = installation.ask_setup("/S", *switches)
     assert code == NEWER_INSTALLED
     assert text.startswith(f"Quillmont PRO 1.0.10 is installed, which is newer than {VERSION}. Nothing was changed.")
     assert "/DOWNGRADE=yes" in text
     assert installation.program.read_bytes() == b"a newer version"
     assert registry_value(UNINSTALL_KEY, "DisplayVersion") == "1.0.10"
-    assert netsh.take_calls() == []
+    assert netsh.pop_calls() == []
 
 
-def test_a_downgrade_that_is_wanted_is_done(installation):
+def test_a_downgrade_with_the_switch_is_done(installation):
     installation.install()
     pretend_version("10.0")
     assert installation.install("/DOWNGRADE=yes") == 0
@@ -90,7 +90,7 @@ def test_an_older_and_the_same_version_are_no_downgrade(installation, version):
     assert installation.install() == 0
 
 
-def test_a_downgrade_by_hand_is_asked_about(driver, installation):
+def test_an_interactive_downgrade_asks_first(driver, installation):
     installation.install()
     pretend_version("2.0.0")
     process = driver("start", windows_path(package("setup.exe")))
@@ -109,14 +109,14 @@ def test_a_downgrade_by_hand_is_asked_about(driver, installation):
     assert registry_value(UNINSTALL_KEY, "DisplayVersion") == "2.0.0"
 
 
-def test_the_guide_names_no_folder_where_every_user_may_replace_the_program():
+def test_the_guide_names_folders_that_only_administrators_can_write_to():
     guide = (ROOT / "docs" / "installing.md").read_text()
     folders = re.findall(r"/D=([^`]+)`", guide)
     assert folders
     assert all(folder.startswith("C:\\Program Files\\") for folder in folders), folders
 
 
-def test_the_guide_names_sc_by_its_file():
+def test_the_guide_writes_sc_exe():
     """In PowerShell plain sc is Set-Content: `sc stop SNMPTRAP` there writes a file and stops nothing."""
     guide = (ROOT / "docs" / "installing.md").read_text()
     assert re.findall(r"^sc\S* \w+", guide, re.M) == ["sc.exe stop", "sc.exe config"]

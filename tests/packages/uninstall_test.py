@@ -20,11 +20,11 @@ def test_uninstalling_leaves_no_trace_but_the_operators_files(data, installation
     assert (data.mibs / "MY-MIB.txt").exists()
 
 
-def test_an_uninstaller_that_is_waited_for_tells_its_code_and_leaves_only_itself(installation):
+def test_an_uninstaller_without_a_copy_returns_its_code_and_leaves_only_itself(installation):
     installation.install()
     code, text = installation.ask_uninstaller("/S")
     assert (code, text) == (0, "")
-    # Windows keeps the file of a running program; Wine does not.
+    # Windows cannot delete the file of a running program; Wine can.
     left = [entry.name for entry in installation.folder.iterdir()] if installation.folder.exists() else []
     assert left in ([], ["uninstall.exe"])
     shutil.rmtree(installation.folder, ignore_errors=True)
@@ -41,7 +41,7 @@ def test_uninstalling_leaves_what_others_put_into_the_folder(installation):
 
 @pytest.fixture
 def others(tmp_path):
-    """A folder of somebody else's, with files such as the program makes."""
+    """Somebody else's folder, with files named like the program's."""
     folder = tmp_path / "others"
     (folder / "mibs").mkdir(parents=True)
     for name in ("a.mib", "SNMP.txt", "mibs/b.mib"):

@@ -1,4 +1,4 @@
-"""Installing over a program that runs, or that somebody holds."""
+"""Installing while the program runs or its file is in use."""
 
 import os
 import shutil
@@ -9,9 +9,9 @@ import time
 import pytest
 from harness.places import drive_c, windows_path
 from harness.processes import find_wine_process, wine_processes
-from installation import IN_USE, stand_in, unpack
+from installation import IN_USE, stub, unpack
 
-# Setup's own bounds, in seconds.
+# Setup's limits, in seconds.
 CLOSE_TIME = 30
 RELEASE_TIME = 10
 
@@ -34,11 +34,11 @@ def test_an_upgrade_closes_the_program_through_its_window_and_starts_it_again(da
     assert not wine_processes("Quillmont.exe")
 
 
-def test_a_program_whose_process_cannot_be_watched_is_closed_and_replaced_all_the_same(data, installation, start):
-    """Setup was given other credentials than those that the program runs with."""
+def test_a_program_whose_process_cannot_be_opened_is_closed_and_replaced(data, installation, start):
+    """Setup runs with other credentials than the program."""
     installation.install()
     new_octets = installation.program.read_bytes()
-    shutil.copy(stand_in("sealed_program"), installation.program)
+    shutil.copy(stub("sealed_program"), installation.program)
     sealed = start(installation.program)
     assert installation.install() == 0
     assert sealed.wait_for_exit() == 0
@@ -48,7 +48,7 @@ def test_a_program_whose_process_cannot_be_watched_is_closed_and_replaced_all_th
 
 @pytest.fixture
 def hang(start):
-    """A function that starts a program and lets it hang, until the test is over."""
+    """A function that starts a program and suspends it until the test is over."""
     hanging = []
 
     def start_hanging(path):
@@ -62,7 +62,7 @@ def hang(start):
         os.kill(process, signal.SIGCONT)
 
 
-def test_a_window_that_hangs_costs_its_time_once_and_keeps_no_other_from_closing(data, installation, start, hang):
+def test_a_hanging_window_delays_setup_once_and_the_other_windows_close(data, installation, start, hang):
     installation.install()
     hang(installation.program)
     other = start(unpack(drive_c() / "copy") / "Quillmont.exe").wait_running()
@@ -70,13 +70,13 @@ def test_a_window_that_hangs_costs_its_time_once_and_keeps_no_other_from_closing
     assert installation.install() == IN_USE
     assert CLOSE_TIME <= time.monotonic() - begin < 2 * CLOSE_TIME
     assert other.wait_for_exit() == 0
-    # What could be closed receives again, although nothing was installed.
+    # The program that was closed is started again, although nothing was installed.
     data.wait_for_start(3)
     assert len(wine_processes("Quillmont.exe")) == 2
 
 
 def test_a_program_that_cannot_be_replaced_is_left_alone(driver, installation):
-    """Somebody else's session runs it: its window cannot be reached, its file cannot be written."""
+    """It runs in another session: its window cannot be reached, and its file cannot be written."""
     installation.install()
     before = installation.program.read_bytes()
     driver("hold_file", windows_path(installation.program))
@@ -91,8 +91,8 @@ def test_a_program_that_cannot_be_replaced_is_left_alone(driver, installation):
     assert installation.program.read_bytes() == before
 
 
-def test_a_file_that_is_held_for_a_moment_is_waited_for(driver, installation):
-    """A virus scanner, say."""
+def test_setup_waits_for_a_file_that_is_in_use_for_a_moment(driver, installation):
+    """As a virus scanner does."""
     installation.install()
     driver("hold_file", windows_path(installation.program))
     release = threading.Timer(RELEASE_TIME / 4, lambda: driver("release_files"))
