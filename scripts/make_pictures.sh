@@ -15,9 +15,8 @@ for address in 10.20.0.5 10.20.0.7 10.20.0.11 10.20.0.40; do
     PATH="$PATH:/usr/sbin:/sbin" ip address add "$address/32" dev lo
 done
 
-# Set before the first program runs: frames and title bars as flat as those of Windows 10, and the data folder of a user
-# called Operator instead of whoever makes the pictures. 360 twips are 24 pixels; CaptionFont is a LOGFONTW: Segoe UI,
-# 12 pixels high, weight 400.
+# Set before the first program runs: flat frames and title bars like those of Windows 10, and the data folder of a user
+# called Operator. 360 twips are 24 pixels; CaptionFont is a LOGFONTW: Segoe UI, 12 pixels high, weight 400.
 cat >>"$WINEPREFIX/user.reg" <<'REGISTRY'
 
 [Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders] 1
@@ -51,7 +50,7 @@ cat >>"$WINEPREFIX/user.reg" <<'REGISTRY'
 "InactiveBorder"="255 255 255"
 REGISTRY
 mkdir -p "$WINEPREFIX/drive_c/users/Operator/AppData/Local"
-# Windows writes Users, Wine users; the harness looks for the name in the registry.
+# Windows writes Users and Wine users. The harness looks for the folder with the name in the registry.
 ln -s users "$WINEPREFIX/drive_c/Users"
 
 /usr/bin/python3 -B scripts/make_pictures.py

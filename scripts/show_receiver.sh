@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Shows what the program does with real traps: on the display that DISPLAY names, until its main window is closed, or
-# without one on a virtual display, saving pictures of its windows. Called by run.sh, in a private network where one is
-# to be had.
+# Shows what the program does with real traps: on the display that DISPLAY names, until its main window is closed.
+# Without a display it uses a virtual one and saves pictures of the windows. Called by run.sh, in a private network if the
+# machine allows one.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -14,7 +14,7 @@ CleanUp() {
 }
 trap CleanUp EXIT
 
-# Programs that still run in the prefix, by what they were started with; this shell is none of them.
+# Lists the processes that were started with this prefix in their environment; this shell was not.
 LeftBehind() {
     grep --files-with-matches --null-data --no-messages --line-regexp --fixed-strings \
         "WINEPREFIX=$WINEPREFIX" /proc/[0-9]*/environ || true
@@ -23,7 +23,7 @@ LeftBehind() {
 if [[ -n "${DISPLAY:-}" ]]; then
     show=(--until-closed)
     mkdir -p "$wine_folder"
-    # A prefix belongs to one network, and this run has one of its own.
+    # Each run has its own network, and a prefix can be used in one network only.
     exec 8>"$wine_folder/run.lock"
     if ! flock --nonblock 8; then
         echo "run.sh runs already; close that window first." >&2
