@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <mutex>
-#include <thread>
 
 #include "config/forwarding_settings.h"
 #include "core/app_paths.h"
@@ -66,17 +65,6 @@ Octets LargestMessage() {
     };
     constexpr size_t kFirstGuess = 65000;
     return build(kFirstGuess + kLargest - build(kFirstGuess).size());
-}
-
-bool WaitUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit) {
-    const auto deadline = std::chrono::steady_clock::now() + limit;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
 }
 
 EngineTest::EngineTest() {

@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,6 +12,7 @@
 #include "tests/support/ber_encoder.h"
 #include "tests/support/loopback_client.h"
 #include "tests/support/scratch_folder.h"
+#include "tests/support/wait_until.h"
 
 constexpr uint16_t kListenerPort = 161;
 
@@ -25,10 +24,6 @@ std::string ExpectedLines(std::string_view name);
 
 // A v2c trap of 65,507 octets, the most that a datagram can carry; its last binding is the integer 4711.
 Octets LargestMessage();
-
-// True as soon as `condition` holds; false when it still did not at the deadline.
-bool WaitUntil(const std::function<bool()>& condition,
-               std::chrono::milliseconds limit = std::chrono::milliseconds(20000));
 
 class EngineTest : public ::testing::Test {
   protected:

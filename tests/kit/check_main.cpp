@@ -1,14 +1,15 @@
-// The check of Quillmont on a real Windows machine: runs the programs beside it, one after the other, and
-// writes report.txt for somebody to send back. Started by check.cmd; needs nothing but Windows.
+// The check of Quillmont on a real Windows machine: runs the test programs in its own folder, one after the
+// other, and writes report.txt for somebody to send back. Started by check.cmd; needs nothing but Windows.
+// Arguments: the programs to run; all without any.
 //
 // Exit codes: 0 everything passed, 1 something failed, 2 the check did not start.
+#include <algorithm>
 #include <array>
-#include <cstdio>
 #include <filesystem>
 #include <iostream>
-#include <set>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "platform/udp_socket.h"
 #include "platform/windows/windows_headers.h"
@@ -17,44 +18,21 @@
 #include "tests/kit/report.h"
 #include "tests/support/exclusive_port.h"
 
-// Behind the system's own header, whose types it uses.
+// After the system's own header, whose types it uses.
 #include <shlobj.h>
 
 namespace {
 
+namespace fs = std::filesystem;
+
 constexpr DWORD kMinute = 60'000;
-
-struct CheckedProgram {
-    const wchar_t* name;
-    const wchar_t* arguments;
-    bool talliesTests;  // prints GoogleTest's closing lines; otherwise its exit code is the one result
-    DWORD limit;        // milliseconds
-};
-
-// From the quickest and most basic on, so that what fails first explains what fails later.
-constexpr CheckedProgram kPrograms[] = {
-    {L"quillmont_unit_tests.exe", L"", true, 5 * kMinute},
-    {L"quillmont_attribute_tests.exe", L"", true, 5 * kMinute},
-    {L"quillmont_file_transfer_tests.exe", L"", true, 5 * kMinute},
-    {L"quillmont_socket_calls_tests.exe", L"", true, 5 * kMinute},
-    {L"quillmont_thread_calls_tests.exe", L"", true, 5 * kMinute},
-    {L"quillmont_failure_tests.exe", L"", true, 5 * kMinute},
-    {L"quillmont_file_layer_tests.exe", L"", true, 5 * kMinute},
-    {L"quillmont_broken_search_tests.exe", L"", true, 5 * kMinute},
-    {L"quillmont_start_up_tests.exe", L"", true, 5 * kMinute},
-    {L"quillmont_memory_tests.exe", L"", true, 10 * kMinute},
-    {L"quillmont_window_memory_tests.exe", L"", true, 5 * kMinute},
-    {L"quillmont_corpus_replay.exe", L"corpus", false, 10 * kMinute},
-    {L"quillmont_receiver_steps_tests.exe", L"", true, 5 * kMinute},
-    {L"quillmont_engine_tests.exe", L"", true, 10 * kMinute},
-    {L"quillmont_windows_questions.exe", L"", true, 5 * kMinute},
-    {L"quillmont_self_check.exe", L"", true, 20 * kMinute},
-};
+constexpr DWORD kTimeLimit = 30 * kMinute;  // of one program
+constexpr wchar_t kCorpusReplay[] = L"quillmont_corpus_replay.exe";
 
 std::wstring OwnFolder() {
     std::array<wchar_t, 32768> path{};
     GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
-    return std::filesystem::path(path.data()).parent_path().wstring();
+    return fs::path(path.data()).parent_path().wstring();
 }
 
 std::wstring UsersDataFolder() {
@@ -79,8 +57,27 @@ std::string ReadRegistryText(const wchar_t* value) {
     return Narrow(text);
 }
 
-// Empty: the check may start.
-std::string FindHindrance() {
+// The test programs of the folder: first the unit tests, whose failures explain others, last the self-check
+// of the whole program.
+std::vector<std::wstring> FindPrograms(const std::wstring& folder) {
+    const auto rank = [](const std::wstring& name) {
+        return name == L"quillmont_unit_tests.exe" ? 0 : name == L"quillmont_self_check.exe" ? 2 : 1;
+    };
+    std::vector<std::wstring> names;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+        const std::wstring name = entry.path().filename().wstring();
+        if (name.starts_with(L"quillmont_") && name.ends_with(L".exe") && name != L"quillmont_check.exe") {
+            names.push_back(name);
+        }
+    }
+    std::sort(names.begin(), names.end(), [&](const std::wstring& left, const std::wstring& right) {
+        return std::pair(rank(left), left) < std::pair(rank(right), right);
+    });
+    return names;
+}
+
+// Why the check must not start; empty if it may.
+std::string FindObstacle() {
     if (FindWindowW(L"SNMP_MAIN_WND", nullptr) != nullptr) {
         return "Quillmont is running. Close it and start the check again.";
     }
@@ -100,58 +97,74 @@ void DescribeMachine(Report& report) {
     report.Say("processors: " + std::to_string(GetActiveProcessorCount(ALL_PROCESSOR_GROUPS)));
 }
 
-// The number in front of " test" in a line that begins with `mark`; 0 when there is none.
-int ReadTally(const std::string& line, const std::string& mark) {
-    return line.starts_with(mark) && line.find(" test", mark.size()) != std::string::npos
-               ? std::atoi(line.c_str() + mark.size())
-               : 0;
+constexpr std::string_view kRunning = "[ RUN      ] ";
+constexpr std::string_view kPassed = "[       OK ] ";
+constexpr std::string_view kFailed = "[  FAILED  ] ";
+constexpr std::string_view kSkipped = "[  SKIPPED ] ";
+
+// "Suite.Test" of a line that begins with one of these marks.
+std::string TestName(const std::string& line) {
+    const std::string name = line.substr(kRunning.size());
+    return name.substr(0, name.find(" ("));
 }
 
-// What a GoogleTest program printed: its counts into the totals, its failures and facts into the report.
-void TakeTestOutput(const std::string& output, const ProgramResult& result, const std::string& name,
+// Reads what a GoogleTest program printed: its counts into the totals, its failures, its skipped tests and
+// its facts into the report.
+void ReadTestOutput(const std::string& output, const ProgramResult& result, const std::string& name,
                     Report& report) {
     int passed = 0;
     int failed = 0;
     int skipped = 0;
+    bool running = false;
+    std::string printed;  // by the test that is running
     std::istringstream lines(output);
-    std::string block;  // what the test that is running printed
     for (std::string line; std::getline(lines, line);) {
         if (!line.empty() && line.back() == '\r') {
             line.pop_back();
         }
-        passed += ReadTally(line, "[  PASSED  ] ");
-        failed += ReadTally(line, "[  FAILED  ] ");
-        skipped += ReadTally(line, "[  SKIPPED ] ");
-        if (line.starts_with("fact: ")) {
+        if (line.starts_with(kRunning)) {
+            running = true;
+            printed.clear();
+        } else if (line.starts_with("fact: ")) {
             report.Say(line);
+        } else if (running && line.starts_with(kPassed)) {
+            ++passed;
+            running = false;
+        } else if (running && line.starts_with(kFailed)) {
+            ++failed;
+            report.Say("FAILED: " + TestName(line));
+            report.Note(printed);
+            running = false;
+        } else if (running && line.starts_with(kSkipped)) {
+            ++skipped;
+            report.Note("skipped: " + TestName(line));
+            report.Note(printed);
+            running = false;
+        } else {
+            printed += "    " + line + "\r\n";
         }
-        const bool ends = line.starts_with("[  FAILED  ] ") || line.starts_with("[  SKIPPED ] ");
-        if (ends && !block.empty()) {
-            report.Note(block + line);
-        }
-        const bool begins = line.starts_with("[ RUN      ]") || line.starts_with("[       OK ]") || ends;
-        block = begins ? "" : block + line + "\r\n";
     }
-    report.Count(passed, failed);
+    report.Count(passed, failed, skipped);
     report.Say(name + ": " + std::to_string(passed) + " passed, " + std::to_string(failed) + " failed, " +
                std::to_string(skipped) + " skipped");
     if (failed == 0 && result.exitCode != DWORD{0}) {
-        report.Fail(name + " ends by itself with code 0", result.ending);
+        report.Fail(name + " runs to its end", result.ending);
         report.Note(output);
     }
 }
 
-void RunChecked(const CheckedProgram& program, const std::wstring& folder, Report& report) {
-    const std::string name = Narrow(program.name);
-    const std::wstring commandLine = L"\"" + folder + L"\\" + program.name + L"\" " + program.arguments;
-    const ProgramResult result = RunProgram(commandLine, folder, program.limit);
-    if (program.talliesTests) {
-        TakeTestOutput(result.output, result, name, report);
+void RunChecked(const std::wstring& program, const std::wstring& folder, Report& report) {
+    const std::string name = Narrow(program);
+    const std::wstring arguments = program == kCorpusReplay ? L" corpus" : L"";
+    const ProgramResult result =
+        RunProgram(L"\"" + folder + L"\\" + program + L"\"" + arguments, folder, kTimeLimit);
+    if (result.output.find("[==========]") != std::string::npos) {
+        ReadTestOutput(result.output, result, name, report);
     } else if (result.exitCode == DWORD{0}) {
         report.Pass(name);
-        report.Say(name + ": passed");
     } else {
-        report.Fail(name + " ends with code 0", result.output);
+        report.Fail(name + " ends with code 0", result.ending);
+        report.Note(result.output);
     }
 }
 
@@ -166,27 +179,27 @@ BOOL WINAPI OnConsoleEnd(DWORD) {
     return FALSE;
 }
 
-int RunCheck(const std::wstring& folder, const std::set<std::wstring>& only, DataFolderAside& aside,
+int RunCheck(const std::wstring& folder, const std::vector<std::wstring>& programs, DataFolderAside& aside,
              Report& report) {
     if (!aside.MoveAside()) {
-        report.Say("The data folder cannot be moved aside: something uses it.");
+        report.Say(
+            "The data folder cannot be moved aside: another program uses it. Close that program, or the "
+            "Explorer window that shows the folder, and start the check again.");
         return 2;
     }
-    // Wine starts its desktop with the first window that anybody makes; one of a checked program's would end
-    // with it.
-    CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+    // Wine starts its desktop for the first program that asks for it, and that one must not be a checked
+    // program: the desktop would end with it.
+    GetDesktopWindow();
     movedAside = &aside;
     SetConsoleCtrlHandler(OnConsoleEnd, TRUE);
     SetEnvironmentVariableW(L"QUILLMONT_CHECK", L"1");
-    for (const CheckedProgram& program : kPrograms) {
-        if (only.empty() || only.contains(program.name)) {
-            RunChecked(program, folder, report);
-        }
+    for (const std::wstring& program : programs) {
+        RunChecked(program, folder, report);
     }
     movedAside = nullptr;
     if (!aside.PutBack()) {
         report.Fail("The data folder is as it was before",
-                    "something still uses it; the next check puts it back");
+                    "another program still uses it; the next check puts it back");
     }
     return report.Close();
 }
@@ -195,7 +208,7 @@ int RunCheck(const std::wstring& folder, const std::set<std::wstring>& only, Dat
 
 int wmain(int count, wchar_t** arguments) {
     const std::wstring folder = OwnFolder();
-    Report report(std::filesystem::path(folder).parent_path().wstring() + L"\\report.txt");
+    Report report(fs::path(folder).parent_path().wstring() + L"\\report.txt");
     if (!report.opened()) {
         std::cout << "report.txt cannot be written here. Unpack the kit into a folder of your own.\n";
         return 2;
@@ -204,14 +217,14 @@ int wmain(int count, wchar_t** arguments) {
     DataFolderAside aside(UsersDataFolder());
     if (aside.foundLeftover()) {
         report.Say(
-            "A check before this one did not end; the data folder that it had moved aside was put back "
-            "first.");
+            "The last check did not end. Your data folder, which it had moved aside, was put back first.");
     }
     StartSocketLibrary();
-    const std::string hindrance = FindHindrance();
-    if (!hindrance.empty()) {
-        report.Say(hindrance);
+    const std::string obstacle = FindObstacle();
+    if (!obstacle.empty()) {
+        report.Say(obstacle);
         return 2;
     }
-    return RunCheck(folder, {arguments + 1, arguments + count}, aside, report);
+    const std::vector<std::wstring> wanted(arguments + 1, arguments + count);
+    return RunCheck(folder, wanted.empty() ? FindPrograms(folder) : wanted, aside, report);
 }

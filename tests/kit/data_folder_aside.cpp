@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "platform/windows/windows_headers.h"
+#include "tests/support/wait_until.h"
 
 namespace fs = std::filesystem;
 
@@ -12,7 +13,7 @@ bool Exists(const std::wstring& path) {
     return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
-// A file that was left read-only does not stop it.
+// Read-only files too.
 bool RemoveAll(const std::wstring& folder) {
     std::error_code error;
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder, error)) {
@@ -20,6 +21,11 @@ bool RemoveAll(const std::wstring& folder) {
     }
     fs::remove_all(folder, error);
     return !Exists(folder);
+}
+
+// A virus scanner or an Explorer window may use the folder for a moment.
+bool Retry(const auto& attempt) {
+    return WaitUntil(attempt, std::chrono::seconds(10));
 }
 
 }  // namespace
@@ -38,17 +44,21 @@ bool DataFolderAside::MoveAside() {
     if (Exists(aside_) || Exists(nothing_)) {
         return false;
     }
-    return (Exists(folder_) ? MoveFileW(folder_.c_str(), aside_.c_str())
-                            : CreateDirectoryW(nothing_.c_str(), nullptr)) != FALSE;
+    return Retry([this] {
+        return (Exists(folder_) ? MoveFileW(folder_.c_str(), aside_.c_str())
+                                : CreateDirectoryW(nothing_.c_str(), nullptr)) != FALSE;
+    });
 }
 
 bool DataFolderAside::PutBack() {
     if (!Exists(aside_) && !Exists(nothing_)) {
         return true;
     }
-    if (Exists(folder_) && !RemoveAll(folder_)) {
-        return false;
-    }
-    return (Exists(aside_) ? MoveFileW(aside_.c_str(), folder_.c_str())
-                           : RemoveDirectoryW(nothing_.c_str())) != FALSE;
+    return Retry([this] {
+        if (Exists(folder_) && !RemoveAll(folder_)) {
+            return false;
+        }
+        return (Exists(aside_) ? MoveFileW(aside_.c_str(), folder_.c_str())
+                               : RemoveDirectoryW(nothing_.c_str())) != FALSE;
+    });
 }

@@ -5,8 +5,7 @@
 
 class DataFolderAside {
   public:
-    // `folder` is the data folder that the program uses. Puts back what an earlier check left aside when
-    // it died.
+    // `folder` is the data folder that the program uses. Puts back what a check that was killed left aside.
     explicit DataFolderAside(const std::wstring& folder);
     ~DataFolderAside();  // puts back
     DataFolderAside(const DataFolderAside&) = delete;
@@ -15,11 +14,12 @@ class DataFolderAside {
     // An earlier check had left the folder aside.
     bool foundLeftover() const { return foundLeftover_; }
 
-    // False: something uses the folder, or the leftover could not be put back; the check must not start.
+    // False: something uses the folder, also after 10 seconds, or the leftover could not be put back; the
+    // check must not start.
     bool MoveAside();
 
-    // Removes what the check made and puts the user's folder back. False: something still uses the folder;
-    // the next check puts it back. Harmless when nothing is aside.
+    // Removes what the check made and puts the user's folder back. False: something still uses the folder
+    // after 10 seconds; the next check puts it back. A no-op when nothing is aside.
     bool PutBack();
 
   private:

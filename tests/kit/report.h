@@ -1,5 +1,5 @@
-// What the check writes for somebody to send back: report.txt, each line on the disk before the next step
-// begins, so that a check which dies still tells how far it came.
+// What the check writes for somebody to send back: report.txt. Each line is on the disk before the next step
+// begins, so that the report of a check that was killed shows how far it got.
 #pragma once
 
 #include <fstream>
@@ -18,15 +18,17 @@ class Report {
     void Note(std::string_view line);
 
     // Adds to the counts of the closing line.
-    void Count(int passed, int failed);
+    void Count(int passed, int failed, int skipped);
     void Pass(std::string_view claim);
     void Fail(std::string_view claim, std::string_view found);
 
-    // "N passed, N failed". The exit code of the check: 0 only when nothing failed and something passed.
+    // "N passed, N failed, N skipped". Returns the exit code of the check: 0 only when nothing failed and
+    // something passed.
     int Close();
 
   private:
     std::ofstream file_;
     int passed_ = 0;
     int failed_ = 0;
+    int skipped_ = 0;
 };

@@ -2,13 +2,12 @@
 
 #include <array>
 #include <filesystem>
-#include <utility>
+#include <stdexcept>
 
 #include "platform/files.h"
-#include "tests/desktop/window_facts.h"
 #include "tests/support/patient_start.h"
 
-// Behind the system's own header, whose types it uses.
+// After the system's own header, whose types it uses.
 #include <shlobj.h>
 
 namespace {
@@ -60,17 +59,6 @@ std::wstring ProgramPath() {
 
 }  // namespace
 
-bool WaitUntil(const std::function<bool()>& condition, DWORD milliseconds) {
-    const ULONGLONG deadline = GetTickCount64() + milliseconds;
-    while (!condition()) {
-        if (GetTickCount64() > deadline) {
-            return false;
-        }
-        Sleep(10);
-    }
-    return true;
-}
-
 RunningProgram::RunningProgram() {
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
@@ -94,13 +82,13 @@ RunningProgram::~RunningProgram() {
 }
 
 HWND RunningProgram::WaitForWindow(const std::wstring& className, const std::wstring& title,
-                                   DWORD milliseconds) const {
+                                   std::chrono::milliseconds limit) const {
     Sought sought = {id_, className, title, 0, nullptr};
     const auto find = [&] {
         EnumWindows(MatchTopLevel, reinterpret_cast<LPARAM>(&sought));
         return sought.found != nullptr;
     };
-    WaitUntil(find, milliseconds);
+    WaitUntil(find, limit);
     return sought.found;
 }
 
@@ -124,19 +112,38 @@ HWND FindControl(HWND window, const std::wstring& className, int id) {
 }
 
 void Click(HWND button) {
-    PostMessageW(button, BM_CLICK, 0, 0);
+    const WPARAM clicked = MAKEWPARAM(GetDlgCtrlID(button), BN_CLICKED);
+    PostMessageW(GetParent(button), WM_COMMAND, clicked, reinterpret_cast<LPARAM>(button));
+}
+
+LRESULT Send(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    constexpr UINT kMinute = 60'000;
+    DWORD_PTR result = 0;
+    if (SendMessageTimeoutW(window, message, wParam, lParam, SMTO_NORMAL, kMinute, &result) == 0 &&
+        IsWindow(window)) {
+        throw std::runtime_error("the window did not answer message " + std::to_string(message));
+    }
+    return static_cast<LRESULT>(result);
 }
 
 std::wstring ReadText(HWND window) {
-    return ReadWindowText(window);
+    std::wstring text(ReadTextLength(window) + 1, L'\0');
+    const LRESULT length = Send(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
+    text.resize(static_cast<size_t>(length));
+    return text;
 }
 
 size_t ReadTextLength(HWND window) {
-    return static_cast<size_t>(SendWithLimit(window, WM_GETTEXTLENGTH, 0, 0));
+    return static_cast<size_t>(Send(window, WM_GETTEXTLENGTH));
 }
 
 void ReplaceText(HWND window, const std::wstring& text) {
-    SendWithLimit(window, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+    Send(window, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+}
+
+bool CloseWindowAndWait(HWND window) {
+    PostMessageW(window, WM_CLOSE, 0, 0);
+    return WaitUntil([window] { return !IsWindow(window); });
 }
 
 std::wstring DataFolder() {
@@ -145,12 +152,16 @@ std::wstring DataFolder() {
     return std::wstring(folder) + L"\\Quillmont";
 }
 
+std::wstring DataFile(const wchar_t* name) {
+    return DataFolder() + L"\\" + name;
+}
+
 std::string ReadDataFile(const wchar_t* name) {
     std::string octets;
-    ReadOctetsFrom(DataFolder() + L"\\" + name, 0, octets);
+    ReadOctetsFrom(DataFile(name), 0, octets);
     return octets;
 }
 
-bool WaitForText(const wchar_t* file, std::string_view text, DWORD milliseconds) {
-    return WaitUntil([&] { return ReadDataFile(file).find(text) != std::string::npos; }, milliseconds);
+bool WaitForText(const wchar_t* file, std::string_view text, std::chrono::milliseconds limit) {
+    return WaitUntil([&] { return ReadDataFile(file).find(text) != std::string::npos; }, limit);
 }

@@ -1,25 +1,87 @@
-// What only a real Windows can tell, asked where the answer decides how the program behaves.
+// What only a real Windows can answer, where the answer decides how the program behaves.
 #include <gtest/gtest.h>
 
 #include <cwctype>
-#include <iostream>
+#include <thread>
 
 #include "platform/files.h"
 #include "platform/udp_socket.h"
-#include "platform/windows/scoped_handle.h"
+#include "platform/windows/windows_headers.h"
+#include "tests/kit/data_folder_aside.h"
+#include "tests/kit/fact.h"
+#include "tests/support/loopback_client.h"
 #include "tests/support/scratch_folder.h"
+#include "tests/support/wait_until.h"
 
 namespace {
 
-void Fact(const std::string& text) {
-    std::cout << "fact: " << text << std::endl;
-}
+using namespace std::chrono_literals;
 
 class WindowsQuestions : public ::testing::Test {
   protected:
     WindowsQuestions() { StartSocketLibrary(); }
     ~WindowsQuestions() override { StopSocketLibrary(); }
 };
+
+// A UDP socket as the program's own ones are, but bound to 127.0.0.1 only, for what is asked of it directly.
+class PlainSocket {
+  public:
+    PlainSocket() : socket_(socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP)) {
+        u_long nonBlocking = 1;
+        ioctlsocket(socket_, FIONBIO, &nonBlocking);
+        sockaddr_in address = Address(kLoopback, 0);
+        int size = sizeof address;
+        EXPECT_EQ(bind(socket_, reinterpret_cast<sockaddr*>(&address), size), 0);
+        getsockname(socket_, reinterpret_cast<sockaddr*>(&address), &size);
+        port_ = ntohs(address.sin_port);
+    }
+    ~PlainSocket() { closesocket(socket_); }
+    PlainSocket(const PlainSocket&) = delete;
+    PlainSocket& operator=(const PlainSocket&) = delete;
+
+    uint16_t port() const { return port_; }
+
+    // The system's error; 0 if it took the datagram.
+    int SendTo(uint32_t target, uint16_t port, int size) const {
+        static const std::string octets(65'000, 'x');
+        const sockaddr_in address = Address(target, port);
+        return sendto(socket_, octets.data(), size, 0, reinterpret_cast<const sockaddr*>(&address),
+                      sizeof address) < 0
+                   ? WSAGetLastError()
+                   : 0;
+    }
+
+    int ReceiveBuffer() const {
+        int octets = 0;
+        int size = sizeof octets;
+        getsockopt(socket_, SOL_SOCKET, SO_RCVBUF, reinterpret_cast<char*>(&octets), &size);
+        return octets;
+    }
+    void RequestReceiveBuffer(int octets) const {
+        setsockopt(socket_, SOL_SOCKET, SO_RCVBUF, reinterpret_cast<const char*>(&octets), sizeof octets);
+    }
+
+    bool Receive() const {
+        char buffer[512];
+        return recv(socket_, buffer, sizeof buffer, 0) >= 0;
+    }
+
+  private:
+    static sockaddr_in Address(uint32_t address, uint16_t port) {
+        sockaddr_in filled = {};
+        filled.sin_family = AF_INET;
+        filled.sin_port = htons(port);
+        filled.sin_addr.s_addr = htonl(address);
+        return filled;
+    }
+
+    SOCKET socket_;
+    uint16_t port_ = 0;
+};
+
+std::string ErrorText(int error) {
+    return error == 0 ? "accepted" : "error " + std::to_string(error);
+}
 
 // A second receiver on the same port is not refused: which of the two gets a trap is the system's choice.
 TEST_F(WindowsQuestions, TwoProgramsThatBothAskForItShareAPort) {
@@ -31,55 +93,74 @@ TEST_F(WindowsQuestions, TwoProgramsThatBothAskForItShareAPort) {
     CloseUdpSocket(*second);
 }
 
-TEST_F(WindowsQuestions, AReceiveBufferOfThirtyTwoMegabytesIsGranted) {
-    const UdpSocketRef socket = OpenUdpSocket();
-    Fact("receive buffer without asking: " + std::to_string(QueryReceiveBuffer(*socket)));
-    for (const int megabytes : {8, 32, 64}) {
-        RequestReceiveBuffer(*socket, megabytes * 1024 * 1024);
-        Fact("receive buffer asked for " + std::to_string(megabytes) +
-             " MiB: " + std::to_string(QueryReceiveBuffer(*socket)));
+TEST_F(WindowsQuestions, HowLargeAReceiveBufferIsGranted) {
+    const PlainSocket socket;
+    Fact("receive buffer by default: " + std::to_string(socket.ReceiveBuffer()) + " octets");
+    for (const int mebibytes : {8, 32, 64}) {
+        socket.RequestReceiveBuffer(mebibytes * 1024 * 1024);
+        Fact("receive buffer when " + std::to_string(mebibytes) +
+             " MiB are requested: " + std::to_string(socket.ReceiveBuffer()) + " octets");
     }
-    RequestReceiveBuffer(*socket, 32 * 1024 * 1024);
-    EXPECT_GT(QueryReceiveBuffer(*socket), 0);
-    CloseUdpSocket(*socket);
+    socket.RequestReceiveBuffer(32 * 1024 * 1024);
+    EXPECT_GT(socket.ReceiveBuffer(), 0);
 }
 
-// How many datagrams a buffer holds is the system's own bookkeeping. As many as are sent here take more than
-// 32 MiB.
-TEST_F(WindowsQuestions, WhatThirtyTwoMegabytesHold) {
-    const UdpSocketRef receiver = OpenUdpSocket();
-    uint16_t port = 41000;
-    while (!BindToAllAddresses(*receiver, port)) {
-        ++port;
-    }
-    RequestReceiveBuffer(*receiver, 32 * 1024 * 1024);
-    const UdpSocketRef sender = OpenUdpSocket();
-    const std::string datagram(300, 'x');
-    const auto* octets = reinterpret_cast<const uint8_t*>(datagram.data());
+// How many datagrams fit into a buffer is the system's own bookkeeping. As many as are sent here take more
+// than 32 MiB. They may arrive some time after they were sent.
+TEST_F(WindowsQuestions, HowManyDatagramsFitIntoTheReceiveBuffer) {
+    const PlainSocket receiver;
+    receiver.RequestReceiveBuffer(32 * 1024 * 1024);
+    const PlainSocket sender;
     for (int sent = 0; sent < 120'000; ++sent) {
-        SendDatagram(*sender, {0x7F000001, port}, octets, datagram.size());
+        sender.SendTo(kLoopback, receiver.port(), 300);
     }
-    uint8_t buffer[512];
-    size_t size = 0;
-    Ipv4Endpoint from;
-    size_t held = 0;
-    while (TakeDatagram(*receiver, buffer, sizeof buffer, &size, &from) == ReceiveResult::Datagram) {
-        ++held;
-    }
-    Fact("datagrams of 300 octets that 32 MiB hold: " + std::to_string(held));
-    EXPECT_GT(held, 0U);
-    CloseUdpSocket(*receiver);
-    CloseUdpSocket(*sender);
+    size_t received = 0;
+    ASSERT_TRUE(WaitUntil([&] { return receiver.Receive(); }));
+    do {
+        ++received;
+    } while (WaitUntil([&] { return receiver.Receive(); }, 500ms));
+    Fact("datagrams of 300 octets that fit into the receive buffer: " + std::to_string(received));
 }
 
-TEST_F(WindowsQuestions, WhatTheRuntimeTakesForWhiteSpaceAndDigits) {
+// sendto documents WSAEACCES for a broadcast address on a socket without SO_BROADCAST.
+TEST_F(WindowsQuestions, ABroadcastIsRefused) {
+    EXPECT_EQ(PlainSocket().SendTo(INADDR_BROADCAST, 162, 100), WSAEACCES);
+}
+
+TEST_F(WindowsQuestions, WhatSendingWithoutAReceiverAnswers) {
+    LoopbackClient closed;
+    const uint16_t port = closed.port();
+    closed.Close();
+    const PlainSocket socket;
+    const int first = socket.SendTo(kLoopback, port, 100);
+    std::this_thread::sleep_for(200ms);
+    Fact("sending to a closed port of this computer: " + ErrorText(first) + ", a moment later " +
+         ErrorText(socket.SendTo(kLoopback, port, 100)));
+    // Reserved: no network carries datagrams to it.
+    Fact("sending to 240.0.0.1: " + ErrorText(socket.SendTo(0xF0000001, 162, 100)));
+    Fact("sending to 0.0.0.0: " + ErrorText(socket.SendTo(INADDR_ANY, port, 100)));
+}
+
+TEST_F(WindowsQuestions, WhatAFullBufferAnswers) {
+    const PlainSocket receiver;
+    const PlainSocket sender;
+    int sent = 0;
+    int error = 0;
+    for (; sent < 10'000 && error == 0; ++sent) {
+        error = sender.SendTo(kLoopback, receiver.port(), 60'000);
+    }
+    Fact("sending datagrams of 60,000 octets to a program that does not read them: number " +
+         std::to_string(sent) + ": " + ErrorText(error));
+}
+
+TEST_F(WindowsQuestions, WhichCharactersAreWhiteSpaceAndDigits) {
     std::string spaces;
     for (unsigned code = 0x80; code < 0x10000; ++code) {
         if (std::iswspace(static_cast<wint_t>(code)) != 0) {
             spaces += (spaces.empty() ? "" : " ") + std::to_string(code);
         }
     }
-    Fact("white space beyond ASCII, as the runtime classes it: " + spaces);
+    Fact("white space beyond ASCII: " + spaces);
     EXPECT_NE(std::iswspace(L' '), 0);
     std::string zeros;
     for (unsigned code = 0x80; code < 0x10000; ++code) {
@@ -88,24 +169,11 @@ TEST_F(WindowsQuestions, WhatTheRuntimeTakesForWhiteSpaceAndDigits) {
             zeros += (zeros.empty() ? "" : " ") + std::to_string(code);
         }
     }
-    Fact("zeros of digits that the runtime converts: " + zeros);
+    Fact("digits beyond ASCII, by the code of each zero: " + zeros);
     EXPECT_EQ(_wtoi(L"7"), 7);
 }
 
-TEST_F(WindowsQuestions, AFileThatIsOpenAsTheProgramOpensItCanBeDeletedAndMadeAnew) {
-    const ScratchFolder folder;
-    const std::wstring path = folder.Join(L"open.txt");
-    ASSERT_TRUE(AppendOctets(path, "first"));
-    const ScopedHandle open(CreateFileW(path.c_str(), GENERIC_READ,
-                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                        OPEN_EXISTING, 0, nullptr));
-    ASSERT_TRUE(open);
-    EXPECT_TRUE(RemoveFile(path));
-    Fact(std::string("a file deleted while somebody reads it can be made anew at once: ") +
-         (AppendOctets(path, "second") ? "yes" : "no"));
-}
-
-TEST_F(WindowsQuestions, AReadOnlyFileIsRefusedByTheSystemAndTakenByTheProgram) {
+TEST_F(WindowsQuestions, AReadOnlyFileIsDeletedByTheProgram) {
     const ScratchFolder folder;
     const std::wstring path = folder.Join(L"read-only.mib");
     ASSERT_TRUE(AppendOctets(path, "x"));
@@ -113,6 +181,45 @@ TEST_F(WindowsQuestions, AReadOnlyFileIsRefusedByTheSystemAndTakenByTheProgram) 
     Fact(std::string("the system deletes a read-only file: ") + (DeleteFileW(path.c_str()) ? "yes" : "no"));
     EXPECT_TRUE(RemoveFile(path));
     EXPECT_EQ(GetFileAttributesW(path.c_str()), INVALID_FILE_ATTRIBUTES);
+}
+
+// As a virus scanner has it, or an Explorer window.
+class FolderInUse : public ::testing::Test {
+  protected:
+    void Use(const std::wstring& path) {
+        const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        EXPECT_NE(file, INVALID_HANDLE_VALUE);
+        user_ = std::thread([file] {
+            std::this_thread::sleep_for(300ms);
+            CloseHandle(file);
+        });
+    }
+    ~FolderInUse() override {
+        if (user_.joinable()) {
+            user_.join();
+        }
+    }
+
+    ScratchFolder scratch_;
+    const std::wstring data_ = scratch_.Join(L"Quillmont");
+    const std::wstring file_ = data_ + L"\\SNMP.txt";
+    std::thread user_;
+};
+
+TEST_F(FolderInUse, IsMovedAsideAndPutBackOnceItIsFree) {
+    CreateDirectoryW(data_.c_str(), nullptr);
+    WriteOctets(file_, "the user's");
+    DataFolderAside aside(data_);
+    Use(file_);
+    ASSERT_TRUE(aside.MoveAside());
+    user_.join();
+    EXPECT_EQ(GetFileAttributesW(data_.c_str()), INVALID_FILE_ATTRIBUTES);
+
+    CreateDirectoryW(data_.c_str(), nullptr);
+    WriteOctets(file_, "the check's");
+    Use(file_);
+    EXPECT_TRUE(aside.PutBack());
+    EXPECT_EQ(ReadOctets(file_), "the user's");
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 // Files that another program has open: an editor, a log shipper, a backup. Built for Windows only, where a
-// file that is opened without sharing keeps the others out.
+// program that does not share a file keeps the others out.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -11,15 +11,24 @@
 
 namespace {
 
-constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+constexpr DWORD kShareReadWrite = FILE_SHARE_READ | FILE_SHARE_WRITE;
+constexpr DWORD kShareAll = kShareReadWrite | FILE_SHARE_DELETE;
 
-// What the other program may do with the file.
-class FileSharing : public testing::TestWithParam<DWORD> {
+// How the other program has the file open, and whether that leaves us writing.
+struct OtherProgram {
+    const char* name;
+    DWORD access;
+    DWORD share;
+    bool letsUsWrite;
+};
+
+class FileSharing : public testing::TestWithParam<OtherProgram> {
   protected:
     FileSharing() {
         WriteOctets(file_, "one");
-        other_.Reset(CreateFileW(file_.c_str(), GetParam(), kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
-        EXPECT_NE(other_.get(), INVALID_HANDLE_VALUE);
+        other_.Reset(CreateFileW(file_.c_str(), GetParam().access, GetParam().share, nullptr, OPEN_EXISTING,
+                                 0, nullptr));
+        EXPECT_TRUE(other_);
     }
 
     ScratchFolder folder_;
@@ -27,18 +36,24 @@ class FileSharing : public testing::TestWithParam<DWORD> {
     ScopedHandle other_;
 };
 
-TEST_P(FileSharing, AnotherProgramThatHasTheFileOpenIsNoHindrance) {
-    EXPECT_TRUE(AppendOctets(file_, "two"));
-    EXPECT_EQ(ReadOctets(file_), "onetwo");
-    EXPECT_TRUE(ReplaceOctets(file_, "three"));
-    EXPECT_EQ(ReadOctets(file_), "three");
+TEST_P(FileSharing, WritingWorksAsFarAsTheOtherProgramShares) {
+    const bool letsUsWrite = GetParam().letsUsWrite;
+    EXPECT_EQ(AppendOctets(file_, "two"), letsUsWrite);
+    EXPECT_EQ(ReplaceOctets(file_, "three"), letsUsWrite);
+    other_.Reset(nullptr);
+    EXPECT_EQ(ReadOctets(file_), letsUsWrite ? "three" : "one");
+    EXPECT_TRUE(AppendOctets(file_, "four"));
+    EXPECT_EQ(ReadOctets(file_), letsUsWrite ? "threefour" : "onefour");
 }
 
-INSTANTIATE_TEST_SUITE_P(Each, FileSharing, testing::Values(GENERIC_READ, GENERIC_WRITE, DELETE),
-                         [](const testing::TestParamInfo<DWORD>& access) {
-                             return access.param == DELETE         ? "ToRemoveIt"
-                                    : access.param == GENERIC_READ ? "ToReadIt"
-                                                                   : "ToWriteIt";
-                         });
+INSTANTIATE_TEST_SUITE_P(
+    Each, FileSharing,
+    testing::Values(OtherProgram{"Reader", GENERIC_READ, kShareAll, true},
+                    OtherProgram{"Writer", GENERIC_WRITE, kShareAll, true},
+                    OtherProgram{"Remover", DELETE, kShareAll, true},
+                    OtherProgram{"ReaderAgainstRemoval", GENERIC_READ, kShareReadWrite, true},
+                    OtherProgram{"ReaderAgainstWriters", GENERIC_READ, FILE_SHARE_READ, false},
+                    OtherProgram{"ReaderThatSharesNothing", GENERIC_READ, 0, false}),
+    [](const testing::TestParamInfo<OtherProgram>& other) { return std::string(other.param.name); });
 
 }  // namespace

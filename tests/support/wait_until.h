@@ -1,0 +1,19 @@
+// Waiting for what another thread, another program or the system does.
+#pragma once
+
+#include <chrono>
+#include <thread>
+
+// True as soon as `condition` returns true; false if it still does not after `limit`.
+template <typename Condition>
+bool WaitUntil(const Condition& condition,
+               std::chrono::milliseconds limit = std::chrono::milliseconds(20000)) {
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return true;
+}
