@@ -18,8 +18,10 @@ mkdir -p "$kit/programs"
 
 sed 's/$/\r/' packaging/check.cmd >"$kit/check.cmd"
 sed 's/$/\r/' packaging/check_kit.txt >"$kit/READ-ME.txt"
-cp "$build/Quillmont.exe" "$build"/tests/quillmont_*_tests.exe "$build"/tests/kit/quillmont_*.exe \
-    "$build/fuzz/quillmont_corpus_replay.exe" "$kit/programs"
+# The test programs that the build makes now; its folder may still hold others that it made once.
+readarray -t programs < <(ninja -C "$build" -t targets all |
+    sed -nE 's,^((tests/quillmont_[a-z_]+_tests|tests/kit/quillmont_[a-z_]+|fuzz/quillmont_corpus_replay)\.exe): .*,\1,p')
+(cd "$build" && cp Quillmont.exe "${programs[@]}" "$kit/programs")
 cp -r fuzz/corpus "$kit/programs/corpus"
 # The lines of the guide that PowerShell can try, each as a script of the name that the page gives it.
 PYTHONPATH=tests /usr/bin/python3 -B - "$kit/programs" <<'SCRIPT'
