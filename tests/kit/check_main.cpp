@@ -140,7 +140,7 @@ void ReadTestOutput(const std::string& output, const ProgramResult& result, cons
             report.Note("skipped: " + TestName(line));
             report.Note(printed);
             running = false;
-        } else {
+        } else if (!line.empty() && !line.ends_with(": Skipped")) {
             printed += "    " + line + "\r\n";
         }
     }
