@@ -5,17 +5,12 @@ import pytest
 from harness.data_folder import LINE_END, config
 from harness.tool_windows import FORWARDING
 from harness.traps import LOOPBACK, integer_binding, message, send_raw, udp_socket
-from harness.window import BM_GETCHECK
+from harness.win32 import BM_GETCHECK, BM_SETCHECK, VK_ESCAPE, VK_RETURN, VK_TAB, WM_KEYDOWN
 
 SAVE = 200
 CANCEL = 201
 CHECK, IP, PORT = "Forwarding enabled:", "Forward IP:", "Forward Port:"
 
-WM_KEYDOWN = 0x0100
-BM_SETCHECK = 0x00F1
-VK_TAB = 0x09
-VK_RETURN = 0x0D
-VK_ESCAPE = 0x1B
 
 UPDATED = "Forwarding updated."
 SAVED = "Config saved."

@@ -7,26 +7,22 @@ from harness.program import MAIN_CLASS, START_LINES, STOP_LINES, TITLE
 from harness.tool_windows import MONITOR, TOOL_WINDOWS
 from harness.traps import LISTENER_PORT, TRAP_PORT, hold_port, send_raw
 from harness.waiting import wait_until
-from harness.window import (
-    BLACK,
+from harness.win32 import (
+    SC_MINIMIZE,
+    SC_RESTORE,
     SYSTEM_EXSTYLES,
     SYSTEM_STYLES,
-    WHITE,
     WM_CLOSE,
     WM_COMMAND,
     WM_CTLCOLORBTN,
     WM_CTLCOLOREDIT,
     WM_CTLCOLORSTATIC,
+    WM_SYSCOMMAND,
     WS_CHILD,
+    WS_MINIMIZE,
     WS_VISIBLE,
-    describe_control,
-    rgb,
 )
-
-WM_SYSCOMMAND = 0x0112
-SC_MINIMIZE = 0xF020
-SC_RESTORE = 0xF120
-WS_MINIMIZE = 0x20000000
+from harness.window import BLACK, WHITE, describe_control, rgb
 
 GREEN = rgb(0, 180, 0)
 RED = rgb(200, 0, 0)

@@ -1,8 +1,6 @@
 """Deleting the MIB files: the question, its answers, and what is left."""
 
 from harness.mib_dialogs import (
-    ID_NO,
-    ID_YES,
     MAPPINGS,
     QUESTION_TITLE,
     ask_to_delete,
@@ -16,9 +14,9 @@ from harness.program import STATUS_BUTTON
 from harness.tool_windows import STATUS
 from harness.traps import integer_binding, message, send_raw
 from harness.waiting import wait_until
+from harness.win32 import ID_NO, ID_YES, PROTECTING
 
 QUESTION = "Alle MIB Dateien im MIB-Ordner l\u00c3\u00b6schen?"
-PROTECTING = 0x1 | 0x2 | 0x4  # read-only, hidden, system
 
 
 def test_a_protected_mib_file_is_deleted_like_any_other(program, data, status, driver):

@@ -3,12 +3,10 @@
 import pytest
 
 from harness.mib_dialogs import IMPORT_TITLE, QUESTION_TITLE, FileDialog, import_files, listed, mib
-from harness.program import DIALOG_CLASS
 from harness.tool_windows import DELETE_BUTTON, IMPORT_BUTTON, STATUS
 from harness.traps import integer_binding, message, send_raw
 from harness.waiting import wait_until
-
-CB_GETCURSEL = 0x0147
+from harness.win32 import CB_GETCURSEL, DIALOG_CLASS
 
 
 def test_the_dialog_has_its_title_its_filters_and_the_status_window_as_owner(program, status):

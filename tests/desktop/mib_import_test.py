@@ -2,7 +2,6 @@
 
 from harness.data_folder import record
 from harness.mib_dialogs import (
-    ID_FILTER,
     MAPPINGS,
     FileDialog,
     counts,
@@ -13,16 +12,19 @@ from harness.mib_dialogs import (
     new_messages,
 )
 from harness.processes import run_wine
-from harness.program import DIALOG_CLASS
 from harness.tool_windows import IMPORT_BUTTON, STATUS
 from harness.traps import V2C_HEAD, send_v2c
+from harness.win32 import (
+    CBN_SELCHANGE,
+    CBN_SELENDOK,
+    CB_GETCURSEL,
+    CB_SETCURSEL,
+    DIALOG_CLASS,
+    ID_FILTER,
+    PROTECTING,
+    WM_COMMAND,
+)
 from harness.window import Window
-
-CB_GETCURSEL = 0x0147
-CB_SETCURSEL = 0x014E
-WM_COMMAND = 0x0111
-CBN_SELENDOK = 9
-CBN_SELCHANGE = 1
 
 
 def test_one_file_is_copied_logged_and_loaded(program, data, status, samples):
@@ -83,9 +85,6 @@ def test_a_file_of_another_type_is_copied_through_all_files_and_not_loaded(progr
     assert new_messages(data, before) == ["MIB imported: notes.xml", MAPPINGS + "0"]
     assert (data.mibs / "notes.xml").read_bytes() == mib("notes", 9991)
     assert listed(status) == []
-
-
-PROTECTING = 0x1 | 0x2 | 0x4  # read-only, hidden, system
 
 
 def test_a_protected_file_is_imported_as_an_ordinary_one_over_a_protected_one(

@@ -9,6 +9,7 @@ from harness.data_folder import config
 from harness.tool_windows import STATUS
 from harness.traps import LISTENER_PORT, LOOPBACK, TRAP_PORT, hold_port, send_raw, udp_socket
 from harness.waiting import wait_until
+from harness.win32 import LB_ERR, LB_GETCURSEL, LB_GETTOPINDEX, LB_SETCURSEL, LB_SETTOPINDEX, WM_TIMER
 
 SERVER, LISTENING, FORWARDING, LAST_TRAP = "Server:", "Listening:", "Forwarding:", "Last trap:"
 PATHS, COUNTS = "Data dir:", "Loaded MIB files:"
@@ -19,12 +20,6 @@ LISTENING_LINE = "Listening:              UDP 162 (traps)"
 WITH_161 = "  |  UDP 161 (snmp)"
 NO_TRAP_LINE = "Last trap:             (none)"
 
-WM_TIMER = 0x0113
-LB_ERR = -1
-LB_SETCURSEL = 0x0186
-LB_GETCURSEL = 0x0188
-LB_SETTOPINDEX = 0x0197
-LB_GETTOPINDEX = 0x018E
 
 # What the refresh must stay below by far.
 PERIOD_MILLISECONDS = 700

@@ -5,32 +5,23 @@ import statistics
 import pytest
 
 from harness.data_folder import config
-from harness.tool_windows import (
-    FORWARDING,
-    LOG,
-    MONITOR,
-    STATUS,
-    TOOL_WINDOWS,
-    WS_EX_DLGMODALFRAME,
-    WS_VSCROLL,
-)
+from harness.tool_windows import FORWARDING, LOG, MONITOR, STATUS, TOOL_WINDOWS
 from harness.waiting import stays_true, wait_until
-from harness.window import (
-    BLACK,
+from harness.win32 import (
+    SW_SHOW,
     SYSTEM_EXSTYLES,
     SYSTEM_STYLES,
-    WHITE,
     WM_CLOSE,
     WM_COMMAND,
     WM_CTLCOLOREDIT,
+    WM_CTLCOLORLISTBOX,
     WM_CTLCOLORSTATIC,
+    WM_TIMER,
+    WS_EX_DLGMODALFRAME,
     WS_VISIBLE,
-    describe_control,
+    WS_VSCROLL,
 )
-
-WM_TIMER = 0x0113
-SW_SHOW = 5
-WM_CTLCOLORLISTBOX = 0x0134
+from harness.window import BLACK, WHITE, describe_control
 
 each_window = pytest.mark.parametrize("tool", TOOL_WINDOWS, ids=lambda tool: tool.name)
 

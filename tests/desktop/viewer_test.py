@@ -14,9 +14,8 @@ from harness.views import (
     wait_for_view,
 )
 from harness.waiting import wait_until
+from harness.win32 import EM_CANUNDO, WM_TIMER
 
-WM_TIMER = 0x0113
-EM_CANUNDO = 0x00C6
 # What an edit control takes unless it is told otherwise.
 DEFAULT_LIMIT = 30000
 

@@ -1,22 +1,13 @@
 """Importing and deleting MIB files by hand: the system's file dialog and the question before the deletion."""
 
 from harness.places import windows_path
-from harness.program import DIALOG_CLASS
 from harness.tool_windows import DELETE_BUTTON, IMPORT_BUTTON
 from harness.waiting import wait_until
+from harness.win32 import DIALOG_CLASS, ID_CANCEL, ID_FILE_NAME, ID_FILTER, ID_LOOK_IN, ID_OK, ID_YES
 from harness.window import Window
 
 IMPORT_TITLE = "Import MIB files"
 QUESTION_TITLE = "Delete MIBs"
-
-# Control ids of the system's file dialog and message box.
-ID_OK = 1
-ID_CANCEL = 2
-ID_YES = 6
-ID_NO = 7
-ID_FILE_NAME = 0x47C
-ID_FILTER = 0x470
-ID_LOOK_IN = 0x471
 
 MAPPINGS = "MIBs loaded. OID mappings: "
 

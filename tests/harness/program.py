@@ -6,8 +6,6 @@ from harness.window import Window
 
 TITLE = "Quillmont PRO v1.0 (SNMP v1 and v2c) -  \u00a9 2026 Quillmont"
 MAIN_CLASS = "SNMP_MAIN_WND"
-# Of the system: message boxes and the file dialog.
-DIALOG_CLASS = "#32770"
 
 START_BUTTON = 100
 FORWARDING_BUTTON = 101

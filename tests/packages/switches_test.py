@@ -5,8 +5,8 @@ import re
 import pytest
 from harness.places import ROOT, windows_path
 from harness.processes import run_wine
-from harness.program import DIALOG_CLASS
 from harness.waiting import wait_until
+from harness.win32 import DIALOG_CLASS
 from harness.window import Window
 from installation import NEWER_INSTALLED, UNINSTALL_KEY, VERSION, WRONG_SWITCH, package, registry_value
 
