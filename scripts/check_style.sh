@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Checks the C++ sources: their shape (clang-format, the wrapping of comments and documents, the length of files), what
+# Checks the C++ sources: their shape (clang-format), the wrapping of documents, the length of files, what
 # clang-tidy says of all that ships, or the direction of the includes between folders.
 # Usage: scripts/check_style.sh format | tidy BUILD_FOLDER | arrows. Prints how to mend the shape. Ends with 77 where the
 # formatter is not of the version that decides.
@@ -8,17 +8,6 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 Sources() {
     find "$@" -type f \( -name '*.cpp' -o -name '*.h' \) | sort
-}
-
-# clang-format leaves comments as they are: this sees to what it would otherwise see to.
-CheckComments() {
-    xargs awk -v limit=110 '
-        function Report(fault) { print FILENAME ":" FNR ": " fault ":" $0; faults++ }
-        FNR == 1 { inComment = 0 }
-        length > limit && /\/\// { Report("comment longer than " limit " columns") }
-        /^ *\/\/ *[^ ]+$/ && inComment { Report("comment line of one word") }
-        { inComment = /^ *\/\/ *[^ ]/ }
-        END { exit faults > 0 }'
 }
 
 # Columns are characters, whatever the locale: the octets that go on with one are not counted. Tables and blocks are as
@@ -48,10 +37,6 @@ deciding_formatter=14
 
 CheckFormat() {
     local folders=(bench fuzz src tests)
-    if ! Sources "${folders[@]}" | CheckComments; then
-        echo "To mend it: wrap the whole comment anew, so that its last line holds two words or more."
-        return 1
-    fi
     if ! CheckDocuments; then
         echo "To mend it: wrap the whole paragraph anew."
         return 1
@@ -66,7 +51,7 @@ CheckFormat() {
     local found
     found="$(clang-format --version | sed -n 's/.*version \([0-9]*\).*/\1/p')"
     if [[ $found != "$deciding_formatter" ]]; then
-        echo "Skipped: clang-format $found is here, and $deciding_formatter decides (Debian 12 has it). Comments, documents and lengths are in shape."
+        echo "Skipped: clang-format $found is here, and $deciding_formatter decides (Debian 12 has it). Documents and lengths are in shape."
         return 77
     fi
     if ! Sources "${folders[@]}" | xargs clang-format --dry-run --Werror; then

@@ -13,6 +13,7 @@ from harness.places import ROOT
 from harness.standard_names import make_standard_names
 from harness.tool_windows import FORWARDING, MONITOR
 from harness.traps import send_raw, send_v1, send_v2c
+from harness.win32 import EM_SETSEL, VK_F4, VK_SPACE, WM_CHAR, WM_KEYDOWN, WM_KEYUP, WM_PASTE, WM_SYSKEYDOWN
 
 LINE_END = b"\r\r\n"
 STAMP = "2026-03-07 09:05:02.047"
@@ -21,9 +22,8 @@ LINK_DOWN = [
     *("1.3.6.1.2.1.2.2.1.7.3", "i", "1"),
     *("1.3.6.1.2.1.2.2.1.8.3", "i", "2"),
 ]
-WM_COPY_KEY = 3  # what Ctrl+C types
-WM_KEYDOWN, WM_KEYUP, WM_CHAR, WM_SYSKEYDOWN, WM_PASTE, EM_SETSEL = 0x100, 0x101, 0x102, 0x104, 0x302, 0xB1
-VK_SPACE, VK_F4, ALT_HELD = 0x20, 0x73, 1 << 29
+COPY_KEY = 3  # what Ctrl+C types
+ALT_HELD = 1 << 29
 
 
 def on_disk(block):
@@ -153,7 +153,7 @@ def test_selected_text_of_a_view_is_copied_with_ctrl_c(program, data):
     data.wait_for_traps(1)
     view = MONITOR.open(program).only("Edit")
     view.send(EM_SETSEL, 0, len(STAMP))
-    view.post(WM_CHAR, WM_COPY_KEY)
+    view.post(WM_CHAR, COPY_KEY)
     program.settle()
     address = FORWARDING.open(program).field("Forward IP:")
     address.set_text("")

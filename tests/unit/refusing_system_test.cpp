@@ -1,5 +1,5 @@
-// A system that refuses, and the refusals of Windows that Wine does not know. Calls of the system are replaced by
-// linking with ones that pass on to the real ones unless a test says otherwise.
+// A system that refuses, and the refusals of Windows that Wine does not know. Calls of the system are
+// replaced by linking with ones that pass on to the real ones unless a test says otherwise.
 #include <gtest/gtest.h>
 
 #include <bit>

@@ -1,5 +1,5 @@
-// Start-up on a system that refuses. The windows, the receiver and its files are the real ones; the calls that a
-// test wants refused are replaced by linking, hence a program of its own.
+// Start-up on a system that refuses. The windows, the receiver and its files are the real ones; the calls
+// that a test wants refused are replaced by linking, hence a program of its own.
 #include "platform/windows/windows_headers.h"
 
 // After the system's own header, whose types it uses.

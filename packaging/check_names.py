@@ -2,7 +2,7 @@
 """Holds packaging/standard_names.txt against MIB files: that somebody defines each name with the identifier that the
 table gives it, and each notification with the objects that it lists.
 
-Usage: tests/names/check_table.py FOLDER, with the documents' MIB files in it. Debian has none of them, since their
+Usage: packaging/check_names.py FOLDER, with the documents' MIB files in it. Debian has none of them, since their
 licence is not free, so this is run by hand when the table changes. Prints the rows that no file bears out.
 """
 
@@ -10,10 +10,9 @@ import re
 import sys
 from pathlib import Path
 
-ROOT = Path(__file__).resolve().parent.parent.parent
-sys.path.insert(0, str(ROOT / "packaging"))
+from make_names import builtin_names
 
-from make_names import builtin_names  # noqa: E402
+ROOT = Path(__file__).resolve().parent.parent
 
 DEFINITION = re.compile(
     r"(?<![\w-])([a-z][\w-]*)\s+"
