@@ -3,26 +3,12 @@
 
 #include <unistd.h>
 
-#include <utility>
+#include "platform/scoped.h"
 
-class ScopedDescriptor {
-  public:
-    explicit ScopedDescriptor(int descriptor = -1) : descriptor_(descriptor) {}
-    ScopedDescriptor(ScopedDescriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
-    ScopedDescriptor& operator=(ScopedDescriptor&&) = delete;
-    ScopedDescriptor(const ScopedDescriptor&) = delete;
-    ScopedDescriptor& operator=(const ScopedDescriptor&) = delete;
-    ~ScopedDescriptor() { Reset(); }
-
-    int get() const { return descriptor_; }
-    explicit operator bool() const { return descriptor_ >= 0; }
-
-    void Reset() {
-        if (descriptor_ >= 0) {
-            close(std::exchange(descriptor_, -1));
-        }
-    }
-
-  private:
-    int descriptor_;
+struct Descriptor {
+    using Value = int;
+    static constexpr Value kNone = -1;
+    static bool IsOpen(Value descriptor) { return descriptor >= 0; }
+    static void Close(Value descriptor) { close(descriptor); }
 };
+using ScopedDescriptor = Scoped<Descriptor>;

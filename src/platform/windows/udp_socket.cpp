@@ -4,31 +4,18 @@
 #include <new>
 #include <utility>
 
+#include "platform/scoped.h"
 #include "platform/windows/scoped_handle.h"
 
 namespace {
 
-class ScopedSocket {
-  public:
-    explicit ScopedSocket(SOCKET handle) : handle_(handle) {}
-    ScopedSocket(ScopedSocket&& other) noexcept : handle_(std::exchange(other.handle_, INVALID_SOCKET)) {}
-    ScopedSocket& operator=(ScopedSocket&&) = delete;
-    ScopedSocket(const ScopedSocket&) = delete;
-    ScopedSocket& operator=(const ScopedSocket&) = delete;
-    ~ScopedSocket() { Reset(); }
-
-    SOCKET get() const { return handle_; }
-    explicit operator bool() const { return handle_ != INVALID_SOCKET; }
-
-    void Reset() {
-        if (*this) {
-            closesocket(std::exchange(handle_, INVALID_SOCKET));
-        }
-    }
-
-  private:
-    SOCKET handle_;
+struct SocketHandle {
+    using Value = SOCKET;
+    static constexpr Value kNone = INVALID_SOCKET;
+    static bool IsOpen(Value handle) { return handle != INVALID_SOCKET; }
+    static void Close(Value handle) { closesocket(handle); }
 };
+using ScopedSocket = Scoped<SocketHandle>;
 
 // The system's own lock, which needs no memory and no handle and so cannot fail: a std::mutex here can, in
 // its first or its first contended use, and a stop that throws half-way would leave a socket open for ever.
