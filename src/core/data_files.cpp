@@ -1,5 +1,8 @@
 #include "core/data_files.h"
 
+#include <algorithm>
+#include <optional>
+
 #include "core/file_text.h"
 #include "platform/files.h"
 #include "platform/text_decoding.h"
@@ -30,24 +33,47 @@ void ClearFile(const std::wstring& path) {
     ReplaceOctets(path, {});
 }
 
-std::wstring ReadWholeFile(const std::wstring& path) {
-    std::string octets;
-    {
-        const std::lock_guard lock(FileLock);
-        ReadOctetsFrom(path, 0, octets);
+namespace {
+
+// Reading that many octets takes about as long as a few appends.
+constexpr uint64_t kPieceSize = uint64_t{1} << 20;
+
+std::optional<uint64_t> ReadPiece(const std::wstring& path, uint64_t offset, uint64_t most,
+                                  std::string& piece) {
+    const std::lock_guard lock(FileLock);
+    return ReadOctetsFrom(path, offset, piece, most);
+}
+
+std::string ReadInPieces(const std::wstring& path, uint64_t offset) {
+    std::string piece;
+    const std::optional<uint64_t> size = ReadPiece(path, offset, kPieceSize, piece);
+    if (!size) {
+        return {};
     }
+    const uint64_t start = offset > *size ? 0 : offset;
+    std::string octets;
+    octets.reserve(static_cast<size_t>(*size - start));
+    octets = piece;
+    while (!piece.empty() && start + octets.size() < *size) {
+        const uint64_t next = start + octets.size();
+        if (ReadPiece(path, next, std::min(kPieceSize, *size - next), piece) < size) {
+            break;  // cleared, removed or replaced by a shorter file
+        }
+        octets += piece;
+    }
+    return octets;
+}
+
+}  // namespace
+
+std::wstring ReadWholeFile(const std::wstring& path) {
     std::wstring text;
-    DecodeFileText(octets, text);
+    DecodeFileText(ReadInPieces(path, 0), text);
     return text;
 }
 
 std::wstring ReadFileFrom(const std::wstring& path, uint64_t offset) {
-    std::string octets;
-    {
-        const std::lock_guard lock(FileLock);
-        ReadOctetsFrom(path, offset, octets);
-    }
     std::wstring text;
-    DecodeUtf8OrAnsi(octets, text);
+    DecodeUtf8OrAnsi(ReadInPieces(path, offset), text);
     return text;
 }

@@ -57,7 +57,9 @@ std::wstring_view TakeLastWord(std::wstring_view& text) {
 MibText ReadMibText(const std::wstring& path) {
     std::string octets;
     // Not read at all when it is too large: a trap file imported by mistake can be larger than the memory.
-    ReadOctetsFrom(path, 0, octets, kMaxOctets);
+    if (QueryFileSize(path).value_or(0) <= kMaxOctets) {
+        ReadOctetsFrom(path, 0, octets);
+    }
     return DecodeMibText(std::move(octets));
 }
 

@@ -17,13 +17,13 @@ bool AppendOctets(const std::wstring& path, std::string_view octets);
 // Kept: a write that falls short still answers true, since a replaced file has lost its old content already.
 bool ReplaceOctets(const std::wstring& path, std::string_view octets);
 
-// Fills `octets` with everything from `offset` to the end; an offset beyond the end reads from the start.
-// False, `octets` emptied: the file could not be opened or read, or holds more than `largestFile` octets. May
-// throw std::bad_alloc.
-bool ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octets,
-                    uint64_t largestFile = UINT64_MAX);
+// Replaces `octets` by what the file has from `offset` to its end, but by at most `most` octets; an offset
+// beyond the end reads from the start. Returns the file's size when it was opened. Nothing, `octets` emptied:
+// the file could not be opened or read. May throw std::bad_alloc.
+std::optional<uint64_t> ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octets,
+                                       uint64_t most = UINT64_MAX);
 
-// The size in octets as the folder tells it, without opening the file; nothing when there is no such file.
+// The size in octets that the folder lists, without opening the file; nothing when there is no such file.
 std::optional<uint64_t> QueryFileSize(const std::wstring& path);
 
 // Copies a file's content over `target`, whether that exists or not. Hidden, system and read-only files are

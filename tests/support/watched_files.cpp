@@ -54,20 +54,23 @@ bool ReplaceOctets(const std::wstring& path, std::string_view octets) {
     return true;
 }
 
-bool ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octets, uint64_t largestFile) {
+std::optional<uint64_t> ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octets,
+                                       uint64_t most) {
     NoteOpening(path);
-    octets = Files.ReadOctetsOf(path);
-    const auto claimed = claimedSizes.find(path);
-    const uint64_t size = claimed == claimedSizes.end() ? octets.size() : claimed->second;
-    if (!contents.contains(path) || size > largestFile) {
-        octets.clear();
-        return false;
+    octets.clear();
+    const auto file = contents.find(path);
+    if (file == contents.end()) {
+        return std::nullopt;
     }
-    octets.erase(0, offset > octets.size() ? 0 : static_cast<size_t>(offset));
-    return true;
+    const std::string& content = file->second;
+    octets = content.substr(offset > content.size() ? 0 : offset, most);
+    return content.size();
 }
 
 std::optional<uint64_t> QueryFileSize(const std::wstring& path) {
+    if (const auto claimed = claimedSizes.find(path); claimed != claimedSizes.end()) {
+        return claimed->second;
+    }
     const auto file = contents.find(path);
     return file == contents.end() ? std::nullopt : std::optional<uint64_t>(file->second.size());
 }

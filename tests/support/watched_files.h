@@ -14,7 +14,7 @@ struct WatchedFiles {
     // The same for whatever opens a file: an append, a replacement, a reading.
     std::function<void(const std::wstring& path)> onOpen;
 
-    // The file gives itself out to be that large to whoever reads it; its octets stay what they are.
+    // The folder lists the file with that size; its octets stay what they are.
     void ClaimSize(const std::wstring& path, uint64_t size);
 
     void Reset();                                              // no files, nobody watches

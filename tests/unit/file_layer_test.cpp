@@ -3,6 +3,9 @@
 // threads ever meet in a file is no matter of luck then.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -137,6 +140,88 @@ TEST_F(FileLayer, ALoadKeepsTheNameStoreUntilItsLogLineIsWritten) {
     EXPECT_EQ(Files.ReadOctetsOf(AppPaths.logFilePath).substr(kStampLength),
               "  MIBs loaded. OID mappings: 1\r\r\n");
     EXPECT_FALSE(IsHeld(MibStoreLock));
+}
+
+constexpr size_t kMebibyte = size_t{1} << 20;
+
+// So that traps are recorded while a viewer opens on a large file.
+TEST_F(FileLayer, AppendsGetInBetweenThePiecesOfALargeRead) {
+    AppendOctets(AppPaths.logFilePath, std::string(20 * kMebibyte, 'x'));
+    std::vector<std::wstring> opened;  // guarded by FileLock, under which each file is opened
+    Files.onOpen = [&](const std::wstring& path) { opened.push_back(path); };
+    std::atomic<bool> done{false};
+    std::thread appender([&] {
+        while (!done) {
+            AppendToFile(AppPaths.trapFilePath, L"a record");
+        }
+    });
+    bool between = false;
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (!between && std::chrono::steady_clock::now() < deadline) {
+        ReadWholeFile(AppPaths.logFilePath);
+        const std::lock_guard lock(FileLock);
+        const auto first = std::find(opened.begin(), opened.end(), AppPaths.logFilePath);
+        const auto last = std::find(opened.rbegin(), opened.rend(), AppPaths.logFilePath).base();
+        between = std::find(first, last, AppPaths.trapFilePath) != last;
+        opened.clear();
+    }
+    done = true;
+    appender.join();
+    EXPECT_TRUE(between);
+}
+
+struct Interference {
+    const char* name;
+    void (*change)(const std::wstring& path);
+    size_t oldOctets;  // how many octets of the file as it was opened are in the result
+    size_t newOctets;  // how many octets of the other file follow
+};
+
+constexpr size_t kThreePieces = 2 * kMebibyte + 100;
+
+// Of a file of three pieces; the change is made before the second one is opened.
+const Interference kInterferences[] = {
+    {"grows", [](const std::wstring& path) { AppendOctets(path, "more"); }, kThreePieces, 0},
+    {"is cleared", [](const std::wstring& path) { ReplaceOctets(path, ""); }, kMebibyte, 0},
+    {"is removed", [](const std::wstring& path) { RemoveFile(path); }, kMebibyte, 0},
+    {"is replaced by a shorter one",
+     [](const std::wstring& path) { ReplaceOctets(path, std::string(kThreePieces - 1, 'n')); }, kMebibyte, 0},
+    {"is replaced by a longer one",
+     [](const std::wstring& path) { ReplaceOctets(path, std::string(kThreePieces + 1, 'n')); }, kMebibyte,
+     kThreePieces - kMebibyte},
+};
+
+TEST_F(FileLayer, AFileThatChangesBetweenTwoPiecesIsReadUpToTheSizeThatItHadOrToTheChange) {
+    const std::wstring path = L"file.txt";
+    for (const Interference& interference : kInterferences) {
+        Files.onOpen = nullptr;
+        ReplaceOctets(path, std::string(kThreePieces, 'o'));
+        int openings = 0;
+        Files.onOpen = [&](const std::wstring&) {
+            if (++openings == 2) {
+                interference.change(path);
+            }
+        };
+        const std::wstring text = ReadFileFrom(path, 0);
+        EXPECT_TRUE(text ==
+                    std::wstring(interference.oldOctets, L'o') + std::wstring(interference.newOctets, L'n'))
+            << interference.name << ": " << text.size();
+    }
+}
+
+TEST_F(FileLayer, APieceThatEndsInsideACharacterOrALineEndIsNoBoundary) {
+    std::string octets(kMebibyte - 1, 'x');
+    octets += "\xC3\xA9";
+    octets.resize(2 * kMebibyte - 1, 'x');
+    octets += "\r\n";
+    ReplaceOctets(L"file.txt", octets);
+    const std::wstring later = ReadFileFrom(L"file.txt", 0);
+    EXPECT_EQ(later.substr(kMebibyte - 2, 3), L"x\u00E9x");
+    EXPECT_EQ(later.size(), octets.size() - 1);
+    const std::wstring whole = ReadWholeFile(L"file.txt");
+    EXPECT_TRUE(whole.ends_with(L"xx\n"));
+    EXPECT_EQ(whole.size(), octets.size() - 1);
+    EXPECT_EQ(ReadFileFrom(L"file.txt", kMebibyte + 1).size(), kMebibyte);
 }
 
 TEST_F(FileLayer, AMibFileIsReadWhenItHoldsLessThanTwoGibibytes) {

@@ -75,13 +75,17 @@ TEST_F(FilesTest, ReadingAMissingFileFailsAndEmptiesTheOctets) {
     EXPECT_EQ(octets, "");
 }
 
-TEST_F(FilesTest, FileLargerThanWantedIsNotRead) {
+TEST_F(FilesTest, ReadingStopsAfterTheMostOctetsWantedAndReportsTheWholeSize) {
     ASSERT_TRUE(ReplaceOctets(file_, "12345"));
     std::string octets = "leftover";
-    EXPECT_FALSE(ReadOctetsFrom(file_, 0, octets, 4));
+    EXPECT_EQ(ReadOctetsFrom(file_, 1, octets, 3), 5U);
+    EXPECT_EQ(octets, "234");
+    EXPECT_EQ(ReadOctetsFrom(file_, 3, octets, 3), 5U);
+    EXPECT_EQ(octets, "45");
+    EXPECT_EQ(ReadOctetsFrom(file_, 6, octets, 2), 5U);
+    EXPECT_EQ(octets, "12");
+    EXPECT_EQ(ReadOctetsFrom(file_, 1, octets, 0), 5U);
     EXPECT_EQ(octets, "");
-    EXPECT_TRUE(ReadOctetsFrom(file_, 0, octets, 5));
-    EXPECT_EQ(octets, "12345");
 }
 
 TEST_F(FilesTest, ReadingStartsAtTheOffset) {

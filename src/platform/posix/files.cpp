@@ -32,9 +32,9 @@ bool WriteAll(int descriptor, std::string_view octets) {
     return true;
 }
 
-// The end as found at the opening decides how much is read, so a file that grows meanwhile cannot hold us up.
-bool ReadRange(int descriptor, uint64_t offset, uint64_t end, std::string& octets) {
-    octets.resize(static_cast<size_t>(end - offset));
+// Reads less than `size` octets when the file ends before.
+bool ReadRange(int descriptor, uint64_t offset, uint64_t size, std::string& octets) {
+    octets.resize(static_cast<size_t>(size));
     size_t filled = 0;
     while (filled < octets.size()) {
         const ssize_t got = pread(descriptor, octets.data() + filled, octets.size() - filled,
@@ -70,19 +70,21 @@ bool ReplaceOctets(const std::wstring& path, std::string_view octets) {
     return true;
 }
 
-bool ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octets, uint64_t largestFile) {
+std::optional<uint64_t> ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octets,
+                                       uint64_t most) {
     octets.clear();
     const ScopedDescriptor file = OpenFile(path, O_RDONLY);
     struct stat status {};
     if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
-        return false;
+        return std::nullopt;
     }
     const auto size = static_cast<uint64_t>(status.st_size);
-    if (size > largestFile || !ReadRange(file.get(), offset > size ? 0 : offset, size, octets)) {
+    const uint64_t start = offset > size ? 0 : offset;
+    if (!ReadRange(file.get(), start, std::min(size - start, most), octets)) {
         octets.clear();
-        return false;
+        return std::nullopt;
     }
-    return true;
+    return size;
 }
 
 std::optional<uint64_t> QueryFileSize(const std::wstring& path) {

@@ -33,14 +33,14 @@ bool WriteAll(HANDLE file, std::string_view octets) {
     return true;
 }
 
-// The end as found at the opening decides how much is read, so a file that grows meanwhile cannot hold us up.
-bool ReadRange(HANDLE file, uint64_t offset, uint64_t end, std::string& octets) {
+// Reads less than `size` octets when the file ends before.
+bool ReadRange(HANDLE file, uint64_t offset, uint64_t size, std::string& octets) {
     LARGE_INTEGER position{};
     position.QuadPart = static_cast<LONGLONG>(offset);
     if (!SetFilePointerEx(file, position, nullptr, FILE_BEGIN)) {
         return false;
     }
-    octets.resize(static_cast<size_t>(end - offset));
+    octets.resize(static_cast<size_t>(size));
     size_t filled = 0;
     while (filled < octets.size()) {
         DWORD got = 0;
@@ -103,19 +103,21 @@ bool ReplaceOctets(const std::wstring& path, std::string_view octets) {
     return true;
 }
 
-bool ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octets, uint64_t largestFile) {
+std::optional<uint64_t> ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octets,
+                                       uint64_t most) {
     octets.clear();
     const ScopedHandle file = OpenFile(path, GENERIC_READ, OPEN_EXISTING);
     LARGE_INTEGER fileSize{};
     if (!file || !GetFileSizeEx(file.get(), &fileSize)) {
-        return false;
+        return std::nullopt;
     }
     const auto size = static_cast<uint64_t>(fileSize.QuadPart);
-    if (size > largestFile || !ReadRange(file.get(), offset > size ? 0 : offset, size, octets)) {
+    const uint64_t start = offset > size ? 0 : offset;
+    if (!ReadRange(file.get(), start, std::min(size - start, most), octets)) {
         octets.clear();
-        return false;
+        return std::nullopt;
     }
-    return true;
+    return size;
 }
 
 std::optional<uint64_t> QueryFileSize(const std::wstring& path) {
