@@ -1,28 +1,28 @@
 #include "ui/viewer_window.h"
 
 #include <cstdint>
+#include <new>
 #include <span>
 #include <string>
-#include <utility>
 
 #include "core/activity_log.h"
 #include "core/app_paths.h"
 #include "core/data_files.h"
-#include "core/run_guarded.h"
 #include "platform/files.h"
 #include "platform/windows/windows_headers.h"
 #include "ui/exception_guard.h"
+#include "ui/view_text.h"
 #include "ui/window_helpers.h"
 
 namespace {
 
 HWND MonitorWindowHandle = nullptr;
 HWND MonitorEdit = nullptr;
-uint64_t MonitorShownSize = 0;  // octets of SNMP.txt that the view has taken in
+uint64_t MonitorShownSize = 0;  // size of SNMP.txt at the last look
 
 HWND LogWindowHandle = nullptr;
 HWND LogEdit = nullptr;
-uint64_t LogShownSize = 0;  // octets of log.txt that the view has taken in
+uint64_t LogShownSize = 0;  // size of log.txt at the last look
 
 constexpr int kClearMonitorCommand = 300;
 constexpr int kClearLogCommand = 400;
@@ -58,7 +58,7 @@ constexpr ControlRow kLogControls[] = {
      .id = kClearLogCommand},
 };
 
-// All in which the twins differ.
+// Everything in which the two viewers differ.
 struct ViewerKind {
     ToolWindow tool;
     std::span<const ControlRow> controls;
@@ -73,7 +73,7 @@ struct ViewerKind {
 LRESULT CALLBACK MonitorWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT CALLBACK LogWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
-// The frame can be resized while the controls keep their places.
+// Intentional: resizing the frame does not move the controls.
 constexpr DWORD kViewerStyle = WS_CAPTION | WS_SYSMENU | WS_THICKFRAME;
 constexpr int kViewerWidth = 980;
 constexpr int kViewerHeight = 560;
@@ -111,33 +111,51 @@ constexpr ViewerKind kLogKind = {
     .clearedLine = L"log.txt cleared.",
 };
 
-// The size is asked without FileLock: a poll that finds nothing new costs one attribute query and holds
-// nobody up.
+// Asked without FileLock: a poll that finds nothing new costs one attribute query and makes nobody wait.
 uint64_t QueryViewedSize(const ViewerKind& kind) {
     return QueryFileSize(*kind.file).value_or(0);
 }
 
-// Kept: what the file gains between the size and the reading is read again by the next poll and shows twice.
-// The other order would lose it.
-//
-// Kept: ReadWholeFile takes each octet for a character, ReadFileFrom decodes. One and the same character
-// outside ASCII can look different in the part shown at opening and in the part that came later; the file is
-// what counts.
-//
-// A file too large for memory leaves the view empty but the window usable: its clear button is what
-// helps then.
-void ShowWholeFile(const ViewerKind& kind) {
-    *kind.shownSize = QueryViewedSize(kind);
-    RunGuarded([&kind] { SetWindowTextW(*kind.edit, ReadWholeFile(*kind.file).c_str()); });
+// The edit control counts its octets, two for each character, with 31 bits.
+constexpr uint64_t kLargestView = (uint64_t{1} << 30) - 1;
+
+// Adds text for `octets` octets of the file to the view by calling `add`, which returns whether the view took
+// it. If there is no room in the view or no memory, a sentence that says so replaces the whole text.
+template <typename Add>
+void AddOrExplain(const ViewerKind& kind, uint64_t octets, Add add) {
+    bool added = false;
+    try {
+        const auto length = static_cast<uint64_t>(GetWindowTextLengthW(*kind.edit));
+        added = length + octets <= kLargestView && add();
+    } catch (const std::bad_alloc&) {
+    }
+    if (!added) {
+        SetWindowTextW(*kind.edit, BuildTooLargeText(*kind.shownSize).c_str());
+    }
 }
 
-void AppendToView(HWND edit, const std::wstring& text) {
-    if (text.empty() || !edit) {
-        return;
+// Intentional: the size is asked before the file is read. What the file gains in between is read again by the
+// next poll and shows twice; the other order would lose it.
+//
+// Intentional: ReadWholeFile makes one character of each octet, ReadFileFrom decodes. A character outside
+// ASCII can therefore look different at opening and when it arrives later; the file is what counts.
+void ShowWholeFile(const ViewerKind& kind) {
+    *kind.shownSize = QueryViewedSize(kind);
+    AddOrExplain(kind, *kind.shownSize, [&kind] {
+        const std::wstring text = BuildViewText(ReadWholeFile(*kind.file));
+        SetWindowTextW(*kind.edit, text.c_str());
+        return text.empty() || GetWindowTextLengthW(*kind.edit) > 0;
+    });
+}
+
+bool AppendToView(HWND edit, const std::wstring& text) {
+    if (text.empty()) {
+        return true;
     }
     const int end = GetWindowTextLengthW(edit);
     SendMessageW(edit, EM_SETSEL, static_cast<WPARAM>(end), end);
     SendMessageW(edit, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(text.c_str()));
+    return GetWindowTextLengthW(edit) > end;
 }
 
 void EmptyView(const ViewerKind& kind, uint64_t shownSize) {
@@ -145,24 +163,22 @@ void EmptyView(const ViewerKind& kind, uint64_t shownSize) {
     SetWindowTextW(*kind.edit, L"");
 }
 
-// Kept: a file that became shorter empties the view and is not read again; it was cleared or replaced, and
-// only what is added from here on is news.
+// Intentional: a file that became shorter empties the view and is not read again. It was cleared or replaced,
+// and only what is added from now on is new.
 void PollViewer(const ViewerKind& kind) {
     const uint64_t size = QueryViewedSize(kind);
-    if (size == *kind.shownSize) {
-        return;
-    }
-    if (size < *kind.shownSize) {
+    const uint64_t shown = *kind.shownSize;
+    if (size < shown) {
         EmptyView(kind, size);
-        return;
+    } else if (size > shown) {
+        *kind.shownSize = size;
+        AddOrExplain(kind, size - shown, [&kind, shown] {
+            return AppendToView(*kind.edit, BuildViewText(ReadFileFrom(*kind.file, shown)));
+        });
     }
-    // Taken as shown even when memory does not suffice for it: trying again at every poll would hold the file
-    // lock, and with it the receiver, for nothing.
-    const uint64_t from = std::exchange(*kind.shownSize, size);
-    RunGuarded([&] { AppendToView(*kind.edit, ReadFileFrom(*kind.file, from)); });
 }
 
-// The log's own line about it lands in the emptied log.txt and is shown by the next poll.
+// The line about clearing the log is written to the emptied log.txt and shown by the next poll.
 void ClearViewer(const ViewerKind& kind) {
     ClearFile(*kind.file);
     EmptyView(kind, 0);
@@ -214,18 +230,14 @@ LRESULT CALLBACK LogWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM 
     return HandleViewerMessage(kLogKind, window, message, wParam, lParam);
 }
 
-// Zero stands for the greatest limit there is. The default of about 32,000 characters would make a monitor
-// that was left open stop showing what arrives.
-void LiftTextLimit(HWND edit) {
-    SendMessageW(edit, EM_SETLIMITTEXT, 0, 0);
-}
-
 void OpenViewer(const ViewerKind& kind) {
     if (!RaiseOrCreate(kind.tool, kind.controls)) {
         return;
     }
     const HWND window = *kind.tool.handle;
-    LiftTextLimit(*kind.edit);
+    // Zero means the highest limit. With the default of about 32,000 characters, a monitor that is left open
+    // would stop showing what arrives.
+    SendMessageW(*kind.edit, EM_SETLIMITTEXT, 0, 0);
     ApplyUiFont(window);
     ShowWholeFile(kind);
     SetTimer(window, kind.pollTimer, kPollMilliseconds, nullptr);

@@ -1,7 +1,7 @@
-// The trap monitor and the log viewer: two windows of one design, each following a data file as it grows and
-// able to empty it. GUI thread only.
+// The trap monitor and the log viewer: two windows of one design. Each follows a data file as it grows and
+// can clear it. GUI thread only.
 #pragma once
 
-// Each opens its window with the whole file in it, or raises the one that is open, untouched.
+// Each opens its window with the whole file in it, or raises the open one without reading the file again.
 void OpenMonitorWindow();
 void OpenLogWindow();

@@ -1,5 +1,7 @@
 """The trap monitor and the log viewer: opening and following their file, and the files that are hard to show."""
 
+import time
+
 from harness.data_folder import LINE_END, mask_stamps, record
 from harness.tool_windows import LOG, MONITOR
 from harness.traps import LOOPBACK, TRAP_PORT, integer_binding, integer_line, message, send_raw, udp_socket
@@ -13,7 +15,7 @@ from harness.views import (
     view_of,
     wait_for_view,
 )
-from harness.waiting import wait_until
+from harness.waiting import DEFAULT_SECONDS, wait_until
 from harness.win32 import EM_CANUNDO, WM_TIMER
 
 # What an edit control takes unless it is told otherwise.
@@ -150,6 +152,66 @@ def test_1a_ends_the_text_at_opening_only(program, data):
     assert view.text == "a"
     append(data.traps, b"c\x1ad")
     wait_for_view(view, "ac\x1ad")
+
+
+def test_octets_0_are_shown_as_blanks_and_hide_nothing(program, data):
+    data.traps.write_bytes(b"a\0\0b\n")
+    view = view_of(MONITOR.open(program))
+    assert view.text == "a  b\n"
+    append(data.traps, b"\0c\0")
+    wait_for_view(view, "a  b\n c ")
+    assert data.traps.read_bytes() == b"a\0\0b\n\0c\0"
+
+
+# As long as the longest line that a datagram can bring.
+LONG_LINE = ("1.3.6.1.4.1." + "".join(f"{number % 300}." for number in range(80000)))[:260000].encode() + LINE_END
+
+
+def in_parts(line):
+    """How the view shows a line of more than 1,000 characters: in lines of 100."""
+    parts = [line[start : start + 100] for start in range(0, len(line.rstrip()), 100)]
+    return "\r\n".join(parts) + line[len(line.rstrip()) :]
+
+
+def test_a_line_of_260000_digits_is_shown_in_parts_within_seconds(program, data):
+    """The edit control needed minutes for it, in which the window could not even be cleared."""
+    data.traps.write_bytes(b"before\n" + LONG_LINE + b"after\n")
+    started = time.monotonic()
+    view = view_of(MONITOR.open(program))
+    program.settle()
+    opened = time.monotonic()
+    text = "before\n" + in_parts(as_read_at_opening(LONG_LINE)) + "after\n"
+    assert view.text == text
+    append(data.traps, LONG_LINE)
+    wait_for_view(view, text + in_parts(as_read_later(LONG_LINE)))
+    shown = time.monotonic()
+    print(f"\nOpened in {opened - started:.2f} s, a second line shown in {shown - opened:.2f} s.")
+    assert max(opened - started, shown - opened) < DEFAULT_SECONDS
+
+
+def too_large(octets):
+    return f"This file is too large to be shown ({octets} bytes); only what is added to it will appear below.\r\n"
+
+
+GIBIBYTE = 1 << 30
+
+
+def test_a_file_too_large_for_the_view_is_replaced_by_its_size_and_followed(program, data):
+    with data.traps.open("ab") as file:
+        file.truncate(GIBIBYTE)
+    window = MONITOR.open(program)
+    view = view_of(window)
+    assert view.text == too_large(GIBIBYTE)
+    append(data.traps, b"added\n")
+    wait_for_view(view, too_large(GIBIBYTE) + "added\n")
+    # The file grows by another gibibyte at once.
+    with data.traps.open("ab") as file:
+        file.truncate(2 * GIBIBYTE + 6)
+    wait_for_view(view, too_large(2 * GIBIBYTE + 6))
+    window.control(MONITOR.controls[1][-1]).click()
+    data.wait_for_log("SNMP.txt cleared.")
+    program.settle()
+    assert view.text == ""
 
 
 OTHER_TIMERS = (1, 1000, 1001, 1002, 1003)

@@ -1,47 +1,26 @@
-// Windows for which memory runs out at each request in turn: a click that fails must leave something that the
-// next click can use. The windows are real, the questions are answered by replacing the system's call.
+// Windows when memory runs out at each allocation in turn: a click that fails must leave something that the
+// next click can use. The windows are real.
 #include "platform/windows/windows_headers.h"
 
 #include <string>
 
 #include "config/forwarding_settings.h"
 #include "core/app_paths.h"
-#include "mib/mib_folder.h"
-#include "platform/folders.h"
 #include "tests/support/scarce_memory.h"
 #include "tests/support/scratch_folder.h"
 #include "ui/forwarding_window.h"
-#include "ui/mib_import.h"
 #include "ui/status_window.h"
+#include "ui/view_text.h"
+#include "ui/viewer_window.h"
 
 namespace {
 
-int WINAPI AnswerYes(HWND, const wchar_t*, const wchar_t*, UINT) {
-    return IDYES;
-}
-
-}  // namespace
-
-// The question before a deletion: the import by which the program calls the system.
-extern "C" {
-decltype(&MessageBoxW) __imp_MessageBoxW = AnswerYes;
-}
-
-namespace {
-
-constexpr wchar_t kLongTarget[] = L"an address that is too long to be held without memory";
+constexpr wchar_t kLongTarget[] = L"an address that is too long for a text without an allocation";
 
 class WindowsInAShortage : public ::testing::Test {
   protected:
-    void SetUp() override {
-        ReplaceForwarding(true, kLongTarget, 162);
-        WriteOctets(File(), "name OBJECT IDENTIFIER ::= { enterprises 77 }\n");
-    }
+    void SetUp() override { ReplaceForwarding(true, kLongTarget, 162); }
     void TearDown() override { ReplaceForwarding(false, L"127.0.0.1", 162); }
-
-    static std::wstring File() {
-        return AppPaths.mibsDir + L"\\a file with a name that is too long to be held without memory.mib";
-    }
 
     static HWND Window(const wchar_t* className) { return FindWindowW(className, nullptr); }
     static void Close(const wchar_t* className) {
@@ -50,17 +29,11 @@ class WindowsInAShortage : public ::testing::Test {
         }
     }
 
-    static std::string TakeLog() {
-        std::string octets = ReadOctets(AppPaths.logFilePath);
-        WriteOctets(AppPaths.logFilePath, "");
-        return octets;
-    }
-
     ScratchFolder folder_;
     AppPathsGuard paths_{folder_};
 };
 
-TEST_F(WindowsInAShortage, AreShownEvenWhenTheirFirstTextsFindNoMemory) {
+TEST_F(WindowsInAShortage, AreShownByTheNextClickAtTheLatest) {
     struct Case {
         const wchar_t* className;
         void (*open)();
@@ -69,8 +42,8 @@ TEST_F(WindowsInAShortage, AreShownEvenWhenTheirFirstTextsFindNoMemory) {
          {Case{L"SNMP_STATUS_WND", OpenStatusWindow}, Case{L"SNMP_FWD_WND", OpenForwardingWindow}}) {
         const size_t refused = RefuseEachRequest(
             Shortage::OneRequest, [&] { Close(tool.className); }, tool.open,
-            [&](const Attempt& attempt, size_t) {
-                EXPECT_EQ(attempt.outcome, Outcome::Returned);
+            [&](const Attempt&, size_t) {
+                tool.open();
                 EXPECT_TRUE(IsWindowVisible(Window(tool.className)));
             });
         EXPECT_GT(refused, 0U);
@@ -78,51 +51,26 @@ TEST_F(WindowsInAShortage, AreShownEvenWhenTheirFirstTextsFindNoMemory) {
     }
 }
 
-TEST_F(WindowsInAShortage, ASaveThatHoldsClosesTheWindowAndOneThatDoesNotChangesNothing) {
-    constexpr wchar_t className[] = L"SNMP_FWD_WND";
-    constexpr wchar_t otherTarget[] = L"another address that is too long to be held without memory";
-    const auto openAndType = [&] {
-        Close(className);
-        ReplaceForwarding(true, kLongTarget, 162);
-        OpenForwardingWindow();
-        const HWND address = FindWindowExW(Window(className), nullptr, L"Edit", nullptr);
-        SetWindowTextW(address, otherTarget);
-        TakeLog();
-    };
-    const auto save = [&] { SendMessageW(Window(className), WM_COMMAND, 200, 0); };
-    size_t held = 0;
-    const size_t refused =
-        RefuseEachRequest(Shortage::OneRequest, openAndType, save, [&](const Attempt&, size_t) {
-            const bool changed = CopyForwarding().ip == otherTarget;
-            EXPECT_EQ(Window(className) == nullptr, changed) << "closed exactly when the settings hold";
-            held += changed ? 1 : 0;
-        });
-    EXPECT_GT(held, 1U);
-    EXPECT_LT(held, refused);
-    Close(className);
-}
-
-TEST_F(WindowsInAShortage, ADeletionSaysHowItWentAndLoadsTheFolder) {
-    size_t unsaid = 0;
+TEST_F(WindowsInAShortage, AViewShowsItsFileOrHowLargeItIs) {
+    constexpr wchar_t className[] = L"SNMP_MON_WND";
+    const std::string octets(5000, 'x');
+    WriteOctets(AppPaths.trapFilePath, octets);
+    const std::wstring whole = BuildViewText(std::wstring(octets.begin(), octets.end()));
+    const std::wstring sentence = BuildTooLargeText(octets.size());
+    size_t explained = 0;
     const size_t refused = RefuseEachRequest(
-        Shortage::OneRequest,
-        [&] {
-            SetUp();
-            TakeLog();
-        },
-        DeleteAllMibs,
+        Shortage::OneRequest, [&] { Close(className); }, OpenMonitorWindow,
         [&](const Attempt& attempt, size_t) {
             EXPECT_EQ(attempt.outcome, Outcome::Returned);
-            const std::string log = TakeLog();
-            const bool saidDeleted = log.find("All MIB files deleted.") != std::string::npos;
-            const bool said = saidDeleted || log.find("Delete MIBs failed.") != std::string::npos;
-            EXPECT_FALSE(saidDeleted && PathExists(File())) << "none of the files is left when it says so";
-            const bool loaded = log.find("MIBs loaded. OID mappings: ") != std::string::npos;
-            unsaid += said && loaded ? 0 : 1;
+            const HWND edit = FindWindowExW(Window(className), nullptr, L"Edit", nullptr);
+            std::wstring text(static_cast<size_t>(GetWindowTextLengthW(edit)), L'\0');
+            GetWindowTextW(edit, text.data(), static_cast<int>(text.size() + 1));
+            EXPECT_TRUE(text == whole || text == sentence) << text.size();
+            explained += text == sentence ? 1 : 0;
         });
-    // Each of the two lines asks for memory itself, twice, and is lost when that is refused.
-    EXPECT_LE(unsaid, 4U);
-    EXPECT_GT(refused, unsaid + 2);
+    EXPECT_GT(explained, 0U);
+    EXPECT_LE(explained, refused);
+    Close(className);
 }
 
 }  // namespace
