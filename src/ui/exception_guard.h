@@ -1,12 +1,12 @@
-// The outermost frame of everything that the system calls. A C++ exception must not travel through
-// DispatchMessageW: what lies between belongs to the system, and the process would end with the receiver in
-// it. What can be thrown at all is a shortage of memory, and the operator's next click may well succeed.
+// The outermost frame of every window procedure. A C++ exception must not cross the system's frames above it:
+// that would end the process, and with it the receiver. The exceptions that occur are memory shortages, and
+// the operator's next click may succeed.
 #pragma once
 
 #include "platform/windows/windows_headers.h"
 
-// The window procedure to register for `procedure`. A message whose handling throws is answered as if the
-// window did not know it: WM_COMMAND and WM_TIMER end with 0 where they broke off, WM_CLOSE still closes.
+// The window procedure to register for `procedure`. A message whose handler throws goes to DefWindowProcW, so
+// that WM_CLOSE still closes the window; WM_COMMAND and WM_TIMER return 0.
 template <WNDPROC procedure>
 LRESULT CALLBACK GuardedProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     try {

@@ -6,7 +6,6 @@
 #include "config/forwarding_settings.h"
 #include "core/activity_log.h"
 #include "core/decimal_text.h"
-#include "core/run_guarded.h"
 #include "platform/windows/windows_headers.h"
 #include "ui/exception_guard.h"
 #include "ui/window_helpers.h"
@@ -21,8 +20,8 @@ HWND ForwardPortEdit = nullptr;
 constexpr int kSaveCommand = 200;
 constexpr int kCancelCommand = 201;
 
-// Kept: the port field takes any text, and no control is a tab stop; what is typed is judged when it
-// is saved.
+// Intentional: the port field accepts any text, which is checked when it is saved, and no control is a
+// tab stop.
 constexpr ControlRow kForwardingControls[] = {
     {.className = L"STATIC",
      .text = L"Forwarding enabled:",
@@ -68,8 +67,7 @@ void FillForwardingControls() {
     SetWindowTextW(ForwardPortEdit, port.c_str());
 }
 
-// As typed: neither trimmed nor checked. The count given to the system is one less than the buffer holds, and
-// the system counts the terminator, so 254 characters is the longest address that gets through.
+// As typed, neither trimmed nor checked. The count includes the terminator: at most 254 characters are read.
 std::wstring ReadIpField() {
     wchar_t text[256] = {};
     GetWindowTextW(ForwardIpEdit, text, 255);
@@ -82,11 +80,11 @@ int32_t ReadPortField() {
     return ParseDecimalInt(text);
 }
 
-// The fields are not filled again with what was made of them, since the window closes at once.
+// The fields are not refilled with the corrected values, since the window closes at once.
 void SaveForwarding(HWND window) {
     const bool enabled = SendMessageW(ForwardEnabledCheck, BM_GETCHECK, 0, 0) == BST_CHECKED;
     ReplaceForwarding(enabled, ReadIpField(), ReadPortField());
-    RunGuarded(SaveConfig);  // the settings hold already, and the next lines say so
+    SaveConfig();
     LogMessage(L"Forwarding updated.");
     DestroyWindow(window);
 }
@@ -142,7 +140,7 @@ void OpenForwardingWindow() {
     if (!RaiseOrCreate(kForwardingTool, kForwardingControls)) {
         return;
     }
-    RunGuarded(FillForwardingControls);  // shown whatever happens: else its button would have no effect
+    FillForwardingControls();
     ApplyUiFont(ForwardingWindowHandle);
     ShowWindow(ForwardingWindowHandle, SW_SHOW);
 }

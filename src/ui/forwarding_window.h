@@ -1,5 +1,5 @@
-// Where the operator switches forwarding on or off and names its target. GUI thread only.
+// The window in which the operator switches forwarding on or off and enters its target. GUI thread only.
 #pragma once
 
-// Opens the window with the current settings in it, or raises the one that is open, untouched.
+// Opens the window with the current settings, or raises the open one without changing its fields.
 void OpenForwardingWindow();

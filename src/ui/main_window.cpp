@@ -6,11 +6,11 @@
 #include "trap/server_state.h"
 #include "ui/exception_guard.h"
 #include "ui/forwarding_window.h"
-#include "ui/scoped_gdi.h"
 #include "ui/status_window.h"
-#include "ui/ui_resources.h"
 #include "ui/viewer_window.h"
 #include "ui/window_helpers.h"
+
+HWND MainWindowHandle = nullptr;
 
 namespace {
 
@@ -22,7 +22,7 @@ constexpr int kMonitorCommand = 102;
 constexpr int kLogCommand = 103;
 constexpr int kStatusCommand = 104;
 
-// Kept: the gaps between the buttons are 10, 8, 12 and 8 pixels; operators know the strip as it is.
+// Intentional: the gaps between the buttons are 10, 8, 12 and 8 pixels, as operators know them.
 constexpr ControlRow kMainControls[] = {
     {.className = L"BUTTON",
      .text = L"Start server",
@@ -68,13 +68,17 @@ void OnCreate(HWND window) {
 }
 
 void PaintIndicator(HWND window) {
-    const ScopedPaint paint(window);
-    const ScopedBrush brush(ServerState.running.load() ? RGB(0, 180, 0) : RGB(200, 0, 0));
-    const ScopedSelect select(paint.context, brush.brush);
-    Ellipse(paint.context, 16, 18, 34, 36);
+    PAINTSTRUCT paint{};
+    const HDC context = BeginPaint(window, &paint);
+    const HBRUSH brush = CreateSolidBrush(ServerState.running.load() ? RGB(0, 180, 0) : RGB(200, 0, 0));
+    const HGDIOBJ previous = SelectObject(context, brush);
+    Ellipse(context, 16, 18, 34, 36);
+    SelectObject(context, previous);
+    DeleteObject(brush);
+    EndPaint(window, &paint);
 }
 
-// Asks the flag, not the button's text: a click that was waiting in the queue must not start twice.
+// Decides by the flag and not by the button's text, so that a click already queued does not start twice.
 void ToggleServer() {
     if (ServerState.running.load()) {
         StopServer();
@@ -105,7 +109,7 @@ bool RunCommand(int command) {
     }
 }
 
-// The quit message must go out whatever happens before it: without it the process would live on windowless.
+// Without the quit message the process would go on without a window, so it is posted whatever fails before.
 void OnDestroy() {
     RunGuarded(StopServer);
     RunGuarded(SaveConfig);

@@ -2,7 +2,12 @@
 // GUI thread only.
 #pragma once
 
-// Makes the window, stores it in MainWindowHandle and shows it. The receiver starts by itself as soon as
-// messages are dispatched: the window posts itself the click of its start button. Its end stops the
-// receiver, saves the settings and ends the message loop. False: the system refused to make it.
+#include "platform/windows/windows_headers.h"
+
+// Owns the tool windows. Null until OpenMainWindow has created the window.
+extern HWND MainWindowHandle;
+
+// Creates and shows the window. The receiver starts by itself as soon as messages are dispatched: the window
+// posts itself a click on its start button. Destroying the window stops the receiver, saves the settings and
+// ends the message loop. False: the system could not create it.
 bool OpenMainWindow(int showCommand);

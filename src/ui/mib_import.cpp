@@ -6,37 +6,33 @@
 // clang-format on
 
 #include <algorithm>
-#include <bit>
 #include <string>
 #include <vector>
 
 #include "core/activity_log.h"
 #include "core/app_paths.h"
-#include "core/run_guarded.h"
 #include "mib/mib_folder.h"
 #include "platform/files.h"
 #include "platform/folders.h"
 #include "ui/open_file_names.h"
-#include "ui/status_window.h"
-#include "ui/ui_resources.h"
 
 namespace {
 
 constexpr DWORD kDialogCapacity = 8192;  // characters; a selection that does not fit counts as cancelled
 
-// What the buffer really holds: Wine's dialog writes a longer selection out in full.
-constexpr size_t kDialogRoom = size_t{8} * kDialogCapacity;
+// The buffer is larger than that: Wine's dialog writes a longer selection past the size that it was given.
+constexpr size_t kBufferSize = size_t{8} * kDialogCapacity;
 
 // Pairs of description and pattern, ended by an empty text.
-// Kept: the first description does not name ".my" although its pattern takes it; the line is long enough as
-// it is.
+// Intentional: the first description omits ".my", which its pattern includes; the line is long enough.
 constexpr wchar_t kDialogFilter[] = L"MIB files (*.mib;*.txt)\0*.mib;*.txt;*.my\0All files\0*.*\0";
 
-// Kept: the umlaut stands as the two characters that its UTF-8 octets make; operators know the question so.
+// Intentional: the two characters of the umlaut's UTF-8 form instead of the umlaut; operators know the
+// question so.
 constexpr wchar_t kDeleteQuestion[] = L"Alle MIB Dateien im MIB-Ordner l\u00C3\u00B6schen?";
 
-// The dialog leaves the process in the folder of what was chosen, and a disk with a process in it is not
-// ejected. (The flag that should keep it from there means nothing to this dialog.)
+// The dialog changes the current folder of the process to that of the chosen file, which would keep that
+// drive from being ejected. OFN_NOCHANGEDIR has no effect on this dialog.
 class ScopedCurrentFolder {
   public:
     ScopedCurrentFolder() : folder_(GetCurrentDirectoryW(0, nullptr), L'\0') {
@@ -50,61 +46,36 @@ class ScopedCurrentFolder {
     std::wstring folder_;
 };
 
-using OpenFileDialog = decltype(&GetOpenFileNameW);
-
-// The dialog comes from a library that brings the printing system with it, megabytes that nothing else here
-// needs. So it is loaded for the first import, and then stays, since what the shell hangs into the dialog can
-// outlive it. Null: it cannot be loaded now.
-OpenFileDialog LoadOpenFileDialog() {
-    const HMODULE library = LoadLibraryExW(L"comdlg32.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
-    return library ? std::bit_cast<OpenFileDialog>(GetProcAddress(library, "GetOpenFileNameW")) : nullptr;
-}
-
-// False: cancelled, or the selection did not fit.
-bool AskForFiles(OpenFileDialog openFileDialog, std::wstring& buffer) {
+// False: cancelled, or the dialog failed, for example because the selection does not fit.
+bool AskForFiles(HWND owner, std::wstring& buffer) {
     const ScopedCurrentFolder former;
-    buffer.assign(kDialogRoom, L'\0');
+    buffer.assign(kBufferSize, L'\0');
     OPENFILENAMEW dialog{};
     dialog.lStructSize = sizeof(dialog);
-    dialog.hwndOwner = StatusWindowHandle ? StatusWindowHandle : MainWindowHandle;
+    dialog.hwndOwner = owner;
     dialog.lpstrTitle = L"Import MIB files";
     dialog.lpstrFilter = kDialogFilter;
     dialog.nFilterIndex = 1;
     dialog.lpstrFile = buffer.data();
     dialog.nMaxFile = kDialogCapacity;
     dialog.Flags = OFN_EXPLORER | OFN_ALLOWMULTISELECT | OFN_FILEMUSTEXIST;
-    return openFileDialog(&dialog) != FALSE;
+    return GetOpenFileNameW(&dialog) != FALSE;
 }
 
-bool ImportFile(const ChosenFile& file) {
-    if (!CopyFileOver(file.path, AppPaths.mibsDir + L"\\" + file.name)) {
-        return false;
-    }
-    LogMessage(L"MIB imported: " + file.name);
-    return true;
-}
-
-// Kept: among several files a failed one is passed over without a line; the missing "MIB imported:" tells.
+// Intentional: among several files, one that cannot be copied is not logged; its "MIB imported:" line
+// is missing.
 void ImportFiles(const ChosenFiles& chosen) {
     for (const ChosenFile& file : chosen.files) {
-        if (!ImportFile(file) && !chosen.several) {
+        if (CopyFileOver(file.path, AppPaths.mibsDir + L"\\" + file.name)) {
+            LogMessage(L"MIB imported: " + file.name);
+        } else if (!chosen.several) {
             LogMessage(L"MIB import failed.");
         }
     }
 }
 
-void ReloadMibs() {
-    LoadMibFolder();
-    RefreshStatus();
-}
-
-bool ConfirmDeletion() {
-    return MessageBoxW(StatusWindowHandle, kDeleteQuestion, L"Delete MIBs", MB_YESNO | MB_ICONWARNING) ==
-           IDYES;
-}
-
-// In listing order, up to the first failure. A listing that broke off still loses the files it had got to.
-// Listed first and removed afterwards, because removing under a walk can make the walk skip entries.
+// Removes in listing order up to the first failure, also when the listing itself failed half-way. The folder
+// is listed before anything is removed, because removing during the walk can make it skip entries.
 bool RemoveMibFiles() {
     std::vector<std::wstring> paths;
     const bool listed = EnumerateFolder(AppPaths.mibsDir, [&paths](const FolderEntry& entry) {
@@ -118,28 +89,21 @@ bool RemoveMibFiles() {
 
 }  // namespace
 
-void ImportMibFiles() {
-    const OpenFileDialog openFileDialog = LoadOpenFileDialog();
-    if (!openFileDialog) {
-        // A button that does nothing would be taken for broken.
-        LogMessage(L"MIB import failed.");
-        return;
-    }
+bool ImportMibFiles(HWND owner) {
     std::wstring buffer;
-    if (!AskForFiles(openFileDialog, buffer)) {
-        return;
+    if (!AskForFiles(owner, buffer)) {
+        return false;
     }
-    // What was copied before memory ran out is loaded all the same.
-    RunGuarded([&buffer] { ImportFiles(ParseOpenFileNames(buffer)); });
-    ReloadMibs();
+    ImportFiles(ParseOpenFileNames(buffer));
+    LoadMibFolder();
+    return true;
 }
 
-void DeleteAllMibs() {
-    if (!ConfirmDeletion()) {
-        return;
+bool DeleteAllMibs(HWND owner) {
+    if (MessageBoxW(owner, kDeleteQuestion, L"Delete MIBs", MB_YESNO | MB_ICONWARNING) != IDYES) {
+        return false;
     }
-    bool removed = false;
-    RunGuarded([&removed] { removed = RemoveMibFiles(); });
-    LogMessage(removed ? L"All MIB files deleted." : L"Delete MIBs failed.");
-    ReloadMibs();
+    LogMessage(RemoveMibFiles() ? L"All MIB files deleted." : L"Delete MIBs failed.");
+    LoadMibFolder();
+    return true;
 }

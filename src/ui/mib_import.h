@@ -1,9 +1,14 @@
-// The two buttons at the foot of the status window: bringing MIB files into the mibs folder and emptying it.
-// What came of it stands in the activity log only. GUI thread only; both run a modal dialog.
+// The work of the two buttons of the status window: copying MIB files into the mibs folder and removing
+// them from it. Results are reported in the activity log only. GUI thread only; both run a modal dialog
+// of `owner`.
 #pragma once
 
-// Lets the operator choose files and copies them over whatever the folder holds, then loads the folder again.
-void ImportMibFiles();
+#include "platform/windows/windows_headers.h"
 
-// Asks, removes the MIB files of the folder up to the first failure, then loads the folder again.
-void DeleteAllMibs();
+// Lets the operator choose files, copies them into the folder, replacing files of the same name, and loads
+// the folder again. False: the dialog was cancelled or failed, and nothing has changed.
+bool ImportMibFiles(HWND owner);
+
+// Asks for confirmation, removes the MIB files of the folder up to the first failure, and loads the folder
+// again. False: not confirmed, and nothing has changed.
+bool DeleteAllMibs(HWND owner);

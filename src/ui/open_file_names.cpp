@@ -1,30 +1,22 @@
 #include "ui/open_file_names.h"
 
-namespace {
-
-// Takes the text up to the next zero off the front of `rest`, the zero included.
-std::wstring_view TakeText(std::wstring_view& rest) {
-    const std::wstring_view text = rest.substr(0, rest.find(L'\0'));
-    rest.remove_prefix(text.size() < rest.size() ? text.size() + 1 : rest.size());
-    return text;
-}
-
-std::wstring_view LastComponent(std::wstring_view path) {
-    const size_t separator = path.find_last_of(L"\\/");
-    return separator == std::wstring_view::npos ? path : path.substr(separator + 1);
-}
-
-}  // namespace
+#include <algorithm>
 
 ChosenFiles ParseOpenFileNames(std::wstring_view buffer) {
+    std::vector<std::wstring> texts;
+    do {
+        texts.emplace_back(buffer.substr(0, buffer.find(L'\0')));
+        buffer.remove_prefix(std::min(texts.back().size() + 1, buffer.size()));
+    } while (!buffer.empty() && buffer.front() != L'\0');
+
+    const std::wstring& first = texts.front();
     ChosenFiles chosen;
-    const std::wstring first(TakeText(buffer));
-    for (std::wstring_view name = TakeText(buffer); !name.empty(); name = TakeText(buffer)) {
-        chosen.files.push_back({first + L'\\' + std::wstring(name), std::wstring(name)});
-    }
-    chosen.several = !chosen.files.empty();
+    chosen.several = texts.size() > 1;
     if (!chosen.several) {
-        chosen.files.push_back({first, std::wstring(LastComponent(first))});
+        chosen.files.push_back({first, first.substr(first.find_last_of(L"\\/") + 1)});
+    }
+    for (size_t index = 1; index < texts.size(); ++index) {
+        chosen.files.push_back({first + L'\\' + texts[index], texts[index]});
     }
     return chosen;
 }

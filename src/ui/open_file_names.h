@@ -1,4 +1,4 @@
-// What the file-open dialog leaves in its buffer, taken apart.
+// Reads the buffer that the file dialog fills.
 #pragma once
 
 #include <string>
@@ -6,16 +6,16 @@
 #include <vector>
 
 struct ChosenFile {
-    std::wstring path;  // where it stands
+    std::wstring path;
     std::wstring name;  // last component of the path
 };
 
 struct ChosenFiles {
-    bool several = false;  // chosen as a multiple selection, even if only one name followed the folder
+    bool several = false;  // a multiple selection, even if only one name follows the folder
     std::vector<ChosenFile> files;
 };
 
-// `buffer` holds zero-terminated texts, ended by an empty one or by the buffer's end. One text is a full
-// path; with more, the first is the folder and the others are names in it, joined to it by a backslash
-// whatever it ends in.
+// `buffer` contains zero-terminated texts and ends with an empty one, or with its last character. A single
+// text is a full path. Otherwise the first is a folder and the others are names in it; folder and name are
+// joined by a backslash even if the folder ends in one.
 ChosenFiles ParseOpenFileNames(std::wstring_view buffer);

@@ -8,11 +8,11 @@
 
 std::wstring BuildServerText(bool running);
 
-// Port 161 is named when its socket is open or the receiver runs.
-// Kept: so it is also named while 162 runs alone because 161 was taken; the log tells the two apart.
+// Names port 161 when its socket is open or the receiver runs. Intentional: also while the receiver runs
+// without 161 because that port is in use; the log has a line about it.
 std::wstring BuildListenText(bool running, bool listenerOpen);
 
-// The target is told in both states, so that the operator sees what switching on would do.
+// Shows the target in both states, so that the operator sees what switching on would do.
 std::wstring BuildForwardText(bool enabled, std::wstring_view ip, int32_t port);
 
 // Two lines.
@@ -20,6 +20,6 @@ std::wstring BuildPathsText(std::wstring_view dataDir, std::wstring_view mibsDir
 
 std::wstring BuildCountsText(int32_t fileCount, int32_t mappingCount);
 
-// `lastTrapTick` and `now` in milliseconds of ReadTickCount, `now` read after the other; a tick of 0 means no
-// trap yet. Whole seconds, cut off: 999 ms are 0 s.
+// `lastTrapTick` and `now` are milliseconds of ReadTickCount, `now` not the earlier one; a `lastTrapTick` of
+// 0 means that there was no trap yet. The age is in whole seconds, rounded down.
 std::wstring BuildLastTrapText(uint64_t lastTrapTick, std::wstring_view sender, uint64_t now);

@@ -1,12 +1,10 @@
 #include "ui/status_window.h"
 
-#include <array>
 #include <string>
 #include <vector>
 
 #include "config/forwarding_settings.h"
 #include "core/app_paths.h"
-#include "core/run_guarded.h"
 #include "mib/mib_folder.h"
 #include "mib/name_store.h"
 #include "platform/clock.h"
@@ -33,83 +31,50 @@ constexpr int kDeleteCommand = 501;
 constexpr UINT_PTR kRefreshTimer = 1003;
 constexpr UINT kRefreshMilliseconds = 700;
 
-// Places one below the other: a line put in between moves all that stands below it.
-class Stack {
-  public:
-    struct Step {
-        int gap;
-        int height = 20;  // one line of text
-        int width = 680;
-    };
-    constexpr ControlPlace Below(Step step) {
-        top_ = bottom_ + step.gap;
-        bottom_ = top_ + step.height;
-        right_ = kLeft + step.width;
-        return {.x = kLeft, .y = top_, .width = step.width, .height = step.height};
-    }
-
-    struct SideStep {
-        int gap;
-        int width;
-    };
-    constexpr ControlPlace Beside(SideStep step) {
-        const int left = right_ + step.gap;
-        right_ = left + step.width;
-        return {.x = left, .y = top_, .width = step.width, .height = bottom_ - top_};
-    }
-
-  private:
-    static constexpr int kLeft = 12;
-    int top_ = 0;
-    int bottom_ = 0;
-    int right_ = 0;
+constexpr ControlRow kStatusControls[] = {
+    {.className = L"STATIC",
+     .place = {.x = 12, .y = 12, .width = 680, .height = 20},
+     .handle = &StatusServerLabel},
+    {.className = L"STATIC",
+     .place = {.x = 12, .y = 36, .width = 680, .height = 20},
+     .handle = &StatusListenLabel},
+    {.className = L"STATIC",
+     .place = {.x = 12, .y = 60, .width = 680, .height = 20},
+     .handle = &StatusForwardLabel},
+    {.className = L"STATIC",
+     .place = {.x = 12, .y = 84, .width = 680, .height = 20},
+     .handle = &StatusLastTrapLabel},
+    {.className = L"STATIC",
+     .place = {.x = 12, .y = 112, .width = 680, .height = 44},
+     .handle = &StatusPathsLabel},
+    {.className = L"STATIC",
+     .place = {.x = 12, .y = 164, .width = 680, .height = 20},
+     .handle = &StatusCountsLabel},
+    {.className = L"STATIC",
+     .text = L"Imported MIB files:",
+     .place = {.x = 12, .y = 190, .width = 200, .height = 20}},
+    {.className = L"LISTBOX",
+     .style = WS_VSCROLL | LBS_NOTIFY,
+     .exStyle = WS_EX_CLIENTEDGE,
+     .place = {.x = 12, .y = 212, .width = 680, .height = 240},
+     .handle = &MibListBox},
+    {.className = L"BUTTON",
+     .text = L"Import MIB Files",
+     .place = {.x = 12, .y = 466, .width = 150, .height = 30},
+     .id = kImportCommand},
+    {.className = L"BUTTON",
+     .text = L"Delete all MIBs",
+     .place = {.x = 172, .y = 466, .width = 150, .height = 30},
+     .id = kDeleteCommand},
 };
 
-constexpr auto kStatusControls = [] {
-    Stack stack;
-    return std::to_array<ControlRow>({
-        {.className = L"STATIC", .place = stack.Below({.gap = 12}), .handle = &StatusServerLabel},
-        {.className = L"STATIC", .place = stack.Below({.gap = 4}), .handle = &StatusListenLabel},
-        {.className = L"STATIC", .place = stack.Below({.gap = 4}), .handle = &StatusForwardLabel},
-        {.className = L"STATIC", .place = stack.Below({.gap = 4}), .handle = &StatusLastTrapLabel},
-        {.className = L"STATIC", .place = stack.Below({.gap = 8, .height = 44}), .handle = &StatusPathsLabel},
-        {.className = L"STATIC", .place = stack.Below({.gap = 8}), .handle = &StatusCountsLabel},
-        {.className = L"STATIC",
-         .text = L"Imported MIB files:",
-         .place = stack.Below({.gap = 6, .width = 200})},
-        {.className = L"LISTBOX",
-         .style = WS_VSCROLL | LBS_NOTIFY,
-         .exStyle = WS_EX_CLIENTEDGE,
-         .place = stack.Below({.gap = 2, .height = 240}),
-         .handle = &MibListBox},
-        {.className = L"BUTTON",
-         .text = L"Import MIB Files",
-         .place = stack.Below({.gap = 14, .height = 30, .width = 150}),
-         .id = kImportCommand},
-        {.className = L"BUTTON",
-         .text = L"Delete all MIBs",
-         .place = stack.Beside({.gap = 10, .width = 150}),
-         .id = kDeleteCommand},
-    });
-}();
-
-size_t SumLengths(const std::vector<std::wstring>& names) {
-    size_t characters = 0;
-    for (const std::wstring& name : names) {
-        characters += name.size() + 1;
-    }
-    return characters;
-}
-
-// Kept: the list is refilled whole each time and so loses its selection and its place; what is shown is
-// always what the folder holds. Filled with redrawing off and into reserved storage, it does not flicker.
+// Intentional: the list is refilled each time, so it always shows what the folder contains, and loses its
+// selection and its position.
 void RefillMibList(const std::vector<std::wstring>& names) {
-    // As many names as before are drawn over each other; erasing first would be a white flash every time.
+    // Without erasing, the same names are drawn over themselves. Erasing each time would flicker.
     const bool erase = SendMessageW(MibListBox, LB_GETCOUNT, 0, 0) != static_cast<LRESULT>(names.size());
     SendMessageW(MibListBox, WM_SETREDRAW, FALSE, 0);
     SendMessageW(MibListBox, LB_RESETCONTENT, 0, 0);
-    SendMessageW(MibListBox, LB_INITSTORAGE, names.size(),
-                 static_cast<LPARAM>(SumLengths(names) * sizeof(wchar_t)));
     for (const std::wstring& name : names) {
         SendMessageW(MibListBox, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(name.c_str()));
     }
@@ -130,7 +95,7 @@ void ShowForwarding() {
                    BuildForwardText(forwarding.enabled, forwarding.ip, forwarding.port).c_str());
 }
 
-// The folder is listed before the count takes its lock, so that a slow disk never holds up a trap's lookup.
+// Lists the folder before CountOidNames locks the names, so that a trap's lookup never waits for a slow disk.
 void ShowMibs() {
     const std::vector<std::wstring> names = ListMibFiles();
     const auto fileCount = static_cast<int32_t>(names.size());
@@ -138,7 +103,7 @@ void ShowMibs() {
     RefillMibList(names);
 }
 
-// The tick is read before the clock, so that a trap arriving in between cannot make its age negative.
+// Reads the tick before the clock, so that a trap that arrives in between cannot have a negative age.
 void ShowLastTrap() {
     const uint64_t tick = ServerState.lastTrapTick.load();
     const std::wstring sender = CopyLastTrapSender();
@@ -174,10 +139,14 @@ void OnDestroy(HWND window) {
 bool RunCommand(int command) {
     switch (command) {
         case kImportCommand:
-            ImportMibFiles();
+            if (ImportMibFiles(StatusWindowHandle)) {
+                RefreshStatus();
+            }
             return true;
         case kDeleteCommand:
-            DeleteAllMibs();
+            if (DeleteAllMibs(StatusWindowHandle)) {
+                RefreshStatus();
+            }
             return true;
         default:
             return false;
@@ -212,7 +181,7 @@ LRESULT CALLBACK StatusWindowProc(HWND window, UINT message, WPARAM wParam, LPAR
 constexpr ToolWindow kStatusTool = {
     .className = L"SNMP_STATUS_WND",
     .title = L"Status",
-    // The frame can be resized while the controls keep their places: there is nothing to show more of.
+    // Intentional: resizing the frame does not move the controls.
     .style = WS_CAPTION | WS_SYSMENU | WS_THICKFRAME,
     .width = 720,
     .height = 560,
@@ -227,9 +196,7 @@ void OpenStatusWindow() {
         return;
     }
     ApplyUiFont(StatusWindowHandle);
-    // A refresh for which there is no memory leaves texts empty until the next; a window that is never shown
-    // would leave its button without effect.
-    RunGuarded(RefreshStatus);
+    RefreshStatus();
     SetTimer(StatusWindowHandle, kRefreshTimer, kRefreshMilliseconds, nullptr);
     ShowWindow(StatusWindowHandle, SW_SHOW);
 }

@@ -9,5 +9,5 @@ extern HWND StatusWindowHandle;  // null while the window is closed
 // Opens the window, or raises the one that is open.
 void OpenStatusWindow();
 
-// Rebuilds every text and the whole list from what holds now. Does nothing while the window is closed.
+// Updates every text and the whole list. Does nothing while the window is closed.
 void RefreshStatus();

@@ -2,7 +2,6 @@
 
 HBRUSH BackgroundBrush = nullptr;
 HFONT UiFont = nullptr;
-HWND MainWindowHandle = nullptr;
 
 void CreateBackgroundBrush() {
     if (!BackgroundBrush) {

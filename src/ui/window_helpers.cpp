@@ -1,5 +1,6 @@
 #include "ui/window_helpers.h"
 
+#include "ui/main_window.h"
 #include "ui/ui_resources.h"
 
 void RegisterWindowClass(const wchar_t* className, WNDPROC procedure) {
@@ -53,6 +54,8 @@ LRESULT ColorControl(WPARAM wParam) {
 
 bool RaiseOrCreate(const ToolWindow& tool, std::span<const ControlRow> rows) {
     if (*tool.handle) {
+        // Still hidden if memory ran out while it was being filled.
+        ShowWindow(*tool.handle, SW_SHOW);
         SetForegroundWindow(*tool.handle);
         return false;
     }

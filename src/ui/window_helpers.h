@@ -1,4 +1,4 @@
-// What all five windows do alike: their class, their controls from a table, their font, their colours, and
+// Shared by all five windows: their class, their controls from a table, their font and colours, and the rule
 // that a tool window exists at most once. GUI thread only.
 #pragma once
 
@@ -11,7 +11,7 @@ struct ControlPlace {
     int x, y, width, height;
 };
 
-// One control as data. Every control is a visible child besides what `style` adds.
+// One control as data. WS_CHILD and WS_VISIBLE are added to each.
 struct ControlRow {
     const wchar_t* className;
     const wchar_t* text = L"";
@@ -19,33 +19,32 @@ struct ControlRow {
     DWORD exStyle = 0;
     ControlPlace place;
     int id = 0;
-    HWND* handle = nullptr;  // where the control's handle is kept, or null
+    HWND* handle = nullptr;  // where to store the control's handle, or null
 };
 
-// A tool window as data: opened from the main window, owned by it and destroyed with it. The
-// default position.
+// A tool window as data. The main window owns it; its position is the default one.
 struct ToolWindow {
     const wchar_t* className;
     const wchar_t* title;
     DWORD style;
     int width, height;  // outer size in pixels
     WNDPROC procedure;
-    HWND* handle;  // null while the window is closed; the window's own WM_DESTROY sets it back
+    HWND* handle;  // null while the window is closed; the window's own WM_DESTROY resets it
 };
 
-// White background, arrow cursor, no icon, no menu. Registering a name again fails, which harms nobody.
+// White background, arrow cursor, no icon, no menu. Registering a class again fails and changes nothing.
 void RegisterWindowClass(const wchar_t* className, WNDPROC procedure);
 
-// Creates the controls in the order of the table and stores the handles that are to be kept. Not checked.
+// Creates the controls in the order of the table. Failures are not checked.
 void CreateControls(HWND parent, std::span<const ControlRow> rows);
 
-// Sends UiFont to the window and to each of its direct children, redrawing them. A null window or
-// font: nothing.
+// Sends UiFont to the window and to each of its direct children and redraws them. Does nothing without a
+// window or a font.
 void ApplyUiFont(HWND window);
 
-// Black on opaque white: the answer to WM_CTLCOLOREDIT and WM_CTLCOLORSTATIC in every window.
+// Answers WM_CTLCOLOREDIT and WM_CTLCOLORSTATIC in every window: black on opaque white.
 LRESULT ColorControl(WPARAM wParam);
 
-// False: the window exists already and was brought to the front, or the system refused to make one.
-// True: it was created with its controls and is not visible yet; the caller fills and shows it.
+// True: the window was created with its controls and is not visible yet; the caller fills and shows it.
+// False: it existed already and was brought to the front, or the system could not create it.
 bool RaiseOrCreate(const ToolWindow& tool, std::span<const ControlRow> rows);

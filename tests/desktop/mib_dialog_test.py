@@ -44,12 +44,6 @@ def test_the_dialog_is_asked_for_with_exactly_this_record(program, status):
     ]
 
 
-def test_the_dialog_comes_from_the_systems_own_folder_and_from_no_other(program, status):
-    program.attach_spy()
-    FileDialog(program, status).cancel()
-    assert program.calls("LoadLibraryExW") == [f"LoadLibraryExW comdlg32.dll {0x800}"]
-
-
 def test_the_status_window_goes_on_refreshing_behind_the_dialog(program, data, status):
     dialog = FileDialog(program, status)
     assert status.line("Last trap:").text == "Last trap:             (none)"

@@ -11,7 +11,6 @@ from harness.mib_dialogs import (
     mib,
     new_messages,
 )
-from harness.processes import run_wine
 from harness.tool_windows import IMPORT_BUTTON, STATUS
 from harness.traps import V2C_HEAD, send_v2c
 from harness.win32 import (
@@ -19,7 +18,6 @@ from harness.win32 import (
     CBN_SELENDOK,
     CB_GETCURSEL,
     CB_SETCURSEL,
-    DIALOG_CLASS,
     ID_FILTER,
     PROTECTING,
     WM_COMMAND,
@@ -101,24 +99,6 @@ def test_a_protected_file_is_imported_as_an_ordinary_one_over_a_protected_one(
     assert new_messages(data, before) == ["MIB imported: one.mib", MAPPINGS + "1"]
     assert driver("attributes", copy) & PROTECTING == 0
     assert driver("attributes", path) & PROTECTING == PROTECTING
-
-
-DLL_OVERRIDES = r"HKCU\Software\Wine\AppDefaults\Quillmont.exe\DllOverrides"
-
-
-def test_a_dialog_that_cannot_be_loaded_is_a_failed_import(data, start):
-    assert run_wine("reg", "add", DLL_OVERRIDES, "/v", "comdlg32", "/d", "", "/f") == 0
-    try:
-        program = start().wait_running()
-        data.wait_for_start()
-        before = len(data.log_messages())
-        STATUS.open(program).control(IMPORT_BUTTON).click()
-        data.wait_for_log("MIB import failed.")
-        program.settle()
-        assert new_messages(data, before) == ["MIB import failed."]
-        assert program.find_windows(DIALOG_CLASS) == []
-    finally:
-        assert run_wine("reg", "delete", DLL_OVERRIDES, "/f") == 0
 
 
 def test_several_files_are_imported_in_the_order_of_the_dialog(program, data, status, samples):

@@ -75,10 +75,6 @@ LRESULT WINAPI SeeSendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM 
         case LB_RESETCONTENT:
             Note(L"LB_RESETCONTENT " + Number(window));
             break;
-        case LB_INITSTORAGE:
-            Note(L"LB_INITSTORAGE " + Number(window) + L" " + std::to_wstring(wParam) + L" " +
-                 std::to_wstring(lParam));
-            break;
         default:
             break;
     }
@@ -96,11 +92,6 @@ UINT_PTR WINAPI SeeSetTimer(HWND window, UINT_PTR timer, UINT milliseconds, TIME
     return SetTimer(window, timer, milliseconds, procedure);
 }
 
-HMODULE WINAPI SeeLoadLibraryExW(LPCWSTR name, HANDLE file, DWORD flags) {
-    Note(std::wstring(L"LoadLibraryExW ") + name + L" " + std::to_wstring(flags));
-    return LoadLibraryExW(name, file, flags);
-}
-
 BOOL WINAPI SeeShowWindow(HWND window, int command) {
     Note(L"ShowWindow " + Number(window) + L" " + std::to_wstring(command));
     return ShowWindow(window, command);
@@ -111,8 +102,6 @@ int WINAPI SeeMessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type) 
     return MessageBoxW(owner, text, caption, type);
 }
 
-decltype(&GetOpenFileNameW) openFileDialog = nullptr;
-
 BOOL WINAPI SeeGetOpenFileNameW(LPOPENFILENAMEW dialog) {
     Note(L"GetOpenFileNameW filter=" + FilterText(dialog->lpstrFilter) + L" index=" +
          std::to_wstring(dialog->nFilterIndex) + L" capacity=" + std::to_wstring(dialog->nMaxFile) +
@@ -122,21 +111,12 @@ BOOL WINAPI SeeGetOpenFileNameW(LPOPENFILENAMEW dialog) {
          TextOrNone(dialog->lpstrDefExt));
     SpyWishes& wishes = memory->wishes;
     if (wishes.choiceIsReady == 0 || !IsWatched()) {
-        return openFileDialog(dialog);
+        return GetOpenFileNameW(dialog);
     }
     wishes.choiceIsReady = 0;
     const size_t size = std::min(std::size(wishes.choice), static_cast<size_t>(dialog->nMaxFile));
     std::copy_n(wishes.choice, size, dialog->lpstrFile);
     return TRUE;
-}
-
-FARPROC WINAPI SeeGetProcAddress(HMODULE library, LPCSTR name) {
-    const FARPROC found = GetProcAddress(library, name);
-    if (HIWORD(std::bit_cast<ULONG_PTR>(name)) == 0 || std::strcmp(name, "GetOpenFileNameW") != 0) {
-        return found;
-    }
-    openFileDialog = std::bit_cast<decltype(openFileDialog)>(found);
-    return std::bit_cast<FARPROC>(&SeeGetOpenFileNameW);
 }
 
 void AppendTo(const wchar_t* path, const char* octets) {
@@ -169,11 +149,14 @@ const void* AddressOf(Function function) {
 }
 
 const Catch catches[] = {
-    {"CreateWindowExW", AddressOf(&SeeCreateWindowExW)}, {"SendMessageW", AddressOf(&SeeSendMessageW)},
-    {"ShowWindow", AddressOf(&SeeShowWindow)},           {"MessageBoxW", AddressOf(&SeeMessageBoxW)},
-    {"GetProcAddress", AddressOf(&SeeGetProcAddress)},   {"CreateFileW", AddressOf(&SeeCreateFileW)},
-    {"InvalidateRect", AddressOf(&SeeInvalidateRect)},   {"SetTimer", AddressOf(&SeeSetTimer)},
-    {"LoadLibraryExW", AddressOf(&SeeLoadLibraryExW)},
+    {"CreateWindowExW", AddressOf(&SeeCreateWindowExW)},
+    {"SendMessageW", AddressOf(&SeeSendMessageW)},
+    {"ShowWindow", AddressOf(&SeeShowWindow)},
+    {"MessageBoxW", AddressOf(&SeeMessageBoxW)},
+    {"GetOpenFileNameW", AddressOf(&SeeGetOpenFileNameW)},
+    {"CreateFileW", AddressOf(&SeeCreateFileW)},
+    {"InvalidateRect", AddressOf(&SeeInvalidateRect)},
+    {"SetTimer", AddressOf(&SeeSetTimer)},
 };
 
 void Redirect(const char* name, IMAGE_THUNK_DATA& entry) {

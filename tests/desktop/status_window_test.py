@@ -219,7 +219,7 @@ def test_only_its_own_timer_makes_the_window_look(program, data):
     assert label(window, COUNTS) == counts_line(1, 0)
 
 
-LIST_CALLS = ("WM_SETREDRAW", "LB_RESETCONTENT", "LB_INITSTORAGE", "InvalidateRect")
+LIST_CALLS = ("WM_SETREDRAW", "LB_RESETCONTENT", "InvalidateRect")
 
 
 def test_the_list_is_refilled_unseen_and_erased_only_when_its_length_has_changed(program, data):
@@ -237,22 +237,20 @@ def test_the_list_is_refilled_unseen_and_erased_only_when_its_length_has_changed
         calls = [call.split() for call in program.driver("spy_calls")[before:]]
         return [(name, *rest) for name, handle, *rest in calls if name in LIST_CALLS and handle == str(files.handle)]
 
-    def expected(count, octets, erase):
+    def expected(erase):
         return [
             ("WM_SETREDRAW", "0"),
             ("LB_RESETCONTENT",),
-            ("LB_INITSTORAGE", str(count), str(octets)),
             ("WM_SETREDRAW", "1"),
             ("InvalidateRect", "whole", str(erase)),
         ]
 
-    # Each name and its terminator, two octets a character.
-    assert refill("one.mib", "three.mib") == expected(2, 2 * (8 + 10), 1)
-    assert refill() == expected(2, 2 * (8 + 10), 0)
+    assert refill("one.mib", "three.mib") == expected(1)
+    assert refill() == expected(0)
     (data.mibs / "one.mib").unlink()
-    assert refill("other.mib") == expected(2, 2 * (10 + 10), 0)
+    assert refill("other.mib") == expected(0)
     assert files.list_items() == ["other.mib", "three.mib"]
-    assert refill("two.mib") == expected(3, 2 * (10 + 10 + 8), 1)
+    assert refill("two.mib") == expected(1)
 
 
 def test_a_second_click_touches_nothing_in_the_window(data, start):

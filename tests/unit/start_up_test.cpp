@@ -15,6 +15,7 @@
 #include "tests/support/scratch_folder.h"
 #include "tests/support/stamps.h"
 #include "trap/server_state.h"
+#include "ui/main_window.h"
 #include "ui/ui_resources.h"
 
 int WINAPI wWinMain(HINSTANCE instance, HINSTANCE former, PWSTR commandLine, int showCommand);
