@@ -72,7 +72,7 @@ def test_everything_passes_and_the_operators_folder_is_back(kit, users_folder):
     assert len(re.findall(r"^skipped: \S+\n    \S", report, re.M)) == int(closing[3]), report
     for program in (kit / "programs").glob("quillmont_*.exe"):
         assert program.name == "quillmont_check.exe" or program.name in report
-    for fact in ["Windows: ", "code pages: ", "fact: from the start of the program to listening: "]:
+    for fact in ["kit: Quillmont-9.9.9-windows-check", "Windows: ", "code pages: ", "fact: from the start of the program to listening: "]:
         assert fact in report
     expect_untouched(users_folder)
     assert sorted(file.name for file in kit.iterdir()) == ["READ-ME.txt", "check.cmd", "programs", "report.txt"]

@@ -213,7 +213,10 @@ int wmain(int count, wchar_t** arguments) {
         std::cout << "report.txt cannot be written here. Unpack the kit into a folder of your own.\n";
         return 2;
     }
+    report.Say("kit: " + Narrow(fs::path(folder).parent_path().filename().wstring()));
     DescribeMachine(report);
+    report.Say(
+        "A line that begins with \"fact\" reports how this computer behaves. It is neither right nor wrong.");
     DataFolderAside aside(UsersDataFolder());
     if (aside.foundLeftover()) {
         report.Say(

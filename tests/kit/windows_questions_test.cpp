@@ -28,7 +28,7 @@ class PlainSocket {
   public:
     PlainSocket() : socket_(socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP)) {
         u_long nonBlocking = 1;
-        ioctlsocket(socket_, FIONBIO, &nonBlocking);
+        ioctlsocket(socket_, static_cast<long>(FIONBIO), &nonBlocking);
         sockaddr_in address = Address(kLoopback, 0);
         int size = sizeof address;
         EXPECT_EQ(bind(socket_, reinterpret_cast<sockaddr*>(&address), size), 0);
@@ -119,7 +119,8 @@ TEST_F(WindowsQuestions, HowManyDatagramsFitIntoTheReceiveBuffer) {
     do {
         ++received;
     } while (WaitUntil([&] { return receiver.Receive(); }, 500ms));
-    Fact("datagrams of 300 octets that fit into the receive buffer: " + std::to_string(received));
+    Fact("datagrams of 300 octets that fit into a receive buffer for which 32 MiB are requested: " +
+         std::to_string(received));
 }
 
 // sendto documents WSAEACCES for a broadcast address on a socket without SO_BROADCAST.
@@ -153,23 +154,27 @@ TEST_F(WindowsQuestions, WhatAFullBufferAnswers) {
          std::to_string(sent) + ": " + ErrorText(error));
 }
 
+// The codes of the characters beyond ASCII for which `matches` is true.
+std::string CodesOf(bool (*matches)(wchar_t)) {
+    std::string codes;
+    for (unsigned code = 0x80; code < 0x10000; ++code) {
+        if (matches(static_cast<wchar_t>(code))) {
+            char text[16];
+            snprintf(text, sizeof text, " U+%04X", code);
+            codes += text;
+        }
+    }
+    return codes;
+}
+
 TEST_F(WindowsQuestions, WhichCharactersAreWhiteSpaceAndDigits) {
-    std::string spaces;
-    for (unsigned code = 0x80; code < 0x10000; ++code) {
-        if (std::iswspace(static_cast<wint_t>(code)) != 0) {
-            spaces += (spaces.empty() ? "" : " ") + std::to_string(code);
-        }
-    }
-    Fact("white space beyond ASCII: " + spaces);
+    Fact("white space beyond ASCII:" +
+         CodesOf([](wchar_t character) { return std::iswspace(character) != 0; }));
     EXPECT_NE(std::iswspace(L' '), 0);
-    std::string zeros;
-    for (unsigned code = 0x80; code < 0x10000; ++code) {
-        const wchar_t text[] = {static_cast<wchar_t>(code + 7), 0};
-        if (_wtoi(text) == 7) {
-            zeros += (zeros.empty() ? "" : " ") + std::to_string(code);
-        }
-    }
-    Fact("digits beyond ASCII, by the code of each zero: " + zeros);
+    Fact("the digit 7 beyond ASCII:" + CodesOf([](wchar_t character) {
+             const wchar_t text[] = {character, 0};
+             return _wtoi(text) == 7;
+         }));
     EXPECT_EQ(_wtoi(L"7"), 7);
 }
 
