@@ -14,6 +14,7 @@ from harness.pictures import save_area, save_window
 from harness.places import ROOT
 from harness.program import Program
 from harness.tool_windows import FORWARDING, MONITOR, STATUS
+from harness.win32 import WM_SETICON
 
 PICTURES = ROOT / "docs" / "pictures"
 COLOURS = "64"  # enough for text with smoothed edges
@@ -21,7 +22,6 @@ COLOURS = "64"  # enough for text with smoothed edges
 # make_pictures.sh adds these to the loopback interface.
 SWITCH, UPS, SERVER, FORWARDING_TARGET = "10.20.0.11", "10.20.0.40", "10.20.0.7", ("10.20.0.5", 1162)
 
-WM_SETICON = 0x0080
 NO_ICON = 1  # no valid handle, so the title bar is drawn without Wine's own default icon
 
 

@@ -1,6 +1,7 @@
 """The numbers of Windows that the recipes and the harness use, under the names of its headers."""
 
 WM_CLOSE = 0x0010
+WM_SETICON = 0x0080
 WM_KEYDOWN = 0x0100
 WM_KEYUP = 0x0101
 WM_CHAR = 0x0102
