@@ -43,5 +43,5 @@ def ready(clone, user, prefixes):
     clone.add_programs()
     clone.hand_over()
     clone.environment["QUILLMONT_WINE_FOLDER"] = str(prefixes)
-    user.need_private_network(clone.folder)
+    user.need_network(clone.folder)
     return clone

@@ -34,8 +34,9 @@ def test_each_user_has_a_place_of_their_own_for_wine_prefixes(clone, user):
     assert (code, output) == (0, f"{clone.folder}/build/wine/{user.number}\n")
 
 
-def test_a_private_display_is_reached_from_its_own_network_only(ready):
+def test_a_private_display_is_reached_from_its_own_network_only(ready, user):
     """A socket in the file system would be everybody's, and would take the place of one of the user's own."""
+    user.need_private_network(ready.folder)
     command = ["grep", "--only-matching", "@*/tmp/.X11-unix/.*", "/proc/net/unix"]
     code, output = ready.run("scripts/run_on_private_desktop.sh", *command)
     assert code == 0

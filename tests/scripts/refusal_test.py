@@ -22,6 +22,13 @@ def fresh(clone):
     return clone
 
 
+@pytest.fixture
+def allowed(fresh, user):
+    """The same, where the user may have the network that run.sh needs: that is asked first."""
+    user.need_network(fresh.folder)
+    return fresh
+
+
 def expect_refusal(clone, sentence, *command):
     code, output = clone.run(*(command or ["./run.sh"]), seconds=AT_ONCE_SECONDS)
     assert code not in (0, None)
@@ -39,35 +46,34 @@ def test_refused_user_namespaces_end_it_before_anything_is_installed(fresh, user
     expect_refusal(fresh, "This machine refuses ordinary users a private network (user namespaces)")
 
 
-def test_whether_a_private_network_is_allowed_is_asked_before_anything_is_installed(fresh, user):
-    user.need_private_network(fresh.folder)
-    assert fresh.run("scripts/in_private_network.sh", "--check", seconds=AT_ONCE_SECONDS) == (0, "")
+def test_whether_a_network_is_allowed_is_asked_before_anything_is_installed(allowed):
+    assert allowed.run("scripts/in_private_network.sh", "--check", seconds=AT_ONCE_SECONDS) == (0, "")
 
 
-def test_a_missing_sudo_is_said_with_what_it_was_needed_for(fresh, user):
+def test_a_missing_sudo_is_said_with_what_it_was_needed_for(allowed, user):
     if user.name == "root":
         pytest.skip("Root needs no sudo.")
-    fresh.hide_command("sudo")
-    (fresh.commands / "sudo").unlink()
-    expect_refusal(fresh, "There is no sudo here; as root run: apt-get install --no-install-recommends cmake ninja")
+    allowed.hide_command("sudo")
+    (allowed.commands / "sudo").unlink()
+    expect_refusal(allowed, "There is no sudo here; as root run: apt-get install --no-install-recommends cmake ninja")
 
 
 @pytest.mark.parametrize("failing", ["update", "install"])
-def test_a_failing_apt_is_said_below_its_own_words(fresh, failing):
-    fresh.add_command("apt-get", f'[ "$1" != {failing} ] || {{ echo "E: no network" >&2; exit 100; }}')
-    expect_refusal(fresh, "These packages could not be installed; the lines above say why: cmake ninja-build")
+def test_a_failing_apt_is_said_below_its_own_words(allowed, failing):
+    allowed.add_command("apt-get", f'[ "$1" != {failing} ] || {{ echo "E: no network" >&2; exit 100; }}')
+    expect_refusal(allowed, "These packages could not be installed; the lines above say why: cmake ninja-build")
 
 
-def test_a_refused_sudo_is_said_below_its_own_words(fresh, user):
+def test_a_refused_sudo_is_said_below_its_own_words(allowed, user):
     if user.name == "root":
         pytest.skip("Root needs no sudo.")
-    fresh.add_command("sudo", 'echo "sudo: a password is required" >&2; exit 1')
-    expect_refusal(fresh, "These packages could not be installed; the lines above say why: cmake ninja-build")
+    allowed.add_command("sudo", 'echo "sudo: a password is required" >&2; exit 1')
+    expect_refusal(allowed, "These packages could not be installed; the lines above say why: cmake ninja-build")
 
 
-def test_a_system_without_apt_is_told_what_to_install(fresh):
-    fresh.hide_command("apt-get")
-    expect_refusal(fresh, "There is no apt-get here; install these by the means of this system: cmake ninja-build")
+def test_a_system_without_apt_is_told_what_to_install(allowed):
+    allowed.hide_command("apt-get")
+    expect_refusal(allowed, "There is no apt-get here; install these by the means of this system: cmake ninja-build")
 
 
 def test_a_folder_that_somebody_else_has_built_in_is_said_whose_it_is(clone, user):
