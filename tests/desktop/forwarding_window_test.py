@@ -11,7 +11,6 @@ SAVE = 200
 CANCEL = 201
 CHECK, IP, PORT = "Forwarding enabled:", "Forward IP:", "Forward Port:"
 
-
 UPDATED = "Forwarding updated."
 SAVED = "Config saved."
 
@@ -58,7 +57,6 @@ def test_the_check_box_toggles_by_click(program):
 
 
 def test_saving_writes_the_file_logs_and_closes(program, data):
-    before = len(data.log_messages())
     data.wait_for_start()
     before = len(data.log_messages())
     open_and_save(program, 1, "10.20.30.40", "8162")
@@ -74,20 +72,10 @@ def test_saving_writes_the_file_logs_and_closes(program, data):
 
 PORTS = {
     "zero": ("0", 162),
-    "minus_1": ("-1", 162),
     "65536": ("65536", 162),
-    "letters": ("abc", 162),
     "nothing": ("", 162),
     "65535": ("65535", 65535),
-    "1": ("1", 1),
-    "blank_999": (" 999", 999),
-    "999_letter": ("999x", 999),
-    "plus_999": ("+999", 999),
-    "leading_zeros": ("000999", 999),
-    "4294968296": ("4294968296", 162),
-    "2147483648": ("2147483648", 162),
-    "1_point_5": ("1.5", 1),
-    "hexadecimal": ("0x10", 162),
+    "blank_999_letter": (" 999x", 999),
     "only_62_characters_are_read": (" " * 60 + "1234", 12),
 }
 

@@ -14,9 +14,6 @@ from harness.win32 import (
     SYSTEM_STYLES,
     WM_CLOSE,
     WM_COMMAND,
-    WM_CTLCOLORBTN,
-    WM_CTLCOLOREDIT,
-    WM_CTLCOLORSTATIC,
     WM_SYSCOMMAND,
     WS_CHILD,
     WS_MINIMIZE,
@@ -75,16 +72,6 @@ def test_its_place_is_left_to_the_system(data, start):
     assert (left, top) == (123, 77)
 
 
-def test_the_class_has_the_white_brush_and_the_arrow_and_neither_icon_nor_menu(program):
-    program.attach_spy()
-    seen = program.main.window_class
-    assert (seen.brush.solid, seen.brush.colour) == (True, WHITE)
-    assert seen.style == 0
-    assert seen.arrow
-    assert not seen.icon
-    assert not seen.menu
-
-
 def test_the_five_buttons_are_created_in_order_with_their_places_styles_and_ids(program):
     assert [describe_control(control) for control in program.main.children()] == BUTTONS
 
@@ -133,7 +120,7 @@ def test_the_first_button_stops_and_restarts_the_receiver(program, data):
 
 
 def test_a_real_mouse_click_on_the_first_button_stops_the_receiver(program):
-    program.main.mouse_click(44 + 70, 10 + 16)
+    program.driver("mouse_click", program.main.handle, 44 + 70, 10 + 16)
     program.wait_stopped()
     wait_for_disc(program, RED)
 
@@ -247,31 +234,6 @@ def test_closing_after_a_failed_start_saves_and_exits_with_0(data, start):
         assert program.close() == 0
     assert data.log_messages()[-1] == "Config saved."
     assert data.log_messages().count("Server stopped.") == 0
-
-
-def test_painting_a_thousand_times_leaks_no_brush(program):
-    program.attach_spy()
-    program.main.repaint()
-    before = program.main.gdi_objects()
-    assert before > 0
-    for _ in range(1000):
-        program.main.repaint()
-    assert program.main.gdi_objects() <= before + 2
-
-
-@pytest.mark.parametrize("message", [WM_CTLCOLOREDIT, WM_CTLCOLORSTATIC], ids=["edit", "static"])
-def test_edit_and_static_colouring_is_black_on_opaque_white_with_the_background_brush(program, message):
-    program.attach_spy()
-    answer = program.main.controls()[0].colouring(message)
-    opaque = 2
-    assert (answer.backgroundMode, answer.background, answer.text) == (opaque, WHITE, BLACK)
-    assert answer.brush.handle == program.main.window_class.brush.handle
-
-
-def test_button_colouring_is_left_to_the_system(program):
-    program.attach_spy()
-    answer = program.main.controls()[0].colouring(WM_CTLCOLORBTN)
-    assert answer.brush.handle != program.main.window_class.brush.handle
 
 
 def test_the_tool_windows_minimise_and_come_back_with_the_main_window(program, data):

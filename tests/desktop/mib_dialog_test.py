@@ -13,7 +13,7 @@ def test_the_dialog_has_its_title_its_filters_and_the_status_window_as_owner(pro
     dialog = FileDialog(program, status)
     assert dialog.window.facts.text == IMPORT_TITLE
     assert dialog.window.facts.owner == status.handle
-    assert dialog.filter.combo_items() == ["MIB files (*.mib;*.txt)", "All files"]
+    assert program.driver("combo_items", dialog.filter.handle) == ["MIB files (*.mib;*.txt)", "All files"]
     assert dialog.filter.send(CB_GETCURSEL) == 0
     dialog.cancel()
 
@@ -21,7 +21,7 @@ def test_the_dialog_has_its_title_its_filters_and_the_status_window_as_owner(pro
 @pytest.mark.parametrize("leave", ["choose", "cancel"])
 def test_the_dialog_leaves_the_program_in_the_folder_where_it_was(program, status, samples, leave):
     program.attach_spy()
-    before = program.main.current_folder()
+    before = program.driver("spy_folder", program.main.handle)["currentFolder"]
     dialog = FileDialog(program, status)
     if leave == "choose":
         dialog.choose(samples.add("one.mib", mib("one", 9991)))
@@ -29,7 +29,7 @@ def test_the_dialog_leaves_the_program_in_the_folder_where_it_was(program, statu
         dialog.go_to(samples.windows_folder)
         dialog.cancel()
     program.settle()
-    assert program.main.current_folder() == before
+    assert program.driver("spy_folder", program.main.handle)["currentFolder"] == before
     assert before != samples.windows_folder
 
 

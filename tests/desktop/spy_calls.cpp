@@ -35,10 +35,6 @@ std::wstring Number(HWND window) {
     return std::to_wstring(std::bit_cast<INT_PTR>(window));
 }
 
-std::wstring Place(int number) {
-    return number == CW_USEDEFAULT ? L"default" : std::to_wstring(number);
-}
-
 // All texts up to the empty one that ends them.
 std::wstring FilterText(const wchar_t* filter) {
     std::wstring text;
@@ -54,21 +50,8 @@ std::wstring TextOrNone(const wchar_t* text) {
     return text ? text : L"none";
 }
 
-HWND WINAPI SeeCreateWindowExW(DWORD exStyle, LPCWSTR className, LPCWSTR text, DWORD style, int x, int y,
-                               int width, int height, HWND parent, HMENU menu, HINSTANCE instance,
-                               LPVOID parameter) {
-    if ((style & WS_CHILD) == 0) {
-        Note(std::wstring(L"CreateWindowExW ") + className + L" " + Place(x) + L" " + Place(y));
-    }
-    return CreateWindowExW(exStyle, className, text, style, x, y, width, height, parent, menu, instance,
-                           parameter);
-}
-
 LRESULT WINAPI SeeSendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
-        case WM_SETFONT:
-            Note(L"WM_SETFONT " + Number(window));
-            break;
         case WM_SETREDRAW:
             Note(L"WM_SETREDRAW " + Number(window) + L" " + std::to_wstring(wParam));
             break;
@@ -84,17 +67,6 @@ LRESULT WINAPI SeeSendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM 
 BOOL WINAPI SeeInvalidateRect(HWND window, const RECT* rectangle, BOOL erase) {
     Note(L"InvalidateRect " + Number(window) + (rectangle ? L" part " : L" whole ") + std::to_wstring(erase));
     return InvalidateRect(window, rectangle, erase);
-}
-
-UINT_PTR WINAPI SeeSetTimer(HWND window, UINT_PTR timer, UINT milliseconds, TIMERPROC procedure) {
-    Note(L"SetTimer " + Number(window) + L" " + std::to_wstring(timer) + L" " +
-         std::to_wstring(milliseconds));
-    return SetTimer(window, timer, milliseconds, procedure);
-}
-
-BOOL WINAPI SeeShowWindow(HWND window, int command) {
-    Note(L"ShowWindow " + Number(window) + L" " + std::to_wstring(command));
-    return ShowWindow(window, command);
 }
 
 int WINAPI SeeMessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type) {
@@ -149,14 +121,9 @@ const void* AddressOf(Function function) {
 }
 
 const Catch catches[] = {
-    {"CreateWindowExW", AddressOf(&SeeCreateWindowExW)},
-    {"SendMessageW", AddressOf(&SeeSendMessageW)},
-    {"ShowWindow", AddressOf(&SeeShowWindow)},
-    {"MessageBoxW", AddressOf(&SeeMessageBoxW)},
-    {"GetOpenFileNameW", AddressOf(&SeeGetOpenFileNameW)},
-    {"CreateFileW", AddressOf(&SeeCreateFileW)},
+    {"SendMessageW", AddressOf(&SeeSendMessageW)},         {"MessageBoxW", AddressOf(&SeeMessageBoxW)},
+    {"GetOpenFileNameW", AddressOf(&SeeGetOpenFileNameW)}, {"CreateFileW", AddressOf(&SeeCreateFileW)},
     {"InvalidateRect", AddressOf(&SeeInvalidateRect)},
-    {"SetTimer", AddressOf(&SeeSetTimer)},
 };
 
 void Redirect(const char* name, IMAGE_THUNK_DATA& entry) {

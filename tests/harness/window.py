@@ -101,17 +101,8 @@ class Window:
                 return Window(self.driver, facts.handle)
         raise AssertionError(f"no control {number} in {self.facts.text!r}")
 
-    def descendant(self, class_name, number):
-        for facts in self.descendants():
-            if facts.id == number and facts.__dict__["class"] == class_name:
-                return Window(self.driver, facts.handle)
-        raise AssertionError(f"no {class_name} {number} in {self.facts.text!r}")
-
     def list_items(self):
         return self.driver("list_items", self.handle)
-
-    def combo_items(self):
-        return self.driver("combo_items", self.handle)
 
     @property
     def edit(self):
@@ -125,20 +116,11 @@ class Window:
     def pixels(self, *points):
         return self.driver("pixels", self.handle, *(number for point in points for number in point))
 
-    def pixel(self, x, y):
-        return self.pixels((x, y))[0]
-
     def move(self, x, y):
         self.driver("move", self.handle, x, y)
 
-    def resize(self, width, height):
-        self.driver("resize", self.handle, width, height)
-
     def repaint(self):
         self.driver("repaint", self.handle)
-
-    def mouse_click(self, x, y):
-        self.driver("mouse_click", self.handle, x, y)
 
     def wait_closed(self):
         wait_until(lambda: not self.exists, "the window to be gone")
@@ -167,9 +149,6 @@ class Window:
     def kill_timer(self, number):
         """From here on the window's timer messages are those that a test sends."""
         self.driver("spy_kill_timer", self.handle, number)
-
-    def current_folder(self):
-        return self.driver("spy_folder", self.handle)["currentFolder"]
 
     def gdi_objects(self):
         return self.driver("spy_resources", self.handle)["gdiObjects"]
