@@ -28,14 +28,14 @@ void RunMessageLoop() {
 
 }  // namespace
 
-// Kept: the exit code is always 0, so that whatever starts the program at logon never reports a failure.
+// Intentional: the exit code is always 0, so that what starts the program at sign-in never reports a failure.
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int showCommand) {
     InitCommonControls();
     CreateBackgroundBrush();
     CreateUiFont();
     RunGuarded(InitAppPaths);
     if (!StartSocketLibrary()) {
-        // Kept: ends without a window and without a word; the process takes its brush and font with it.
+        // Intentional: ends silently and without a window. The system frees the brush and the font.
         return 0;
     }
     RunGuarded(LoadConfig);

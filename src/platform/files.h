@@ -14,7 +14,7 @@ bool AppendOctets(const std::wstring& path, std::string_view octets);
 
 // Creates the file or empties it, hidden or not, then writes `octets`. False: it could not be opened or
 // emptied, and is unchanged.
-// Kept: a write that falls short still answers true, since a replaced file has lost its old content already.
+// Intentional: true also when the write falls short, since the old content is lost already.
 bool ReplaceOctets(const std::wstring& path, std::string_view octets);
 
 // Replaces `octets` by what the file has from `offset` to its end, but by at most `most` octets; an offset
@@ -26,12 +26,12 @@ std::optional<uint64_t> ReadOctetsFrom(const std::wstring& path, uint64_t offset
 // The size in octets that the folder lists, without opening the file; nothing when there is no such file.
 std::optional<uint64_t> QueryFileSize(const std::wstring& path);
 
-// Copies a file's content over `target`, whether that exists or not. Hidden, system and read-only files are
-// copied and replaced like any other, and the copy is none of the three: Windows would let it be neither
-// replaced nor removed. False: something is in the way, and the target is unchanged, or the disk is full,
-// and the target is gone or cut.
+// Copies a file over `target`, whether that exists or not. Hidden, system and read-only files are copied and
+// replaced like any other, and the copy is none of the three, since Windows would let it be neither replaced
+// nor removed. False: the source or the target cannot be opened, and the target is unchanged; or the disk is
+// full, and the target is gone or cut.
 bool CopyFileOver(const std::wstring& source, const std::wstring& target);
 
-// True: no file stands there any more, whoever removed it; a read-only file is removed like any other.
-// False: it may not be removed, and is unchanged.
+// Removes a file, read-only or not. True: there is no such file any more, whoever removed it. False: it
+// cannot be removed and is unchanged.
 bool RemoveFile(const std::wstring& path);

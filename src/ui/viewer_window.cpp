@@ -33,7 +33,7 @@ constexpr UINT kPollMilliseconds = 400;
 // No horizontal scrolling, so long lines wrap.
 constexpr DWORD kViewStyle = WS_VSCROLL | ES_MULTILINE | ES_AUTOVSCROLL | ES_READONLY;
 
-constexpr ControlPlace kViewPlace = {.x = 12, .y = 12, .width = 940, .height = 460};
+constexpr ControlPlace kViewPlace = {12, 12, 940, 460};
 
 constexpr ControlRow kMonitorControls[] = {
     {.className = L"EDIT",
@@ -43,7 +43,7 @@ constexpr ControlRow kMonitorControls[] = {
      .handle = &MonitorEdit},
     {.className = L"BUTTON",
      .text = L"Clear SNMP Traps",
-     .place = {.x = 12, .y = 482, .width = 160, .height = 30},
+     .place = {12, 482, 160, 30},
      .id = kClearMonitorCommand},
 };
 constexpr ControlRow kLogControls[] = {
@@ -52,10 +52,7 @@ constexpr ControlRow kLogControls[] = {
      .exStyle = WS_EX_CLIENTEDGE,
      .place = kViewPlace,
      .handle = &LogEdit},
-    {.className = L"BUTTON",
-     .text = L"Clear Log",
-     .place = {.x = 12, .y = 482, .width = 120, .height = 30},
-     .id = kClearLogCommand},
+    {.className = L"BUTTON", .text = L"Clear Log", .place = {12, 482, 120, 30}, .id = kClearLogCommand},
 };
 
 // Everything in which the two viewers differ.

@@ -9,8 +9,8 @@ namespace {
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 constexpr size_t kLargestTransfer = size_t{1} << 30;
 
-// A file that has one of these is not copied over, one that is read-only is not removed, and a copy has those
-// of what it was made from.
+// Windows does not copy over a file that has one of these and does not remove one that is read-only. A copy
+// has those of its source.
 constexpr DWORD kProtecting = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_READONLY;
 
 ScopedHandle OpenFile(const std::wstring& path, DWORD access, DWORD disposition) {
@@ -56,8 +56,8 @@ bool ReadRange(HANDLE file, uint64_t offset, uint64_t size, std::string& octets)
     return true;
 }
 
-// Takes the protecting attributes from a file until the end of the scope, or for good once what they were in
-// the way of has happened.
+// Clears the protecting attributes of a file. They are restored at the end of the scope unless KeepForGood()
+// was called.
 class ScopedUnprotection {
   public:
     explicit ScopedUnprotection(const std::wstring& path)
