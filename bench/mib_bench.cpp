@@ -20,7 +20,8 @@ namespace {
 constexpr size_t kDefinitionsOfFile = 100;
 
 void BM_ParseMibText(benchmark::State& state) {
-    const std::string text = MakeMibText(1, 20 * kDefinitionsOfFile);
+    const std::string octets = MakeMibText(1, 20 * kDefinitionsOfFile);
+    const std::wstring text(octets.begin(), octets.end());
     for (auto unused : state) {
         const std::lock_guard lock(MibStoreLock);
         ClearNameStore();
@@ -63,7 +64,7 @@ void StoreDeferredDefinitions(size_t count) {
     for (size_t place = count; place-- > 0;) {
         const std::wstring parent = place == 0 ? std::wstring(L"enterprises")
                                                : L"sampleObject" + std::to_wstring((place - 1) / kChildren);
-        StoreDefinition(L"sampleObject" + std::to_wstring(place), parent,
+        StoreDefinition(StoreName(L"sampleObject" + std::to_wstring(place)), StoreName(parent),
                         static_cast<int32_t>(place % kChildren));
     }
 }

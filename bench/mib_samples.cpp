@@ -33,7 +33,11 @@ void FillNameStore(size_t names) {
     const std::lock_guard lock(MibStoreLock);
     ClearNameStore();
     for (size_t place = 0; place < names; ++place) {
-        StoreNamedOid(L"sampleObjectOfTable" + std::to_wstring(place), SampleOid(place));
+        const Oid* oid = nullptr;
+        for (const int32_t arc : ParseOidText(SampleOid(place))) {
+            oid = StoreOid(oid, arc);
+        }
+        StoreNamedOid(StoreName(L"sampleObjectOfTable" + std::to_wstring(place)), oid);
     }
 }
 

@@ -45,7 +45,8 @@ BENCHMARK(BM_Datagram<MakeTrapOfTenOctetArcs>)->Apply(SetDatagramSizes);
 // Parses the text and resolves what it defines.
 template <std::string (*MakeText)(size_t size)>
 void BM_MibText(benchmark::State& state) {
-    const std::string text = MakeText(static_cast<size_t>(state.range(0)));
+    const std::string octets = MakeText(static_cast<size_t>(state.range(0)));
+    const std::wstring text(octets.begin(), octets.end());
     for (auto unused : state) {
         const std::lock_guard lock(MibStoreLock);
         ClearNameStore();
@@ -69,9 +70,9 @@ std::string MakeLineOfDefinitions(size_t octets) {
     return RepeatInOneLine("sample OBJECT-TYPE ::= { iso 3 } ", octets);
 }
 
-// The letter by which the scanner looks for its keywords.
-std::string MakeLineOfRareLetters(size_t octets) {
-    return RepeatInOneLine("J", octets);
+// The letter that two keywords begin with.
+std::string MakeLineOfFirstLetters(size_t octets) {
+    return RepeatInOneLine("O", octets);
 }
 
 std::string MakeUnclosedBraces(size_t braces) {
@@ -108,12 +109,52 @@ std::string MakeCycle(size_t definitions) {
     return MakeDefinition(0, definitions - 1) + MakeChain(definitions).substr(MakeChain(1).size());
 }
 
+// Half of the text is one name.
+std::string MakeValuesOfALongName(size_t octets) {
+    std::string text(octets / 2, 'n');
+    text += " OBJECT-TYPE\n";
+    while (text.size() < octets) {
+        text += "::= { b 1 }\n";
+    }
+    return text;
+}
+
+std::string MakeLongIdentifier(size_t octets) {
+    return "big OBJECT IDENTIFIER ::= {" + RepeatInOneLine(" 1", octets) + " -1 }\n";
+}
+
+// Half of the text is one identifier.
+std::string MakeValuesOfALongIdentifier(size_t octets) {
+    std::string text = MakeLongIdentifier(octets / 2);
+    while (text.size() < octets) {
+        text += "::= { big -1 }\n";
+    }
+    return text;
+}
+
+std::string MakeChildrenOfALongIdentifier(size_t octets) {
+    std::string text = MakeLongIdentifier(octets / 2);
+    for (size_t child = 0; text.size() < octets; ++child) {
+        const std::string number = std::to_string(child);
+        text += "c" + number + " OBJECT-TYPE ::= { big " + number + " }\n";
+    }
+    return text;
+}
+
 void SetLineSizes(benchmark::internal::Benchmark* bench) {
     bench->Arg(12500000)->Arg(25000000)->Arg(50000000);
     bench->Complexity(benchmark::oN)->Unit(benchmark::kMillisecond);
 }
 BENCHMARK(BM_MibText<MakeLineOfDefinitions>)->Apply(SetLineSizes);
-BENCHMARK(BM_MibText<MakeLineOfRareLetters>)->Apply(SetLineSizes);
+BENCHMARK(BM_MibText<MakeLineOfFirstLetters>)->Apply(SetLineSizes);
+
+void SetLongSizes(benchmark::internal::Benchmark* bench) {
+    bench->Arg(2500000)->Arg(5000000)->Arg(10000000);
+    bench->Complexity(benchmark::oN)->Unit(benchmark::kMillisecond);
+}
+BENCHMARK(BM_MibText<MakeValuesOfALongName>)->Apply(SetLongSizes);
+BENCHMARK(BM_MibText<MakeValuesOfALongIdentifier>)->Apply(SetLongSizes);
+BENCHMARK(BM_MibText<MakeChildrenOfALongIdentifier>)->Apply(SetLongSizes);
 
 void SetBraceCounts(benchmark::internal::Benchmark* bench) {
     bench->Arg(250000)->Arg(500000)->Arg(1000000);

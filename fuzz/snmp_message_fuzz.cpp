@@ -8,7 +8,7 @@
 
 #include "fuzz/fuzz_targets.h"
 #include "fuzz/promise.h"
-#include "mib/name_store.h"
+#include "tests/support/mib_tables.h"
 #include "trap/snmp_message.h"
 #include "trap/trap_record.h"
 
@@ -26,7 +26,7 @@ constexpr size_t kMostCharactersPerOctet = 16;
 
 void StoreOneName() {
     const std::lock_guard lock(MibStoreLock);
-    if (OidNameMap.Count() != 1) {
+    if (OidNameMap.size() != 1) {
         ClearNameStore();
         StoreNamedOid(kItsName, kNamedOid);
     }

@@ -4,6 +4,8 @@
 #include <iterator>
 #include <limits>
 
+#include "core/white_space.h"
+
 namespace {
 
 // The zero of each further script whose ten digits the runtime's conversion accepts, ascending.
@@ -41,15 +43,6 @@ wchar_t* WriteDigitsBackwards(wchar_t* end, uint64_t value) {
 }
 
 }  // namespace
-
-bool IsWideSpace(wchar_t character) {
-    const auto code = static_cast<uint32_t>(character);
-    if (code < 0x80) {
-        return code == L' ' || (code >= 0x09 && code <= 0x0D);
-    }
-    return code == 0x85 || code == 0xA0 || code == 0x1680 || (code >= 0x2000 && code <= 0x200A) ||
-           code == 0x2028 || code == 0x2029 || code == 0x202F || code == 0x205F || code == 0x3000;
-}
 
 int32_t ParseDecimalInt(std::wstring_view text) {
     constexpr int64_t kMax = std::numeric_limits<int32_t>::max();

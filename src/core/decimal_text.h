@@ -1,5 +1,5 @@
-// Decimal numbers and white space in text that operators and MIB authors wrote, with the rules of the
-// runtime's _wtoi and iswspace spelled out here, so that every build reads the same file alike.
+// Decimal numbers in text that operators and MIB authors wrote, with the rules of the runtime's _wtoi spelled
+// out here, so that every build reads the same file alike.
 #pragma once
 
 #include <cstddef>
@@ -7,11 +7,7 @@
 #include <string>
 #include <string_view>
 
-// White space as the Windows runtime classes it: the ASCII six, U+0085, U+00A0 and the Unicode
-// space separators.
-bool IsWideSpace(wchar_t character);
-
-// Leading white space (all of the above but U+0085) skipped, an optional sign, digits up to the first other
+// Leading white space (IsWideSpace, but not U+0085) skipped, an optional sign, digits up to the first other
 // character; the rest is ignored. No digits give 0. Clamped to the range of int32_t, never wrapped.
 // The runtime also takes the decimal digits of several other scripts; so does this.
 int32_t ParseDecimalInt(std::wstring_view text);

@@ -14,8 +14,7 @@
 
 namespace {
 
-// From the last dot of the last component on. As the shell has it, a blank behind the dot makes it no
-// extension, and a name may be all extension.
+// From the last dot of the last component on, if no blank follows it.
 std::wstring_view FindExtension(std::wstring_view path) {
     const size_t last = path.find_last_of(L".\\ ");
     return last == std::wstring_view::npos || path[last] != L'.' ? std::wstring_view() : path.substr(last);
@@ -29,18 +28,12 @@ bool ParseMibFiles() {
     });
 }
 
-void TrimTables() {
-    PendingDefinitions.Trim();
-    NameOidMap.Trim();
-    OidNameMap.Trim();
-}
-
 // Asks for no memory: the load may have ended because there was none.
 void LogNameCount() {
     constexpr std::wstring_view kText = L"MIBs loaded. OID mappings: ";
     std::array<wchar_t, kText.size() + kMaxDecimalDigits> message{};
     const wchar_t* end =
-        WriteDecimal(std::copy(kText.begin(), kText.end(), message.data()), OidNameMap.Count());
+        WriteDecimal(std::copy(kText.begin(), kText.end(), message.data()), OidNameMap.size());
     LogMessage({message.data(), static_cast<size_t>(end - message.data())});
 }
 
@@ -60,7 +53,6 @@ void LoadMibFolder() {
     try {
         if (ParseMibFiles()) {
             StoreResolvedDefinitions();
-            TrimTables();
         }
     } catch (...) {
         // What was stored until memory ran out is right as far as it goes and stays.

@@ -1,22 +1,18 @@
 #include "mib/mib_text.h"
 
 #include <algorithm>
-#include <iterator>
-#include <utility>
+#include <vector>
 
 #include "core/decimal_text.h"
-#include "mib/name_store.h"
+#include "core/white_space.h"
 #include "platform/files.h"
 #include "platform/text_decoding.h"
 
 namespace {
 
-constexpr size_t kMaxOctets = 0x7FFFFFFF;  // the system's conversion counts with 32 bits
+using namespace std::string_view_literals;
 
-bool IsSpace(wchar_t character) {
-    return character <= L' ' ? character == L' ' || (character >= L'\t' && character <= L'\r')
-                             : character >= 0x80 && IsWideSpace(character);
-}
+constexpr size_t kMaxOctets = 0x7FFFFFFF;  // the system's conversion counts with 32 bits
 
 bool IsDigit(wchar_t character) {
     return character >= L'0' && character <= L'9';
@@ -27,127 +23,74 @@ bool IsIdentifierCharacter(wchar_t character) {
            IsDigit(character) || character == L'-' || character == L'_';
 }
 
-// Without a way out in the middle, so that compilers test many octets at once.
-bool IsAscii(std::string_view octets) {
-    unsigned char bits = 0;
-    for (const char octet : octets) {
-        bits = static_cast<unsigned char>(bits | static_cast<unsigned char>(octet));
+// The words between the first "{" and the first "}"; none when these two are not there in this order.
+std::vector<std::wstring_view> SplitBracedWords(std::wstring_view statement) {
+    const size_t open = statement.find(L'{');
+    const size_t close = statement.find(L'}');
+    std::vector<std::wstring_view> words;
+    if (open == std::wstring_view::npos || close == std::wstring_view::npos || close < open) {
+        return words;
     }
-    return bits < 0x80;
-}
-
-// Cuts the first word off the front of `text`; empty when there is none.
-std::wstring_view TakeFirstWord(std::wstring_view& text) {
-    const auto start = std::find_if_not(text.begin(), text.end(), IsSpace);
-    const auto end = std::find_if(start, text.end(), IsSpace);
-    text = {end, text.end()};
-    return {start, end};
-}
-
-// The same at the back.
-std::wstring_view TakeLastWord(std::wstring_view& text) {
-    const auto end = std::find_if_not(text.rbegin(), text.rend(), IsSpace);
-    const auto start = std::find_if(end, text.rend(), IsSpace);
-    text = {text.begin(), start.base()};
-    return {start.base(), end.base()};
+    const std::wstring_view inner = statement.substr(open + 1, close - open - 1);
+    auto start = std::find_if_not(inner.begin(), inner.end(), IsWideSpace);
+    while (start != inner.end()) {
+        const auto end = std::find_if(start, inner.end(), IsWideSpace);
+        words.emplace_back(start, end);
+        start = std::find_if_not(end, inner.end(), IsWideSpace);
+    }
+    return words;
 }
 
 }  // namespace
 
-MibText ReadMibText(const std::wstring& path) {
+std::wstring ReadMibText(const std::wstring& path) {
     std::string octets;
     // Not read at all when it is too large: a trap file imported by mistake can be larger than the memory.
     if (QueryFileSize(path).value_or(0) <= kMaxOctets) {
         ReadOctetsFrom(path, 0, octets);
-    }
-    return DecodeMibText(std::move(octets));
-}
-
-MibText DecodeMibText(std::string octets) {
-    if (IsAscii(octets)) {
-        return octets;
     }
     std::wstring text;
     DecodeUtf8OrAnsi(octets, text);
     return text;
 }
 
-template <typename Char>
-std::basic_string_view<Char> StripComment(std::basic_string_view<Char> line) {
-    constexpr Char kDashes[] = {'-', '-'};
-    return line.substr(0, line.find(kDashes, 0, 2));
+std::wstring_view StripComment(std::wstring_view line) {
+    return line.substr(0, line.find(L"--"sv));
 }
 
-template <typename Char>
-std::basic_string_view<Char> TrimSpace(std::basic_string_view<Char> text) {
-    const auto start = std::find_if_not(text.begin(), text.end(), IsSpace);
-    const auto end = std::find_if_not(text.rbegin(), std::make_reverse_iterator(start), IsSpace);
-    return {start, end.base()};
-}
-
-template <typename Char>
-std::basic_string_view<Char> LeadingIdentifier(std::basic_string_view<Char> line) {
-    const auto start = std::find_if_not(line.begin(), line.end(), IsSpace);
+std::wstring_view LeadingIdentifier(std::wstring_view line) {
+    const auto start = std::find_if_not(line.begin(), line.end(), IsWideSpace);
     return {start, std::find_if_not(start, line.end(), IsIdentifierCharacter)};
-}
-
-template std::string_view StripComment(std::string_view);
-template std::wstring_view StripComment(std::wstring_view);
-template std::string_view TrimSpace(std::string_view);
-template std::wstring_view TrimSpace(std::wstring_view);
-template std::string_view LeadingIdentifier(std::string_view);
-template std::wstring_view LeadingIdentifier(std::wstring_view);
-
-bool FindBracedText(std::wstring_view statement, std::wstring_view* inner) {
-    const size_t open = statement.find(L'{');
-    const size_t close = statement.find(L'}');
-    if (open == std::wstring_view::npos || close == std::wstring_view::npos || close < open) {
-        return false;
-    }
-    *inner = TrimSpace(statement.substr(open + 1, close - open - 1));
-    return true;
 }
 
 bool ParseParentAndSubId(std::wstring_view statement, std::wstring_view* parent, int32_t* subId) {
     *parent = {};
     *subId = -1;
-    std::wstring_view words;
-    if (!FindBracedText(statement, &words)) {
+    const std::vector<std::wstring_view> words = SplitBracedWords(statement);
+    if (words.size() < 2) {
         return false;
     }
-    const std::wstring_view last = TakeLastWord(words);
-    const std::wstring_view lastButOne = TakeLastWord(words);
-    if (lastButOne.empty()) {
-        return false;
-    }
-    *parent = lastButOne;
-    *subId = ParseDecimalInt(last);
+    *parent = words[words.size() - 2];
+    *subId = ParseDecimalInt(words.back());
     return *subId >= 0;
 }
 
-void AddOidComponent(std::wstring_view word, std::vector<int32_t>& arcs) {
-    word = TrimSpace(word);
-    if (word.empty()) {
-        return;
-    }
+const Oid* AddOidComponent(std::wstring_view word, const Oid* oid) {
     const size_t open = word.find(L'(');
     const size_t close = word.find(L')');
     if (open != std::wstring_view::npos && close != std::wstring_view::npos && close > open + 1) {
-        arcs.push_back(ParseDecimalInt(word.substr(open + 1, close - open - 1)));
-    } else if (std::all_of(word.begin(), word.end(), IsDigit)) {
-        arcs.push_back(ParseDecimalInt(word));
-    } else if (arcs.empty()) {
-        ResolveName(word, arcs);
+        return StoreOid(oid, ParseDecimalInt(word.substr(open + 1, close - open - 1)));
     }
+    if (std::all_of(word.begin(), word.end(), IsDigit)) {
+        return StoreOid(oid, ParseDecimalInt(word));
+    }
+    return oid == nullptr ? ResolveName(StoreName(word)) : oid;
 }
 
-std::wstring ParseOidValue(std::wstring_view statement) {
-    std::wstring_view words;
-    std::vector<int32_t> arcs;
-    if (FindBracedText(statement, &words)) {
-        while (!words.empty()) {
-            AddOidComponent(TakeFirstWord(words), arcs);
-        }
+const Oid* ParseOidValue(std::wstring_view statement) {
+    const Oid* oid = nullptr;
+    for (const std::wstring_view word : SplitBracedWords(statement)) {
+        oid = AddOidComponent(word, oid);
     }
-    return arcs.size() < 2 ? std::wstring() : FormatOidText(arcs);
+    return oid == nullptr || oid->parent == nullptr ? nullptr : oid;
 }

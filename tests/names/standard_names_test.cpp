@@ -102,11 +102,7 @@ class StandardNamesTest : public testing::Test {
 
 Names StoredNames() {
     const std::lock_guard lock(MibStoreLock);
-    Names names;
-    for (const auto& row : OidNameMap.Rows()) {
-        names.emplace(row.key.View(), row.value.View());
-    }
-    return names;
+    return CopyOidNames();
 }
 
 Paths MibFilesIn(const std::filesystem::path& folder) {

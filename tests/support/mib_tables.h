@@ -1,14 +1,15 @@
-// Looking into the tables of the MIB name store, and filling them from text, with MibStoreLock held as in
-// a load.
+// Reading the tables of the MIB name store as text, and filling them from text.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <mutex>
 #include <optional>
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "mib/mib_parser.h"
 #include "mib/name_store.h"
@@ -28,6 +29,49 @@ class FreshNameStore {
     }
 };
 
+// ---- Filling; the caller holds MibStoreLock where another thread reads
+
+inline const Oid* StoreOid(std::wstring_view text) {
+    const Oid* oid = nullptr;
+    for (const int32_t arc : ParseOidText(text)) {
+        oid = StoreOid(oid, arc);
+    }
+    return oid;
+}
+
+inline void StoreNamedOid(std::wstring_view name, std::wstring_view oid) {
+    StoreNamedOid(StoreName(name), StoreOid(oid));
+}
+
+inline void StoreDefinition(std::wstring_view name, std::wstring_view parent, int32_t subId) {
+    StoreDefinition(StoreName(name), StoreName(parent), subId);
+}
+
+inline void ParseText(std::wstring_view text) {
+    const std::lock_guard lock(MibStoreLock);
+    ParseMibText(text);
+}
+
+inline void ResolveAll() {
+    const std::lock_guard lock(MibStoreLock);
+    StoreResolvedDefinitions();
+}
+
+// ---- Reading; the caller does not hold MibStoreLock, unless it says so
+
+// The decimal arcs joined by "."; empty for null.
+inline std::wstring FormatOid(const Oid* oid) {
+    std::vector<int32_t> arcs;  // the last one first
+    for (; oid != nullptr; oid = oid->parent) {
+        arcs.push_back(oid->arc);
+    }
+    std::wstring text;
+    for (auto arc = arcs.rbegin(); arc != arcs.rend(); ++arc) {
+        text += (text.empty() ? L"" : L".") + std::to_wstring(*arc);
+    }
+    return text;
+}
+
 struct Definition {
     std::wstring parent;
     int32_t subId = 0;
@@ -42,18 +86,18 @@ inline void PrintTo(const Definition& definition, std::ostream* out) {
 
 inline std::optional<Definition> DefinitionOf(std::wstring_view name) {
     const std::lock_guard lock(MibStoreLock);
-    const auto* row = PendingDefinitions.Find(name);
-    if (row == nullptr) {
+    const auto row = NameOidMap.find(name);
+    if (row == NameOidMap.end() || row->second.definition.parent == nullptr) {
         return std::nullopt;
     }
-    return Definition{std::wstring(row->value.parent.View()), row->value.subId, row->value.valid};
+    const PendingDefinition& definition = row->second.definition;
+    return Definition{std::wstring(definition.parent->text), definition.subId, definition.valid};
 }
 
-// Empty: none.
+// What the name stands for; empty: nothing.
 inline std::wstring OidOf(std::wstring_view name) {
     const std::lock_guard lock(MibStoreLock);
-    const auto* row = NameOidMap.Find(name);
-    return row == nullptr ? std::wstring() : std::wstring(row->value.View());
+    return FormatOid(ResolveName(StoreName(name)));
 }
 
 inline std::wstring NameOf(std::wstring_view oid) {
@@ -64,15 +108,14 @@ inline std::wstring NameOf(std::wstring_view oid) {
 
 inline size_t CountDefinitions() {
     const std::lock_guard lock(MibStoreLock);
-    return PendingDefinitions.Count();
+    return PendingDefinitions.size();
 }
 
-inline void ParseText(std::wstring_view text) {
-    const std::lock_guard lock(MibStoreLock);
-    ParseMibText(text);
-}
-
-inline void ResolveAll() {
-    const std::lock_guard lock(MibStoreLock);
-    StoreResolvedDefinitions();
+// The table of names, as text. The caller holds MibStoreLock.
+inline std::map<std::wstring, std::wstring> CopyOidNames() {
+    std::map<std::wstring, std::wstring> names;
+    for (const auto& [oid, name] : OidNameMap) {
+        names.emplace(FormatOid(oid), name->text);
+    }
+    return names;
 }

@@ -7,11 +7,13 @@ namespace {
 
 // Not atomic: no two threads of these programs ask at the same time.
 size_t requestCount = 0;
+size_t octetCount = 0;
 size_t refusedRequest = kNoRequest;
 Shortage shortage = Shortage::OneRequest;
 
 void* Allocate(size_t size) {
     const size_t request = requestCount++;
+    octetCount += size;
     const bool refused =
         shortage == Shortage::OneRequest ? request == refusedRequest : request >= refusedRequest;
     return refused ? nullptr : std::malloc(std::max<size_t>(size, 1));
@@ -29,6 +31,7 @@ void* AllocateOrThrow(size_t size) {
 
 ScopedShortage::ScopedShortage(size_t request, Shortage kind) {
     requestCount = 0;
+    octetCount = 0;
     shortage = kind;
     refusedRequest = request;
 }
@@ -39,6 +42,10 @@ ScopedShortage::~ScopedShortage() {
 
 size_t ScopedShortage::requests() {
     return requestCount;
+}
+
+size_t ScopedShortage::octets() {
+    return octetCount;
 }
 
 // All forms but the over-aligned ones, which nothing here uses: the runtime's own would not always come back

@@ -23,6 +23,7 @@ class ScopedShortage {
     ScopedShortage& operator=(const ScopedShortage&) = delete;
 
     static size_t requests();  // made since the last one began
+    static size_t octets();    // that these asked for
 };
 
 enum class Outcome { Returned, NoMemory, OtherException };
@@ -30,6 +31,7 @@ enum class Outcome { Returned, NoMemory, OtherException };
 struct Attempt {
     Outcome outcome = Outcome::Returned;
     size_t requests = 0;   // that it made
+    size_t octets = 0;     // that these asked for
     bool refused = false;  // whether it came as far as the refused one
 };
 
@@ -45,6 +47,7 @@ Attempt Try(const Action& action, size_t request = kNoRequest, Shortage kind = S
         attempt.outcome = Outcome::OtherException;
     }
     attempt.requests = ScopedShortage::requests();
+    attempt.octets = ScopedShortage::octets();
     attempt.refused = request < attempt.requests;
     return attempt;
 }

@@ -27,7 +27,6 @@
 #include "tests/support/scarce_memory.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/stamps.h"
-#include "tests/unit/mib_reference.h"
 #include "trap/server_state.h"
 #include "trap/snmp_message.h"
 #include "trap/trap_record.h"
@@ -50,84 +49,136 @@ TEST(MemoryShortage, RefusesWhatItIsToldToRefuse) {
 
 // ---- The tables
 
-// CopyMibTables has looked at the rows.
-void ExpectWholeTables(const MibTables& tables) {
-    for (const auto& [oid, name] : tables.nameOfOid) {
-        EXPECT_TRUE(tables.oidOfName.contains(name)) << ::testing::PrintToString(oid);
+// The table of names and the pending definitions, as text.
+struct MibTables {
+    std::map<std::wstring, std::wstring> names;  // by identifier
+    std::vector<std::wstring> definitions;
+
+    bool operator==(const MibTables&) const = default;
+};
+
+// The test fails when a row is not whole. Caller holds MibStoreLock.
+MibTables CopyMibTables() {
+    MibTables tables{CopyOidNames(), {}};
+    for (const auto& [text, name] : NameOidMap) {
+        EXPECT_EQ(name.text, text);
+        EXPECT_EQ(name.definition.valid, name.definition.parent != nullptr);
     }
+    for (const auto& [oid, name] : tables.names) {
+        EXPECT_TRUE(NameOidMap.contains(name)) << ::testing::PrintToString(oid);
+    }
+    for (const MibName* name : PendingDefinitions) {
+        const auto& [parent, subId, valid] = name->definition;
+        EXPECT_TRUE(valid);
+        tables.definitions.push_back(std::wstring(name->text) + L" " + std::wstring(parent->text) + L" " +
+                                     std::to_wstring(subId));
+    }
+    return tables;
 }
 
-// Enough for every table and list to grow several times, values of every kind, and a name too long for the
-// room that texts share.
-std::string MakeModule() {
-    std::string text;
+// Enough for every table and list to grow several times, and values of every kind.
+std::wstring MakeModule() {
+    std::wstring text;
     for (int number = 0; number < 60; ++number) {
-        const std::string id = std::to_string(number);
-        const std::string parent = number == 0 ? "iso" : "name" + std::to_string(number / 2);
-        text += "name" + id + " OBJECT-TYPE\n::= { " + parent + " " + id + " }\n";
+        const std::wstring id = std::to_wstring(number);
+        const std::wstring parent = number == 0 ? L"iso" : L"name" + std::to_wstring(number / 2);
+        text += L"name" + id + L" OBJECT-TYPE\n::= { " + parent + L" " + id + L" }\n";
         if (number % 10 == 0) {
-            text += "direct" + id + " OBJECT IDENTIFIER ::= {\n iso org(3) x(" + id + ") -1 }\n";
+            text += L"direct" + id + L" OBJECT IDENTIFIER ::= {\n iso org(3) x(" + id + L") -1 }\n";
         }
     }
-    text += std::string(70'000, 'z') + " OBJECT-TYPE ::= { mgmt 2 }\n";
-    return text + "last OBJECT IDENTIFIER ::= { name5 }\n";
+    return text + L"last OBJECT IDENTIFIER ::= { name5 }\n";
 }
 
-template <typename Text>
-void TestLoadsOf(const Text& text) {
+void LoadText(std::wstring_view text) {
+    ParseMibText(text);
+    StoreResolvedDefinitions();
+}
+
+TEST(MemoryShortage, LoadLeavesTheTablesWhole) {
     const std::lock_guard lock(MibStoreLock);
-    const auto load = [&] {
-        ParseMibText(text);
-        StoreResolvedDefinitions();
-    };
+    const std::wstring text = MakeModule();
     const auto loadAndCopy = [&] {
-        load();
+        LoadText(text);
         return CopyMibTables();
     };
     ClearNameStore();
     const MibTables whole = loadAndCopy();
-    EXPECT_GT(whole.nameOfOid.size(), 60U);
+    EXPECT_GT(whole.names.size(), 60U);
+    const auto load = [&] { LoadText(text); };
     const size_t refused =
         RefuseEachRequest(Shortage::OneRequest, ClearNameStore, load, [&](const Attempt& attempt, size_t) {
             EXPECT_EQ(attempt.outcome, Outcome::NoMemory);
-            ExpectWholeTables(CopyMibTables());
+            CopyMibTables();
             // What is left must be fit to be built on, and must not outlive a clearing.
             EXPECT_EQ(loadAndCopy(), whole);
             ClearNameStore();
             EXPECT_EQ(loadAndCopy(), whole);
         });
-    EXPECT_GT(refused, 50U);
+    EXPECT_GT(refused, 200U);
     EXPECT_EQ(CopyMibTables(), whole);
     ClearNameStore();
 }
 
-TEST(MemoryShortage, LoadOfANarrowTextLeavesTheTablesWhole) {
-    TestLoadsOf(MakeModule());
-}
-
-TEST(MemoryShortage, LoadOfAWideTextLeavesTheTablesWhole) {
-    const std::string text = MakeModule();
-    TestLoadsOf(std::wstring(text.begin(), text.end()));
-}
-
-TEST(MemoryShortage, TableGrowsWhenMoreThanThreeQuartersOfItsSlotsWouldBeTaken) {
+// All the memory that a load of the text asks for, in octets for each character. A load that copied, hashed
+// or formatted the long part of these texts for every value would not end in time.
+size_t LoadedOctetsPerCharacter(const std::wstring& text, size_t expectedNames) {
     const std::lock_guard lock(MibStoreLock);
     ClearNameStore();
-    {
-        TextTable<int> table;
-        for (int row = 1; row <= 97; ++row) {
-            const PooledText key = KeepText(L"name" + std::to_wstring(row));
-            const size_t requests = Try([&] { table.Add(key, row); }).requests;
-            // The rows' own memory is never used up at any of these.
-            if (row == 12 || row == 24 || row == 48 || row == 96) {
-                EXPECT_EQ(requests, 0U) << row;
-            }
-            if (row == 13 || row == 25 || row == 49 || row == 97) {
-                EXPECT_EQ(requests, 1U) << row;
-            }
-        }
-    }
+    const Attempt load = Try([&] { LoadText(text); });
+    EXPECT_EQ(load.outcome, Outcome::Returned);
+    EXPECT_EQ(OidNameMap.size(), expectedNames);
     ClearNameStore();
+    return load.octets / text.size();
+}
+
+constexpr size_t kLong = 1'000'000;
+constexpr int kMany = 100'000;
+constexpr size_t kMostOctetsPerCharacter = 100;
+
+std::wstring Repeat(std::wstring_view part, size_t times) {
+    std::wstring text;
+    for (; times > 0; --times) {
+        text += part;
+    }
+    return text;
+}
+
+TEST(MemoryShortage, ManyValuesOfALongNameCostNoMoreThanTheirText) {
+    const std::wstring text =
+        std::wstring(kLong, L'n') + L" OBJECT-TYPE\n" + Repeat(L"::= { mgmt 1 }\n", kMany);
+    EXPECT_LT(LoadedOctetsPerCharacter(text, 1), kMostOctetsPerCharacter);
+}
+
+TEST(MemoryShortage, ManyValuesBelowALongNameCostNoMoreThanTheirText) {
+    std::wstring text = std::wstring(kLong, L'n') + L" OBJECT-TYPE ::= { mgmt 1 }\n" +
+                        L"a OBJECT-TYPE ::= { " + std::wstring(kLong, L'n') + L" 1 }\n";
+    text += L"b OBJECT-TYPE\n" + Repeat(L"::= { a -1 }\n", kMany);
+    EXPECT_LT(LoadedOctetsPerCharacter(text, 2), kMostOctetsPerCharacter);
+}
+
+TEST(MemoryShortage, ManyValuesOfALongIdentifierCostNoMoreThanTheirText) {
+    const std::wstring text = L"big OBJECT IDENTIFIER ::= {" + Repeat(L" 1", kLong) + L" -1 }\n" +
+                              Repeat(L"::= { big -1 }\n", kMany);
+    EXPECT_LT(LoadedOctetsPerCharacter(text, 1), kMostOctetsPerCharacter);
+}
+
+TEST(MemoryShortage, ManyChildrenOfALongIdentifierCostNoMoreThanTheirText) {
+    std::wstring text = L"big OBJECT IDENTIFIER ::= {" + Repeat(L" 1", kLong) + L" -1 }\n";
+    for (int child = 0; child < kMany; ++child) {
+        const std::wstring number = std::to_wstring(child);
+        text += L"c" + number + L" OBJECT-TYPE ::= { big " + number + L" }\n";
+    }
+    EXPECT_LT(LoadedOctetsPerCharacter(text, 1 + kMany), kMostOctetsPerCharacter);
+}
+
+TEST(MemoryShortage, ManyValuesEachBelowTheOneBeforeCostNoMoreThanTheirText) {
+    std::wstring text = L"c0 OBJECT IDENTIFIER ::= { mgmt 1 -1 }\n";
+    for (int place = 1; place < kMany; ++place) {
+        text += L"c" + std::to_wstring(place) + L" OBJECT IDENTIFIER ::= { c" + std::to_wstring(place - 1) +
+                L" 1 -1 }\n";
+    }
+    EXPECT_LT(LoadedOctetsPerCharacter(text, kMany), kMostOctetsPerCharacter);
 }
 
 // ---- The folder and the receiver, which write files
@@ -180,7 +231,7 @@ TEST_P(FilesInAShortage, LoadOfTheFolderEndsInItsLogLineAndThrowsNothing) {
                 "-- \xC3\xA4\nother OBJECT-TYPE\n ::= { name 2 }\nthird OBJECT-TYPE\n ::= { other 3 }\n");
     const Attempt undisturbed = Try([] { LoadMibFolder(); });
     const MibTables whole = CopyTablesLocked();
-    ASSERT_EQ(whole.nameOfOid.size(), 5U);
+    ASSERT_EQ(whole.names.size(), 5U);
     ASSERT_EQ(TakeLog(), LogLineOfALoad());
     // The log is written last, so these are a load's last requests.
     const size_t logRequests = Try([] { LogMessage(L"MIBs loaded. OID mappings: 5"); }).requests;
@@ -198,7 +249,7 @@ TEST_P(FilesInAShortage, LoadOfTheFolderEndsInItsLogLineAndThrowsNothing) {
             if (const std::string log = TakeLog(); logMustBeThere || !log.empty()) {
                 EXPECT_EQ(log, LogLineOfALoad());
             }
-            ExpectWholeTables(CopyTablesLocked());
+            CopyTablesLocked();
             LoadMibFolder();
             EXPECT_EQ(CopyTablesLocked(), whole);
             EXPECT_EQ(TakeLog(), LogLineOfALoad());

@@ -93,22 +93,6 @@ TEST_F(MibFolder, LoadNamesWhatTheFilesDefine) {
     EXPECT_EQ(CountOidNames(), 2);
 }
 
-// The tables stay as they are until the next load: what they grew ahead of it is given back.
-TEST_F(MibFolder, LoadKeepsNoRoomForRowsThatDidNotCome) {
-    std::string octets;
-    for (int number = 0; number < 100; ++number) {
-        const std::string id = std::to_string(number);
-        octets += "name" + id + " OBJECT-TYPE\n::= { mgmt " + id + " }\n";
-    }
-    WriteMib(L"a.mib", octets);
-    LoadMibFolder();
-    const std::lock_guard lock(MibStoreLock);
-    EXPECT_EQ(PendingDefinitions.Count(), 100U);
-    EXPECT_EQ(PendingDefinitions.Rows().capacity(), 100U);
-    EXPECT_EQ(NameOidMap.Rows().capacity(), 100U);
-    EXPECT_EQ(OidNameMap.Rows().capacity(), 100U);
-}
-
 TEST_F(MibFolder, LoadLogsTheCountInOneLine) {
     WriteMib(L"a.mib",
              "a OBJECT-TYPE\n::= { mgmt 1 }\nb OBJECT-TYPE\n::= { mgmt 2 }\nc OBJECT-TYPE\n::= { no 3 }\n");

@@ -6,9 +6,9 @@
 #include <cwchar>
 #include <utility>
 
-#include "mib/name_store.h"
 #include "tests/support/ber_encoder.h"
 #include "tests/support/fenced_octets.h"
+#include "tests/support/mib_tables.h"
 #include "tests/support/sample_messages.h"
 #include "trap/ber_reader.h"
 

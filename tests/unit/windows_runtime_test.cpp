@@ -7,6 +7,7 @@
 #include <random>
 
 #include "core/decimal_text.h"
+#include "core/white_space.h"
 #include "platform/text.h"
 #include "platform/text_decoding.h"
 #include "platform/utf8.h"

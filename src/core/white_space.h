@@ -1,0 +1,15 @@
+// White space in text that operators and MIB authors wrote, with the classes of the Windows runtime's
+// iswspace spelled out, so that every build reads the same file alike.
+#pragma once
+
+#include <cstdint>
+
+// The ASCII six, U+0085, U+00A0 and the Unicode space separators.
+inline bool IsWideSpace(wchar_t character) {
+    const auto code = static_cast<uint32_t>(character);
+    if (code < 0x80) {
+        return code == L' ' || (code >= 0x09 && code <= 0x0D);
+    }
+    return code == 0x85 || code == 0xA0 || code == 0x1680 || (code >= 0x2000 && code <= 0x200A) ||
+           code == 0x2028 || code == 0x2029 || code == 0x202F || code == 0x205F || code == 0x3000;
+}
