@@ -28,12 +28,20 @@ bool WriteSeed(std::string_view target, std::string_view name, std::string_view 
 
 struct Seed {
     std::string_view name;
-    std::string_view octets;
+    std::string octets;
 };
 
 template <size_t Size>
-constexpr std::string_view Whole(const char (&octets)[Size]) {
+std::string Whole(const char (&octets)[Size]) {
     return {octets, Size - 1};
+}
+
+std::string Repeat(std::string_view part, size_t times) {
+    std::string text;
+    for (; times > 0; --times) {
+        text += part;
+    }
+    return text;
 }
 
 const Seed kMibSeeds[] = {
@@ -81,6 +89,12 @@ const Seed kMibSeeds[] = {
     {"braces",
      "a OBJECT IDENTIFIER } ::= { mgmt 1 }\nb OBJECT IDENTIFIER ::= {} {mgmt 2}\nc OBJECT IDENTIFIER "
      "{::=mgmt 3}\n"},
+    {"long_name", std::string(1000, 'n') + " OBJECT-TYPE\n" + Repeat("::= { b 1 }\n", 80)},
+    {"long_identifier",
+     "big OBJECT IDENTIFIER ::= {" + Repeat(" 1", 500) + " -1 }\n" + Repeat("::= { big -1 }\n", 60)},
+    {"long_identifier_with_children",
+     "big OBJECT IDENTIFIER ::= {" + Repeat(" 1", 500) +
+         " -1 }\na OBJECT-TYPE ::= { big 1 }\nb OBJECT-TYPE ::= { big 2 }\nc OBJECT-TYPE ::= { b 3 -1 }\n"},
 };
 
 const Seed kConfigSeeds[] = {

@@ -1,6 +1,7 @@
 #include "mib/name_store.h"
 
 #include <algorithm>
+#include <array>
 #include <unordered_set>
 
 #include "core/decimal_text.h"
@@ -13,7 +14,7 @@ std::vector<MibName*> PendingDefinitions;
 
 namespace {
 
-constexpr int kMaxParentSteps = 64;
+constexpr size_t kMaxParentSteps = 64;
 
 struct OidHash {
     size_t operator()(const Oid& oid) const {
@@ -109,19 +110,22 @@ std::vector<int32_t> ParseOidText(std::wstring_view text) {
     return arcs;
 }
 
-const Oid* ResolveName(const MibName& name, int depth) {
-    if (depth > kMaxParentSteps) {
-        return nullptr;
+const Oid* ResolveName(const MibName& name) {
+    std::array<int32_t, kMaxParentSteps> arcs{};  // below a known name, the last one first
+    size_t steps = 0;
+    const MibName* known = &name;
+    for (; known->oid == nullptr; known = known->definition.parent) {
+        const PendingDefinition& definition = known->definition;
+        if (steps == kMaxParentSteps || !definition.valid || definition.subId < 0) {
+            return nullptr;
+        }
+        arcs[steps++] = definition.subId;
     }
-    if (name.oid != nullptr) {
-        return name.oid;
+    const Oid* oid = known->oid;
+    while (steps > 0) {
+        oid = StoreOid(oid, arcs[--steps]);
     }
-    const PendingDefinition& definition = name.definition;
-    if (!definition.valid || definition.subId < 0) {
-        return nullptr;
-    }
-    const Oid* parent = ResolveName(*definition.parent, depth + 1);
-    return parent == nullptr ? nullptr : StoreOid(parent, definition.subId);
+    return oid;
 }
 
 MibName& StoreName(std::wstring_view text) {

@@ -65,9 +65,9 @@ int32_t CountOidNames();
 std::vector<int32_t> ParseOidText(std::wstring_view text);
 
 // What `name` stands for. Null: the name, or a parent on its way to a known one, is unknown, or the way takes
-// more than 64 - `depth` steps, which is also what ends a circle. A built-in name wins over a learnt
-// identifier, and that over a pending definition. May throw std::bad_alloc. Caller holds MibStoreLock.
-const Oid* ResolveName(const MibName& name, int depth = 0);
+// more than 64 steps, which is also what ends a circle. A built-in name wins over a learnt identifier, and
+// that over a pending definition. May throw std::bad_alloc. Caller holds MibStoreLock.
+const Oid* ResolveName(const MibName& name);
 
 // The writers, for the parser and the load. Caller holds MibStoreLock; when memory runs out (std::bad_alloc)
 // the tables are whole and lack at most what was being stored.

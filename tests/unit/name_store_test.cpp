@@ -168,14 +168,6 @@ TEST_F(NameStore, ChainOf65DefinitionsAboveABuiltinRootDoesNotResolve) {
     EXPECT_EQ(OidOf(L"d65"), L"");
 }
 
-TEST_F(NameStore, DepthReachedBeforeCountsAgainstTheLimit) {
-    DefineChain(L"iso", 3);
-    EXPECT_NE(ResolveName(StoreName(L"d3"), 61), nullptr);
-    EXPECT_EQ(ResolveName(StoreName(L"d3"), 62), nullptr);
-    EXPECT_NE(ResolveName(StoreName(L"iso"), 64), nullptr);
-    EXPECT_EQ(ResolveName(StoreName(L"iso"), 65), nullptr);
-}
-
 TEST_F(NameStore, ResolvingAllHasTheSameLimitInEitherOrder) {
     for (const auto define : {DefineChain, DefineChainFromItsEnd}) {
         ClearNameStore();
