@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Holds packaging/standard_names.txt against MIB files: that somebody defines each name with the identifier that the
-table gives it, and each notification with the objects that it lists.
+"""Compares packaging/standard_names.txt with MIB files: each name must be defined with the identifier in the table, and
+each notification with the objects listed there.
 
 Usage: packaging/check_names.py FOLDER, with the documents' MIB files in it. Debian has none of them, since their
-licence is not free, so this is run by hand when the table changes. Prints the rows that no file bears out.
+licence is not free, so this is run by hand when the table changes. Prints the rows that no file confirms.
 """
 
 import re
@@ -29,7 +29,7 @@ def without_texts(text):
 
 
 class Files:
-    """What each file says of each name: the values it is given, and the objects of a notification."""
+    """The values that each file gives to each name, and the objects of each notification."""
 
     def __init__(self, folder):
         self.objects = {}
@@ -45,25 +45,25 @@ class Files:
             self.objects.setdefault(name, set()).add(listed)
         return values
 
-    def of_value(self, value, file, on_the_way):
-        """The identifiers that a value such as "ifEntry 1" stands for in a file."""
+    def of_value(self, value, file, parents):
+        """Returns the identifiers that a value such as "ifEntry 1" can have in a file."""
         first, *arcs = value.split() or [""]
         arcs = [re.search(r"(\d+)\)?$", arc) for arc in arcs]
         if not all(arcs):
             return set()
         number = re.search(r"(\d+)\)?$", first)
-        bases = self.identifiers(first, file, on_the_way) or ({number[1]} if number else set())
+        bases = self.identifiers(first, file, parents) or ({number[1]} if number else set())
         return {".".join([base, *(arc[1] for arc in arcs)]) for base in bases}
 
-    def identifiers(self, name, file=None, on_the_way=()):
-        """What the file calls so; every identifier that some file calls so when it does not define the name."""
+    def identifiers(self, name, file=None, parents=()):
+        """Returns the identifiers of a name in the file, or in all files if this one does not define it."""
         if name in self.known:
             return self.known[name]
-        if name in on_the_way:
+        if name in parents:
             return set()
         files = [file] if file and name in file else [other for other in self.files if name in other]
-        on_the_way = (*on_the_way, name)
-        return {found for each in files for value in each[name] for found in self.of_value(value, each, on_the_way)}
+        parents = (*parents, name)
+        return {found for each in files for value in each[name] for found in self.of_value(value, each, parents)}
 
 
 def main():
@@ -71,15 +71,15 @@ def main():
     rows = [line.split() for line in (ROOT / "packaging" / "standard_names.txt").read_text().splitlines()]
     rows = [row for row in rows if row and not row[0].startswith("#")]
     faults = 0
-    for name, identifier, kind, *carries in rows:
-        said = files.identifiers(name)
-        if identifier not in said:
+    for name, identifier, kind, *objects in rows:
+        found = files.identifiers(name)
+        if identifier not in found:
             faults += 1
-            print(f"{name} {identifier}: {', '.join(sorted(said, key=len)[:5]) or 'no file defines it'}")
-        if kind == ":" and tuple(carries) not in files.objects.get(name, ()):
+            print(f"{name} {identifier}: {', '.join(sorted(found, key=len)[:5]) or 'no file defines it'}")
+        if kind == ":" and tuple(objects) not in files.objects.get(name, ()):
             faults += 1
-            print(f"{name} carries: {sorted(files.objects.get(name, ()))}")
-    print(f"{len(rows)} rows looked up, {faults} not borne out.")
+            print(f"{name} objects: {sorted(files.objects.get(name, ()))}")
+    print(f"{len(rows)} rows looked up, {faults} not confirmed.")
     return 1 if faults else 0
 
 
