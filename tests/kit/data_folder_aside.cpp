@@ -13,22 +13,23 @@ bool Exists(const std::wstring& path) {
     return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
-// Read-only files too.
-bool RemoveAll(const std::wstring& folder) {
-    std::error_code error;
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder, error)) {
-        SetFileAttributesW(entry.path().c_str(), FILE_ATTRIBUTE_NORMAL);
-    }
-    fs::remove_all(folder, error);
-    return !Exists(folder);
-}
-
 // A virus scanner or an Explorer window may use the folder for a moment.
 bool Retry(const auto& attempt) {
     return WaitUntil(attempt, std::chrono::seconds(10));
 }
 
 }  // namespace
+
+bool RemoveFolder(const std::wstring& folder) {
+    return Retry([&folder] {
+        std::error_code error;
+        for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder, error)) {
+            SetFileAttributesW(entry.path().c_str(), FILE_ATTRIBUTE_NORMAL);
+        }
+        fs::remove_all(folder, error);
+        return !Exists(folder);
+    });
+}
 
 DataFolderAside::DataFolderAside(const std::wstring& folder)
     : folder_(folder), aside_(folder + L".aside-for-check"), nothing_(folder + L".none-before-check") {
@@ -54,10 +55,10 @@ bool DataFolderAside::PutBack() {
     if (!Exists(aside_) && !Exists(nothing_)) {
         return true;
     }
+    if (!RemoveFolder(folder_)) {
+        return false;
+    }
     return Retry([this] {
-        if (Exists(folder_) && !RemoveAll(folder_)) {
-            return false;
-        }
         return (Exists(aside_) ? MoveFileW(aside_.c_str(), folder_.c_str())
                                : RemoveDirectoryW(nothing_.c_str())) != FALSE;
     });

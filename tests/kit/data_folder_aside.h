@@ -3,6 +3,10 @@
 
 #include <string>
 
+// Removes the folder with all that is in it, read-only files too. False: something still uses it after 10
+// seconds.
+bool RemoveFolder(const std::wstring& folder);
+
 class DataFolderAside {
   public:
     // `folder` is the data folder that the program uses. Puts back what a check that was killed left aside.

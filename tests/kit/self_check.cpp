@@ -1,8 +1,7 @@
 #include "tests/kit/self_check.h"
 
-#include <filesystem>
-
 #include "platform/udp_socket.h"
+#include "tests/kit/data_folder_aside.h"
 
 namespace {
 
@@ -26,7 +25,7 @@ void SelfCheck::SetUp() {
         GTEST_SKIP() << "This works in the user's data folder: start it through check.cmd, which moves that "
                         "folder aside.";
     }
-    std::filesystem::remove_all(DataFolder());
+    ASSERT_TRUE(RemoveFolder(DataFolder()));
     StartProgram();
 }
 

@@ -7,6 +7,7 @@
 // After the system's own header, whose types it uses.
 #include <psapi.h>
 
+#include "tests/kit/data_folder_aside.h"
 #include "tests/support/sample_messages.h"
 
 namespace {
@@ -19,7 +20,7 @@ class Figures : public SelfCheck {};
 
 TEST_F(Figures, FromTheStartToListening) {
     EXPECT_EQ(program_->Close(), 0U);
-    std::filesystem::remove_all(DataFolder());
+    ASSERT_TRUE(RemoveFolder(DataFolder()));
     const ULONGLONG start = GetTickCount64();
     StartProgram();
     Fact("from the start of the program to listening: " + MillisecondsSince(start));
