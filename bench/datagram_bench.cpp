@@ -24,11 +24,9 @@ constexpr size_t kUsualBindings = 8;
 
 std::wstring ComposeUsualRecord() {
     const Octets trap = MakeTrap(kUsualBindings);
-    VarbindList bindings;
+    std::vector<VarbindRecord> bindings;
     DecodeSnmpMessage(trap.data(), trap.size(), bindings);
-    std::wstring record;
-    ComposeTrapRecord(ReadLocalTime(), L"127.0.0.1", bindings, record);
-    return record;
+    return ComposeTrapRecord(ReadLocalTime(), L"127.0.0.1", bindings);
 }
 
 void CountDatagrams(benchmark::State& state, size_t octets) {
@@ -38,7 +36,7 @@ void CountDatagrams(benchmark::State& state, size_t octets) {
 
 void BM_Decode(benchmark::State& state) {
     const Octets trap = MakeTrap(static_cast<size_t>(state.range(0)));
-    VarbindList bindings;
+    std::vector<VarbindRecord> bindings;
     for (auto unused : state) {
         DecodeSnmpMessage(trap.data(), trap.size(), bindings);
         benchmark::DoNotOptimize(bindings.size());
@@ -65,13 +63,11 @@ BENCHMARK(BM_NameLookup)->Arg(10000)->Arg(200000)->Arg(500000);
 
 void BM_Compose(benchmark::State& state) {
     const Octets trap = MakeTrap(kUsualBindings);
-    VarbindList bindings;
+    std::vector<VarbindRecord> bindings;
     DecodeSnmpMessage(trap.data(), trap.size(), bindings);
     const LocalTime time = ReadLocalTime();
-    std::wstring record;
     for (auto unused : state) {
-        ComposeTrapRecord(time, L"127.0.0.1", bindings, record);
-        benchmark::DoNotOptimize(record.data());
+        benchmark::DoNotOptimize(ComposeTrapRecord(time, L"127.0.0.1", bindings).data());
     }
     CountDatagrams(state, trap.size());
 }

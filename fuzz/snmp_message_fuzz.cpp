@@ -37,7 +37,7 @@ bool AreEqual(const VarbindRecord& first, const VarbindRecord& second) {
            first.value == second.value;
 }
 
-bool AreEqual(const VarbindList& first, const VarbindList& second) {
+bool AreEqual(const std::vector<VarbindRecord>& first, const std::vector<VarbindRecord>& second) {
     return std::equal(first.begin(), first.end(), second.begin(), second.end(),
                       [](const auto& one, const auto& other) { return AreEqual(one, other); });
 }
@@ -59,9 +59,9 @@ size_t FindMessageEnd(const uint8_t* octets, size_t size) {
     return static_cast<size_t>(std::min<uint64_t>(size, 2 + lengthOctets + length));
 }
 
-void CheckTrailingOctets(const uint8_t* octets, size_t size, const VarbindList& records) {
+void CheckTrailingOctets(const uint8_t* octets, size_t size, const std::vector<VarbindRecord>& records) {
     const size_t end = FindMessageEnd(octets, size);
-    VarbindList again;
+    std::vector<VarbindRecord> again;
     const std::vector<uint8_t> cut(octets, octets + end);
     DecodeSnmpMessage(cut.data(), cut.size(), again);
     Promise(AreEqual(again, records), "octets behind the message change nothing (without them)");
@@ -114,9 +114,8 @@ std::wstring BuildLine(size_t number, const VarbindRecord& record) {
     return line + L"  " + record.type + L" = " + record.value + L"\r\n";
 }
 
-void CheckRecordText(const VarbindList& records, size_t size) {
-    std::wstring text;
-    ComposeTrapRecord({2026, 3, 7, 9, 5, 2, 47}, L"10.1.2.3", records, text);
+void CheckRecordText(const std::vector<VarbindRecord>& records, size_t size) {
+    const std::wstring text = ComposeTrapRecord({2026, 3, 7, 9, 5, 2, 47}, L"10.1.2.3", records);
     std::wstring expected(kHeaderLine);
     for (size_t index = 0; index < records.size(); ++index) {
         expected += BuildLine(index + 1, records[index]);
@@ -130,11 +129,11 @@ void CheckRecordText(const VarbindList& records, size_t size) {
 
 void CheckSnmpMessage(const uint8_t* octets, size_t size) {
     StoreOneName();
-    VarbindList records;
+    std::vector<VarbindRecord> records;
     const bool decoded = DecodeSnmpMessage(octets, size, records);
     Promise(decoded == !records.empty(), "true exactly when a record exists");
     Promise(records.size() <= size / kSmallestBinding, "no more records than the octets have room for");
-    VarbindList reused = records;
+    std::vector<VarbindRecord> reused = records;
     Promise(DecodeSnmpMessage(octets, size, reused) == decoded, "the same octets give the same result");
     Promise(AreEqual(reused, records), "the same octets give the same records");
     for (const VarbindRecord& record : records) {

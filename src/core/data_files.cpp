@@ -4,21 +4,43 @@
 #include <optional>
 
 #include "core/file_text.h"
+#include "core/run_guarded.h"
 #include "platform/files.h"
 #include "platform/text_decoding.h"
 
 std::mutex FileLock;
 
-void AppendToFile(const std::wstring& path, std::wstring_view text) {
-    // Encoded before the lock is taken, so that two threads wait for each other only while a file is open.
+namespace {
+
+// False: nothing was written.
+bool AppendTogether(const std::wstring& path, std::span<const std::wstring> texts) noexcept try {
     std::string octets;
-    AppendFileLines(text, octets);
-    AppendLinesToFile(path, octets);
+    for (const std::wstring& text : texts) {
+        AppendFileLines(text, octets);
+    }
+    const std::lock_guard lock(FileLock);
+    return AppendOctets(path, octets);
+} catch (...) {
+    return false;
 }
 
-void AppendLinesToFile(const std::wstring& path, std::string_view octets) {
+}  // namespace
+
+void AppendToFile(const std::wstring& path, std::wstring_view text) {
+    // Encoded before FileLock is locked, so that two threads wait for each other only while a file is open.
+    std::string octets;
+    AppendFileLines(text, octets);
     const std::lock_guard lock(FileLock);
     AppendOctets(path, octets);
+}
+
+void AppendAllToFile(const std::wstring& path, std::span<const std::wstring> texts) noexcept {
+    if (texts.size() > 1 && AppendTogether(path, texts)) {
+        return;
+    }
+    for (const std::wstring& text : texts) {
+        RunGuarded([&] { AppendToFile(path, text); });
+    }
 }
 
 bool ReplaceFileText(const std::wstring& path, std::wstring_view text) {

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <mutex>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -17,9 +18,10 @@ extern std::mutex FileLock;
 // creates a missing file.
 void AppendToFile(const std::wstring& path, std::wstring_view text);
 
-// Appends several texts with one open, one write and one close: `octets` is what AppendFileLines made of
-// them, one after the other, so that the file holds what as many calls of AppendToFile would have left.
-void AppendLinesToFile(const std::wstring& path, std::string_view octets);
+// Appends each text as AppendToFile would, but all of them with one open and one write. When that fails with
+// nothing written, each text makes its own attempt, in order. Does nothing without texts. Throws nothing: a
+// text for which memory runs out is lost.
+void AppendAllToFile(const std::wstring& path, std::span<const std::wstring> texts) noexcept;
 
 // Replaces the file's content by `text`, without adding a line end. False: the file could not be opened.
 bool ReplaceFileText(const std::wstring& path, std::wstring_view text);

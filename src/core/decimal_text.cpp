@@ -33,15 +33,6 @@ bool SkippedBeforeNumber(wchar_t character) {
     return character != L'\u0085' && IsWideSpace(character);
 }
 
-// The last digit stands before `end`; the place of the first one is returned.
-wchar_t* WriteDigitsBackwards(wchar_t* end, uint64_t value) {
-    do {
-        *--end = static_cast<wchar_t>(L'0' + value % 10);
-        value /= 10;
-    } while (value != 0);
-    return end;
-}
-
 }  // namespace
 
 int32_t ParseDecimalInt(std::wstring_view text) {
@@ -66,17 +57,15 @@ int32_t ParseDecimalInt(std::wstring_view text) {
     return static_cast<int32_t>(std::clamp(negative ? -value : value, kMin, kMax));
 }
 
-wchar_t* WriteLongDecimal(wchar_t* out, uint64_t value) {
-    wchar_t digits[kMaxDecimalDigits];
-    wchar_t* const end = digits + kMaxDecimalDigits;
-    return std::copy(WriteDigitsBackwards(end, value), end, out);
-}
-
 void AppendDecimal(std::wstring& text, uint64_t value) {
-    wchar_t digits[kMaxDecimalDigits];
-    wchar_t* const end = digits + kMaxDecimalDigits;
-    const wchar_t* const first = WriteDigitsBackwards(end, value);
-    text.append(first, static_cast<size_t>(end - first));
+    wchar_t digits[20];  // as many as the largest value has
+    wchar_t* const end = std::end(digits);
+    wchar_t* first = end;
+    do {
+        *--first = static_cast<wchar_t>(L'0' + value % 10);
+        value /= 10;
+    } while (value != 0);
+    text.append(first, end);
 }
 
 void AppendSignedDecimal(std::wstring& text, int64_t value) {

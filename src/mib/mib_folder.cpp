@@ -1,13 +1,12 @@
 #include "mib/mib_folder.h"
 
 #include <algorithm>
-#include <array>
 #include <cwchar>
 #include <cwctype>
 
 #include "core/activity_log.h"
 #include "core/app_paths.h"
-#include "core/decimal_text.h"
+#include "core/run_guarded.h"
 #include "mib/mib_parser.h"
 #include "mib/name_store.h"
 #include "platform/folders.h"
@@ -26,15 +25,6 @@ bool ParseMibFiles() {
             ParseMibFile(AppPaths.mibsDir + L"\\" + entry.name);
         }
     });
-}
-
-// Asks for no memory: the load may have ended because there was none.
-void LogNameCount() {
-    constexpr std::wstring_view kText = L"MIBs loaded. OID mappings: ";
-    std::array<wchar_t, kText.size() + kMaxDecimalDigits> message{};
-    const wchar_t* end =
-        WriteDecimal(std::copy(kText.begin(), kText.end(), message.data()), OidNameMap.size());
-    LogMessage({message.data(), static_cast<size_t>(end - message.data())});
 }
 
 }  // namespace
@@ -57,7 +47,7 @@ void LoadMibFolder() {
     } catch (...) {
         // What was stored until memory ran out is right as far as it goes and stays.
     }
-    LogNameCount();
+    RunGuarded([] { LogMessage(L"MIBs loaded. OID mappings: " + std::to_wstring(OidNameMap.size())); });
 }
 
 std::vector<std::wstring> ListMibFiles() {

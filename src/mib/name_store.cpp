@@ -62,11 +62,9 @@ const Oid* StoreBuiltinOid(std::wstring_view name) {
 
 // Without zeros in front, and not beyond the range of an arc.
 bool IsWrittenAs(int32_t arc, std::wstring_view text) {
-    wchar_t digits[1 + kMaxDecimalDigits] = {L'-'};
-    const uint32_t magnitude = arc < 0 ? 0 - static_cast<uint32_t>(arc) : static_cast<uint32_t>(arc);
-    const wchar_t* end = WriteDecimal(digits + 1, magnitude);
-    const wchar_t* start = digits + (arc < 0 ? 0 : 1);
-    return text == std::wstring_view(start, static_cast<size_t>(end - start));
+    std::wstring digits;
+    AppendSignedDecimal(digits, arc);
+    return text == digits;
 }
 
 // The stored identifier with exactly this text; null: none.

@@ -8,8 +8,9 @@
 #include <string>
 #include <string_view>
 
-// Writes `octets` behind the file's end, creating the file when it is missing (also when `octets` is empty).
-// False: the file could not be opened or the write fell short (a full disk keeps what fitted).
+// Writes `octets` after the file's end, creating the file when it is missing (also when `octets` is empty).
+// False: nothing was written, as when the file could not be opened or the disk is full. A disk that fills up
+// in the middle leaves what fitted, and the result is true.
 bool AppendOctets(const std::wstring& path, std::string_view octets);
 
 // Creates the file or empties it, hidden or not, then writes `octets`. False: it could not be opened or

@@ -2,10 +2,10 @@
 
 #include "core/decimal_text.h"
 
-bool TakeLongLength(OctetRange& left, uint8_t lengthOctet, uint64_t* length) {
+bool ReadLongLength(OctetRange& left, uint8_t lengthOctet, uint64_t* length) {
     const uint8_t count = lengthOctet & 0x7F;
     const uint8_t* octet = nullptr;
-    if (count < 1 || count > 4 || !TakeOctets(left, count, &octet)) {
+    if (count < 1 || count > 4 || !ReadOctets(left, count, &octet)) {
         return false;
     }
     for (*length = 0; octet != left.position; ++octet) {
@@ -28,26 +28,22 @@ uint64_t DecodeBerInteger(const uint8_t* octets, size_t count) {
     return value;
 }
 
-void DecodeOidText(const uint8_t* octets, size_t count, std::wstring& text) {
-    text.clear();
+std::wstring DecodeOidText(const uint8_t* octets, size_t count) {
+    std::wstring text;
     if (count == 0) {
-        return;
+        return text;
     }
-    // An arc of one octet is at most ".127", and longer arcs have fewer digits an octet; the last number is
-    // written with room for the longest one.
-    constexpr size_t kMaxCharactersPerOctet = 4;
-    text.resize(count * kMaxCharactersPerOctet + kMaxDecimalDigits);
-    wchar_t* out = WriteDecimal(text.data(), octets[0] / 40U);
-    *out++ = L'.';
-    out = WriteDecimal(out, octets[0] % 40U);
+    AppendDecimal(text, octets[0] / 40U);
+    text.push_back(L'.');
+    AppendDecimal(text, octets[0] % 40U);
     uint64_t arc = 0;
     for (size_t index = 1; index < count; ++index) {
         arc = (arc << 7) | (octets[index] & 0x7FU);
         if ((octets[index] & 0x80) == 0) {
-            *out++ = L'.';
-            out = WriteDecimal(out, arc);
+            text.push_back(L'.');
+            AppendDecimal(text, arc);
             arc = 0;
         }
     }
-    text.resize(static_cast<size_t>(out - text.data()));
+    return text;
 }

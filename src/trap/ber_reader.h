@@ -15,7 +15,7 @@ struct OctetRange {
     size_t size() const { return static_cast<size_t>(end - position); }
 };
 
-// One element: its tag octet, taken whole, and its content.
+// One element: its whole tag octet and its content.
 struct TlvHeader {
     uint8_t tag = 0;
     const uint8_t* content = nullptr;
@@ -25,11 +25,9 @@ struct TlvHeader {
     OctetRange elements() const { return {content, contentEnd}; }
 };
 
-// Takes `count` octets off the front. True: *octets is the first of them. False, nothing touched: there are
-// fewer of them left.
-// The one place that compares wanted with remaining, never a sum of a pointer and a length that a stranger
-// chose. Inline like what follows: it takes a tenth to a quarter off the decoding of a trap.
-inline bool TakeOctets(OctetRange& left, uint64_t count, const uint8_t** octets) {
+// Reads past `count` octets. True: *octets is the first of them. False, nothing changed: fewer are left.
+// The one place that compares wanted with remaining; it never adds to a pointer a length that a sender chose.
+inline bool ReadOctets(OctetRange& left, uint64_t count, const uint8_t** octets) {
     if (count > left.size()) {
         return false;
     }
@@ -38,9 +36,9 @@ inline bool TakeOctets(OctetRange& left, uint64_t count, const uint8_t** octets)
     return true;
 }
 
-// Takes the length whose octets follow `lengthOctet`, which announces how many. False, nothing touched: none,
+// Reads a length in the long form; the lower bits of `lengthOctet` say how many octets it has. False: none,
 // more than four, or cut off.
-bool TakeLongLength(OctetRange& left, uint8_t lengthOctet, uint64_t* length);
+bool ReadLongLength(OctetRange& left, uint8_t lengthOctet, uint64_t* length);
 
 // Reads the header at `position` inside [position, end).
 // True: *header is filled and its whole content lies inside the range; content that ends exactly at `end`
@@ -48,27 +46,27 @@ bool TakeLongLength(OctetRange& left, uint8_t lengthOctet, uint64_t* length);
 // False, *header untouched: fewer than two octets left, an indefinite length (0x80), a long form of more than
 //   four length octets, length octets cut off, or content running past `end`.
 // Never looks at `end` or beyond.
-// Kept: lengths longer than necessary are accepted, since agents in the field send them.
+// Intentional: lengths longer than necessary are accepted, since agents in the field send them.
 inline bool ReadTlvHeader(const uint8_t* position, const uint8_t* end, TlvHeader* header) {
     OctetRange left = {position, end};
     const uint8_t* start = nullptr;
-    if (!TakeOctets(left, 2, &start)) {
+    if (!ReadOctets(left, 2, &start)) {
         return false;
     }
     uint64_t length = start[1];
-    if (length >= 0x80 && !TakeLongLength(left, start[1], &length)) {
+    if (length >= 0x80 && !ReadLongLength(left, start[1], &length)) {
         return false;
     }
     const uint8_t* content = nullptr;
-    if (!TakeOctets(left, length, &content)) {
+    if (!ReadOctets(left, length, &content)) {
         return false;
     }
     *header = {start[0], content, left.position};
     return true;
 }
 
-// The same for the element at the front of `left`; what is left begins behind it. False: both are untouched.
-inline bool TakeElement(OctetRange& left, TlvHeader* element) {
+// The same for the element at the front of `left`, which then begins after it. False: both are untouched.
+inline bool ReadElement(OctetRange& left, TlvHeader* element) {
     if (!ReadTlvHeader(left.position, left.end, element)) {
         return false;
     }
@@ -77,12 +75,13 @@ inline bool TakeElement(OctetRange& left, TlvHeader* element) {
 }
 
 // The octets as a big-endian two's complement number; no octets give 0. Callers print it signed or unsigned.
-// Kept: every multiple of eight octets is sign-extended by a shift of 0, so that a negative number of eight
-//   octets is always -1; of more than eight octets only the last eight count; and an unsigned value that an
-//   agent sent without its leading zero octet is sign-extended too and prints near 18446744073709551615.
+// Intentional: every multiple of eight octets is sign-extended by a shift of 0, so that a negative
+//   number of eight octets is always -1; of more than eight octets only the last eight count; and an
+//   unsigned value that an agent sent without its leading zero octet is sign-extended too and prints
+//   near 18446744073709551615.
 uint64_t DecodeBerInteger(const uint8_t* octets, size_t count);
 
-// Replaces `text` by the identifier in dotted decimal; no octets give empty text. Cannot fail.
-// Kept: the first octet alone gives the first two arcs as v / 40 and v mod 40, whatever it is; arcs wrap in
-//   64 bits; octets of an arc that the content ends in the middle of are dropped.
-void DecodeOidText(const uint8_t* octets, size_t count, std::wstring& text);
+// The identifier in dotted decimal; no octets give empty text.
+// Intentional: the first octet alone gives the first two arcs as v / 40 and v mod 40, whatever it is; arcs
+//   wrap in 64 bits; octets of an unfinished last arc are dropped.
+std::wstring DecodeOidText(const uint8_t* octets, size_t count);

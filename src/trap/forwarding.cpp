@@ -1,24 +1,31 @@
 #include "trap/forwarding.h"
 
+#include <string>
+
 #include "config/forwarding_settings.h"
-#include "core/activity_log.h"
 #include "platform/text.h"
 
-void ForwardDatagram(const uint8_t* octets, size_t count, UdpSocket* socket, std::string& logLines) {
+void ForwardDatagram(const uint8_t* octets, size_t count, UdpSocket* socket, PendingOutput& output) {
     if (!ForwardingSettings.forwardingEnabled || socket == nullptr) {
         return;
     }
     const ForwardingValues target = CopyForwarding();
     std::string addressText;
     Ipv4Endpoint endpoint;
-    // Asked again: it may have been switched off, and the target replaced, since.
+    // The flag is checked again: forwarding may have been switched off, and the target replaced, meanwhile.
     if (!target.enabled || !EncodeAnsi(target.ip, addressText) ||
         !ParseIpv4Address(addressText, &endpoint.address)) {
         return;
     }
     endpoint.port = static_cast<uint16_t>(target.port);
-    const SendResult result = SendDatagram(*socket, endpoint, octets, count);
+    SendResult result = TrySendDatagram(*socket, endpoint, octets, count);
+    if (result == SendResult::NoRoom) {
+        output.Write();  // what was announced must not wait with us
+    }
+    while (result == SendResult::NoRoom && WaitForRoom(*socket)) {
+        result = TrySendDatagram(*socket, endpoint, octets, count);
+    }
     if (result == SendResult::Failed || result == SendResult::NoRoom) {
-        AppendLogLine(L"Forwarding failed (sendto error).", logLines);
+        output.AddLogLine(L"Forwarding failed (sendto error).");
     }
 }

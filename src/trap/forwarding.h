@@ -1,15 +1,16 @@
-// Passing datagrams on: the same octets, once, to the one address of the settings. No queue, no retry.
+// Forwarding: the same octets, once, to the one address of the settings. No queue, no retry.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
 
 #include "platform/udp_socket.h"
+#include "trap/pending_output.h"
 
-// Sends when forwarding is on, `socket` is there and the settings hold a dotted IPv4 address; does nothing
-// otherwise. The settings are read anew on each call, so a change holds from the next datagram on. Waits for
-// room as long as the receiver runs. Appends to `logLines` (core/activity_log.h) a line about a send that the
-// system refused, and about one that a stop found waiting. Trap thread. May throw std::bad_alloc. Kept: a
-// target on this machine's own port 162 comes back as a new trap, without end; nothing guards against it.
-void ForwardDatagram(const uint8_t* octets, size_t count, UdpSocket* socket, std::string& logLines);
+// Sends when forwarding is on, `socket` is not null and the settings hold a dotted IPv4 address; otherwise
+// does nothing. The settings are read on each call, so a change applies to the next datagram. If the system
+// has no room, writes `output` and waits for room until EndWaiting or CloseUdpSocket was called for the
+// socket. Adds a log line to `output` when the system refused the send or the wait ended without room. May
+// throw std::bad_alloc. Trap thread.
+// Intentional: a target that is this computer's own port 162 comes back as a new trap, without end.
+void ForwardDatagram(const uint8_t* octets, size_t count, UdpSocket* socket, PendingOutput& output);

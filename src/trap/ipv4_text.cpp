@@ -2,10 +2,12 @@
 
 #include "core/decimal_text.h"
 
-void AppendIpv4Text(std::wstring& text, uint32_t address) {
+std::wstring FormatIpv4Address(uint32_t address) {
+    std::wstring text;
     AppendDecimal(text, address >> 24);
     for (const unsigned shift : {16U, 8U, 0U}) {
         text.push_back(L'.');
         AppendDecimal(text, (address >> shift) & 0xFFU);
     }
+    return text;
 }

@@ -4,5 +4,5 @@
 #include <cstdint>
 #include <string>
 
-// Appends the address (host order: 127.0.0.1 is 0x7F000001) as four decimal numbers joined by dots.
-void AppendIpv4Text(std::wstring& text, uint32_t address);
+// The address (host order: 127.0.0.1 is 0x7F000001) as four decimal numbers joined by dots.
+std::wstring FormatIpv4Address(uint32_t address);

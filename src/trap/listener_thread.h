@@ -1,8 +1,8 @@
-// UDP 161 is kept occupied and every datagram there noted in the log; nothing is decoded, kept or answered.
+// The worker for UDP 161: it keeps the port in use and logs each datagram; nothing is decoded, nothing
+// is answered.
 #pragma once
 
 #include "platform/udp_socket.h"
 
-// Body of the worker for UDP 161: logs datagrams until its socket is closed or the receiver stops.
-// Throws nothing.
-void ListenerThread(UdpSocket& listenerSocket);
+// Logs datagrams until `listenerSocket` is closed or the receiver stops. Throws nothing.
+void ListenerThread(UdpSocket& listenerSocket) noexcept;

@@ -1,6 +1,5 @@
 #include "trap/receive_loop.h"
 
-#include "core/run_guarded.h"
 #include "platform/clock.h"
 #include "trap/server_state.h"
 
@@ -8,16 +7,20 @@ namespace {
 
 constexpr uint32_t kRetryDelay = 10;  // milliseconds
 
-// The answer that ended the taking; Datagram: enough were taken.
-ReceiveResult TakeWaiting(UdpSocket& socket, ReceiveTurn& turn, bool oneOnly) {
-    for (std::span<uint8_t> room = turn.Room(); !room.empty(); room = turn.Room()) {
+// Returns the result of the last attempt.
+ReceiveResult FillBatch(UdpSocket& socket, ReceiveBatch& batch, bool oneOnly) {
+    while (ServerState.running) {
+        const std::span<uint8_t> room = batch.Room();
+        if (room.empty()) {
+            break;
+        }
         size_t count = 0;
         Ipv4Endpoint sender;
-        const ReceiveResult result = TakeDatagram(socket, room.data(), room.size(), &count, &sender);
+        const ReceiveResult result = TryReceiveDatagram(socket, room.data(), room.size(), &count, &sender);
         if (result != ReceiveResult::Datagram) {
             return result;
         }
-        RunGuarded([&] { turn.Take(count, sender); });
+        batch.AddArrival(count, sender);
         if (oneOnly) {
             break;
         }
@@ -27,16 +30,15 @@ ReceiveResult TakeWaiting(UdpSocket& socket, ReceiveTurn& turn, bool oneOnly) {
 
 }  // namespace
 
-void ReceiveWhileRunning(UdpSocket& socket, ReceiveTurn& turn, const std::function<void()>& work) {
+void ReceiveWhileRunning(UdpSocket& socket, ReceiveBatch& batch) {
     bool socketWasEmpty = false;
     while (ServerState.running) {
-        ReceiveResult result = TakeWaiting(socket, turn, socketWasEmpty);
-        RunGuarded(work);
-        turn.Clear();
+        ReceiveResult result = FillBatch(socket, batch, socketWasEmpty);
+        batch.Process();
         if (result == ReceiveResult::Closed || !ServerState.running) {
             return;
         }
-        socketWasEmpty = result == ReceiveResult::NothingThere;
+        socketWasEmpty = result == ReceiveResult::NothingQueued;
         if (socketWasEmpty && !WaitForDatagram(socket)) {
             result = ReceiveResult::Failed;
         }

@@ -13,7 +13,7 @@ namespace {
 
 constexpr uint16_t kTrapPort = 162;
 constexpr uint16_t kListenerPort = 161;
-constexpr int kTrapReceiveBuffer = 32 * 1024 * 1024;  // octets: what a storm may bring before it is read
+constexpr int kTrapReceiveBuffer = 32 * 1024 * 1024;  // octets: what may queue up in a burst
 constexpr uint32_t kLongestWait = 1500;               // milliseconds, for each worker
 
 void CloseSocketField(UdpSocketRef* socket) {
@@ -51,7 +51,7 @@ void RequestRepaint() {
     }
 }
 
-// Port 161 that is taken is a warning, not a failure.
+// A port 161 that is in use is a warning, not a failure.
 bool OpenSockets() {
     ServerState.forwardSocket = OpenUdpSocket();
     if (!ServerState.forwardSocket) {
@@ -70,7 +70,7 @@ bool OpenSockets() {
     return true;
 }
 
-// No memory for a thread is no thread.
+// Null when out of memory, as when the system refuses a thread.
 template <typename Body>
 WorkerThreadHandle StartWorker(const Body& body) {
     try {
@@ -80,7 +80,7 @@ WorkerThreadHandle StartWorker(const Body& body) {
     }
 }
 
-// Each worker holds its own references: whatever becomes of the fields, its sockets live as long as it does.
+// Each worker has its own references, so its sockets live as long as it does.
 bool StartTrapWorker() {
     ServerState.trapThreadHandle =
         StartWorker([trap = ServerState.trapSocket, forward = ServerState.forwardSocket] {
@@ -129,7 +129,7 @@ void StopServer() {
     LogMessage(L"Stopping server...");
     CloseSocketField(&ServerState.trapSocket);
     CloseSocketField(&ServerState.listenerSocket);
-    // What the trap thread has taken from its socket it still forwards, without waiting for a slow line.
+    // What the trap thread has received it still forwards, without waiting for a slow line.
     EndWaiting(*ServerState.forwardSocket);
     WaitForWorker(&ServerState.trapThreadHandle);
     WaitForWorker(&ServerState.listenerThreadHandle);

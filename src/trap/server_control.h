@@ -2,7 +2,7 @@
 // running receiver and stopping a stopped one do nothing and log nothing.
 #pragma once
 
-// What the main window wants to hear; null: nobody listens. Called on the GUI thread, with no lock held.
+// Set by the main window; null: not called. Called on the GUI thread, with no lock held.
 struct ServerHooks {
     void (*showRunning)(bool running) = nullptr;  // the button's text, before the last log line
     void (*repaint)() = nullptr;                  // the indicator, after it
@@ -13,10 +13,9 @@ extern ServerHooks ServerEvents;
 // stays open.
 bool StartServer();
 
-// Closes the two ports and waits for the workers, at most 1500 ms each, the trap thread first. The traps that
-// it holds are recorded and forwarded as far as the line takes them at once: no network can hold up a stop,
-// and what it leaves unsent is a line in the log. A worker that takes longer is let go: it finishes what it
-// holds, finds its sockets closed, says nothing more of what it could not forward, and ends. Only a file call
-// that hangs under FileLock can make a stop longer, by as long as it hangs, since the stop writes its own
-// lines there.
+// Closes the two ports and waits for the workers, at most 1500 ms each, the trap thread first. Traps received
+// before are still recorded, announced and sent, each with one attempt, so no network can delay a stop; a
+// trap that cannot be sent has its failure line. A worker that takes longer is no longer waited for: it
+// finishes its batch, finds its sockets closed, logs no more failures to forward, and ends. Only a file call
+// that hangs under FileLock can make a stop longer, since the stop writes its own lines to log.txt.
 void StopServer();

@@ -1,5 +1,12 @@
 #include "trap/server_state.h"
 
+#include <utility>
+
+#include "core/decimal_text.h"
+#include "core/run_guarded.h"
+#include "platform/clock.h"
+#include "trap/ipv4_text.h"
+
 ServerStateFields ServerState;
 std::mutex LastTrapSenderLock;
 
@@ -8,7 +15,12 @@ std::wstring CopyLastTrapSender() {
     return ServerState.lastTrapSender;
 }
 
-void ReplaceLastTrapSender(std::wstring_view sender) {
-    const std::lock_guard lock(LastTrapSenderLock);
-    ServerState.lastTrapSender = sender;
+void NoteLastTrap(const Ipv4Endpoint& sender) noexcept {
+    ServerState.lastTrapTick.exchange(ReadTickCount());
+    RunGuarded([&] {
+        std::wstring text = FormatIpv4Address(sender.address) + L":";
+        AppendDecimal(text, sender.port);
+        const std::lock_guard lock(LastTrapSenderLock);
+        ServerState.lastTrapSender = std::move(text);
+    });
 }

@@ -1,5 +1,4 @@
-// The state of the receiver as a whole. Start and stop (trap/server_control.h) change it; the workers and the
-// windows look at the fields that concern them.
+// The state of the receiver as a whole, changed by trap/server_control.h.
 #pragma once
 
 #include <atomic>
@@ -13,23 +12,26 @@
 struct ServerStateFields {
     std::atomic<bool> running{false};  // GUI thread exchanges; both workers and the windows load.
 
-    // GUI thread only. Each worker is handed its own references when it starts and never looks here, so a
-    // worker that outlives its stop cannot find the sockets of the next run. Null: closed.
+    // GUI thread only. Each worker gets its own references when it starts and never reads these, so a worker
+    // that outlives its stop cannot reach the sockets of the next run. Null: closed.
     UdpSocketRef trapSocket;      // bound to UDP 162
-    UdpSocketRef listenerSocket;  // bound to UDP 161, or null when that port was taken
+    UdpSocketRef listenerSocket;  // bound to UDP 161, or null when that port is in use
     UdpSocketRef forwardSocket;   // unbound
     WorkerThreadHandle trapThreadHandle;
     WorkerThreadHandle listenerThreadHandle;
 
-    // The last datagram on 162, kept over stops and starts: ReadTickCount at its arrival (0: none yet), which
-    // the trap thread exchanges, and its sender.
+    // The last datagram on 162, not reset by a stop or start: ReadTickCount at its arrival (0: none yet) and
+    // its sender.
     std::atomic<uint64_t> lastTrapTick{0};
     std::wstring lastTrapSender;  // "10.1.2.3:49152". Trap thread replaces; under LastTrapSenderLock.
 };
 extern ServerStateFields ServerState;
 
-// Held for one copy or one assignment of lastTrapSender; nothing is called under it.
+// Locked for one copy or one assignment of lastTrapSender; nothing is called under it.
 extern std::mutex LastTrapSenderLock;
 
 std::wstring CopyLastTrapSender();
-void ReplaceLastTrapSender(std::wstring_view sender);
+
+// Sets lastTrapTick to now and lastTrapSender to the text of `sender`. If memory runs out for the text, the
+// older sender remains. Throws nothing. Trap thread.
+void NoteLastTrap(const Ipv4Endpoint& sender) noexcept;

@@ -1,16 +1,13 @@
 #include "trap/snmp_message.h"
 
 #include <algorithm>
-#include <array>
 #include <iterator>
+#include <utility>
 
 #include "core/decimal_text.h"
 #include "mib/name_store.h"
 #include "trap/ber_reader.h"
 #include "trap/ipv4_text.h"
-
-// Literals with a length: the compiler does not count wide characters ahead of time.
-using namespace std::string_view_literals;
 
 namespace {
 
@@ -23,11 +20,11 @@ void AppendHexOctet(std::wstring& text, uint8_t octet) {
     text.push_back(kDigits[octet & 0x0F]);
 }
 
-// The PDU's last readable element is the candidate for the list: octets that form no element behind it do no
-// harm, while a readable one takes its place.
-bool TakeLastElement(OctetRange left, TlvHeader* last) {
-    const bool found = TakeElement(left, last);
-    while (TakeElement(left, last)) {
+// The PDU's last readable element is the list: trailing octets that form no element are ignored, a trailing
+// readable element replaces the list.
+bool ReadLastElement(OctetRange left, TlvHeader* last) {
+    const bool found = ReadElement(left, last);
+    while (ReadElement(left, last)) {
     }
     return found;
 }
@@ -35,126 +32,115 @@ bool TakeLastElement(OctetRange left, TlvHeader* last) {
 bool FindVarbindList(const uint8_t* octets, size_t count, TlvHeader* list) {
     OctetRange left = {octets, octets + count};
     TlvHeader element;
-    if (!TakeElement(left, &element) || element.tag != kSequenceTag) {
+    if (!ReadElement(left, &element) || element.tag != kSequenceTag) {
         return false;
     }
     left = element.elements();
-    return TakeElement(left, &element) &&  // version
-           TakeElement(left, &element) &&  // community
-           TakeElement(left, &element) &&  // PDU
-           TakeLastElement(element.elements(), list) && list->tag == kSequenceTag;
+    return ReadElement(left, &element) &&  // version
+           ReadElement(left, &element) &&  // community
+           ReadElement(left, &element) &&  // PDU
+           ReadLastElement(element.elements(), list) && list->tag == kSequenceTag;
 }
 
-void RenderInteger(const uint8_t* octets, size_t count, std::wstring& text) {
+std::wstring RenderInteger(const uint8_t* octets, size_t count) {
+    std::wstring text;
     AppendSignedDecimal(text, static_cast<int64_t>(DecodeBerInteger(octets, count)));
+    return text;
 }
 
-void RenderUnsigned(const uint8_t* octets, size_t count, std::wstring& text) {
+std::wstring RenderUnsigned(const uint8_t* octets, size_t count) {
+    std::wstring text;
     AppendDecimal(text, DecodeBerInteger(octets, count));
+    return text;
 }
 
-void RenderNull(const uint8_t*, size_t, std::wstring& text) {
-    text.append(L"NULL"sv);
+std::wstring RenderNull(const uint8_t*, size_t) {
+    return L"NULL";
 }
 
 struct ValueType {
     uint8_t tag;
-    std::wstring_view label;
-    void (*render)(const uint8_t* octets, size_t count, std::wstring& text);  // given empty text
+    const wchar_t* label;
+    std::wstring (*render)(const uint8_t* octets, size_t count);
 };
 
-// Any other tag is a type of its own, shown as an octet string.
 constexpr ValueType kValueTypes[] = {
-    {.tag = 0x02, .label = L"INTEGER"sv, .render = RenderInteger},
-    {.tag = 0x04, .label = L"OCTET STRING"sv, .render = RenderOctetString},
-    {.tag = 0x05, .label = L"NULL"sv, .render = RenderNull},
-    {.tag = kOidTag, .label = L"OID"sv, .render = DecodeOidText},
-    {.tag = 0x40, .label = L"IpAddress"sv, .render = RenderIpAddress},
-    {.tag = 0x41, .label = L"Counter32"sv, .render = RenderUnsigned},
-    {.tag = 0x42, .label = L"Gauge32"sv, .render = RenderUnsigned},
-    {.tag = 0x43, .label = L"TimeTicks"sv, .render = RenderUnsigned},
-    {.tag = 0x46, .label = L"Counter64"sv, .render = RenderUnsigned},
+    {.tag = 0x02, .label = L"INTEGER", .render = RenderInteger},
+    {.tag = 0x04, .label = L"OCTET STRING", .render = RenderOctetString},
+    {.tag = 0x05, .label = L"NULL", .render = RenderNull},
+    {.tag = kOidTag, .label = L"OID", .render = DecodeOidText},
+    {.tag = 0x40, .label = L"IpAddress", .render = RenderIpAddress},
+    {.tag = 0x41, .label = L"Counter32", .render = RenderUnsigned},
+    {.tag = 0x42, .label = L"Gauge32", .render = RenderUnsigned},
+    {.tag = 0x43, .label = L"TimeTicks", .render = RenderUnsigned},
+    {.tag = 0x46, .label = L"Counter64", .render = RenderUnsigned},
 };
-
-constexpr size_t kNoRow = std::size(kValueTypes);
-
-// The row of each tag. Searching the table instead adds a twentieth to the decoding of a trap.
-constexpr auto kRowOfTag = [] {
-    std::array<uint8_t, 256> rows{};
-    rows.fill(kNoRow);
-    for (size_t row = 0; row < kNoRow; ++row) {
-        rows[kValueTypes[row].tag] = static_cast<uint8_t>(row);
-    }
-    return rows;
-}();
 
 void RenderValue(const TlvHeader& value, VarbindRecord& record) {
-    record.value.clear();
-    if (const size_t row = kRowOfTag[value.tag]; row != kNoRow) {
-        record.type = kValueTypes[row].label;
-        kValueTypes[row].render(value.content, value.size(), record.value);
+    const auto* const type = std::find_if(std::begin(kValueTypes), std::end(kValueTypes),
+                                          [&](const ValueType& row) { return row.tag == value.tag; });
+    if (type != std::end(kValueTypes)) {
+        record.type = type->label;
+        record.value = type->render(value.content, value.size());
     } else {
-        record.type = L"TAG 0x"sv;
+        record.type = L"TAG 0x";
         AppendHexOctet(record.type, value.tag);
-        RenderOctetString(value.content, value.size(), record.value);
+        record.value = RenderOctetString(value.content, value.size());
     }
 }
 
-// A binding without a readable identifier is passed over.
-void DecodeBinding(OctetRange binding, VarbindList& records) {
+// A binding without a readable identifier is skipped.
+void DecodeBinding(OctetRange binding, std::vector<VarbindRecord>& records) {
     TlvHeader identifier;
-    if (!TakeElement(binding, &identifier) || identifier.tag != kOidTag) {
+    if (!ReadElement(binding, &identifier) || identifier.tag != kOidTag) {
         return;
     }
-    VarbindRecord& record = records.Append();
-    DecodeOidText(identifier.content, identifier.size(), record.oid);
+    VarbindRecord record;
+    record.oid = DecodeOidText(identifier.content, identifier.size());
     LookupOidName(record.oid, record.name);
     TlvHeader value;
-    if (TakeElement(binding, &value)) {
+    if (ReadElement(binding, &value)) {
         RenderValue(value, record);
     } else {
-        record.type = L"(no value)"sv;
-        record.value.clear();
+        record.type = L"(no value)";
     }
+    records.push_back(std::move(record));
 }
 
 }  // namespace
 
-void RenderOctetString(const uint8_t* octets, size_t count, std::wstring& text) {
+std::wstring RenderOctetString(const uint8_t* octets, size_t count) {
     constexpr size_t kMaxHexOctets = 24;
-    const auto* end = octets + count;
     const auto printable = [](uint8_t octet) { return octet >= 32 && octet <= 126; };
-    if (count > 0 && std::all_of(octets, end, printable)) {
-        text.append(count + 2, L'"');
-        std::copy(octets, end, text.end() - static_cast<ptrdiff_t>(count + 1));
-        return;
+    if (count > 0 && std::all_of(octets, octets + count, printable)) {
+        return std::wstring(1, L'"').append(octets, octets + count).append(1, L'"');
     }
-    text.append(L"0x"sv);
+    std::wstring text = L"0x";
     std::for_each(octets, octets + std::min(count, kMaxHexOctets),
                   [&](uint8_t octet) { AppendHexOctet(text, octet); });
     if (count > kMaxHexOctets) {
-        text.append(L"..."sv);
+        text.append(L"...");
     }
+    return text;
 }
 
-void RenderIpAddress(const uint8_t* octets, size_t count, std::wstring& text) {
+std::wstring RenderIpAddress(const uint8_t* octets, size_t count) {
     if (count != 4) {
-        RenderOctetString(octets, count, text);
-        return;
+        return RenderOctetString(octets, count);
     }
-    AppendIpv4Text(text, (uint32_t{octets[0]} << 24) | (uint32_t{octets[1]} << 16) |
+    return FormatIpv4Address((uint32_t{octets[0]} << 24) | (uint32_t{octets[1]} << 16) |
                              (uint32_t{octets[2]} << 8) | uint32_t{octets[3]});
 }
 
-bool DecodeSnmpMessage(const uint8_t* octets, size_t count, VarbindList& records) {
-    records.Clear();
+bool DecodeSnmpMessage(const uint8_t* octets, size_t count, std::vector<VarbindRecord>& records) {
+    records.clear();
     TlvHeader list;
     if (!FindVarbindList(octets, count, &list)) {
         return false;
     }
     OctetRange left = list.elements();
     TlvHeader binding;
-    while (TakeElement(left, &binding)) {
+    while (ReadElement(left, &binding)) {
         if (binding.tag == kSequenceTag) {
             DecodeBinding(binding.elements(), records);
         }

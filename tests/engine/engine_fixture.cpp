@@ -81,7 +81,8 @@ void EngineTest::SetUp() {
     LoadMibFolder();
     ClearFile(AppPaths.logFilePath);
     ServerState.lastTrapTick = 0;
-    ReplaceLastTrapSender({});
+    const std::lock_guard lock(LastTrapSenderLock);
+    ServerState.lastTrapSender.clear();
 }
 
 void EngineTest::TearDown() {

@@ -173,7 +173,7 @@ TEST_F(StandardNamesTest, EveryNotificationOfTheTableIsShownWithItsNames) {
             const Notification notification = Compose(row, objects, lastInstance);
             for (const Octets& message :
                  {EncodeV2Trap(notification.bindings), EncodeV1Trap(notification.bindings)}) {
-                VarbindList records;
+                std::vector<VarbindRecord> records;
                 ASSERT_TRUE(DecodeSnmpMessage(message.data(), message.size(), records)) << row.name;
                 ASSERT_EQ(records.size(), notification.names.size()) << row.name;
                 for (size_t i = 0; i < records.size(); ++i) {

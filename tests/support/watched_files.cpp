@@ -27,6 +27,7 @@ void WatchedFiles::Reset() {
     contents.clear();
     claimedSizes.clear();
     onAppend = nullptr;
+    refusesAppend = nullptr;
     onOpen = nullptr;
 }
 
@@ -43,6 +44,9 @@ bool AppendOctets(const std::wstring& path, std::string_view octets) {
     NoteOpening(path);
     if (Files.onAppend) {
         Files.onAppend(path, octets);
+    }
+    if (Files.refusesAppend && Files.refusesAppend(path)) {
+        return false;
     }
     contents[path] += octets;
     return true;

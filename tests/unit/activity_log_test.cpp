@@ -6,44 +6,11 @@
 
 #include "core/app_paths.h"
 #include "core/data_files.h"
+#include "core/timestamp.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/stamps.h"
 
 namespace {
-
-std::wstring Stamp(const LocalTime& time) {
-    std::wstring text;
-    AppendTimestamp(text, time);
-    return text;
-}
-
-TEST(AppendTimestamp, FieldsArePaddedWithZeros) {
-    EXPECT_EQ(Stamp({2026, 3, 7, 9, 5, 2, 47}), L"2026-03-07 09:05:02.047");
-    EXPECT_EQ(Stamp({2026, 12, 31, 23, 59, 59, 999}), L"2026-12-31 23:59:59.999");
-    EXPECT_EQ(Stamp({1, 1, 1, 0, 0, 0, 0}), L"0001-01-01 00:00:00.000");
-    EXPECT_EQ(Stamp({2026, 3, 7, 9, 5, 2, 7}), L"2026-03-07 09:05:02.007");
-    EXPECT_EQ(Stamp({}), L"0000-00-00 00:00:00.000") << "a time that nobody has read yet";
-}
-
-TEST(AppendTimestamp, WiderValuesAreNotCut) {
-    EXPECT_EQ(Stamp({12345, 100, 7, 9, 5, 2, 1000}), L"12345-100-07 09:05:02.1000");
-    EXPECT_EQ(Stamp({4294967295, 3, 7, 9, 5, 2, 47}), L"4294967295-03-07 09:05:02.047");
-}
-
-TEST(AppendTimestamp, AppendsToWhatIsThere) {
-    std::wstring text = L"at ";
-    AppendTimestamp(text, {2026, 3, 7, 9, 5, 2, 47});
-    EXPECT_EQ(text, L"at 2026-03-07 09:05:02.047");
-}
-
-TEST(FormatTimestamp, IsTheStampOfNow) {
-    const std::wstring before = Stamp(ReadLocalTime());
-    const std::wstring now = FormatTimestamp();
-    const std::wstring after = Stamp(ReadLocalTime());
-    EXPECT_EQ(now.size(), 23U);
-    // The texts sort as the times do, but for the hour that daylight saving repeats.
-    EXPECT_TRUE(before > after || (before <= now && now <= after)) << testing::PrintToString(now);
-}
 
 class ActivityLogTest : public testing::Test {
   protected:

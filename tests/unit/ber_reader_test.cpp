@@ -44,9 +44,7 @@ uint64_t DecodeInteger(const Octets& octets) {
 
 std::wstring DecodeOid(const Octets& octets) {
     const FencedOctets fenced(octets.data(), octets.size());
-    std::wstring text = L"leftover";
-    DecodeOidText(fenced.data(), fenced.size(), text);
-    return text;
+    return DecodeOidText(fenced.data(), fenced.size());
 }
 
 TEST(ReadTlvHeader, ContentEndingAtContainerEndIsAccepted) {
@@ -124,49 +122,49 @@ TEST(ReadTlvHeader, FailureLeavesTheHeaderUntouched) {
 }
 
 // Takes what can be taken, one element after the other; `left` is what remains.
-std::vector<int> TakeTags(OctetRange& left) {
+std::vector<int> ReadTags(OctetRange& left) {
     std::vector<int> tags;
     TlvHeader element;
-    while (TakeElement(left, &element)) {
+    while (ReadElement(left, &element)) {
         EXPECT_EQ(left.position, element.contentEnd);
         tags.push_back(element.tag);
     }
     return tags;
 }
 
-TEST(TakeElement, WhatIsLeftBeginsBehindTheElementAndEndsWhereItDid) {
+TEST(ReadElement, WhatIsLeftBeginsAfterTheElementAndEndsWhereItDid) {
     const Octets octets = {0x02, 0x01, 7, 0x05, 0x00, 0x30, 0x81, 0x02, 1, 2};
     const FencedOctets fenced(octets.data(), octets.size());
     OctetRange left = {fenced.data(), fenced.end()};
-    EXPECT_EQ(TakeTags(left), (std::vector<int>{0x02, 0x05, 0x30}));
+    EXPECT_EQ(ReadTags(left), (std::vector<int>{0x02, 0x05, 0x30}));
     EXPECT_EQ(left.size(), 0U);
     EXPECT_EQ(left.end, fenced.end());
 }
 
-TEST(TakeElement, ElementThatCannotBeReadStaysInFrontOfWhatIsLeft) {
+TEST(ReadElement, UnreadableElementIsStillLeft) {
     for (const Octets& unreadable : {Octets{0x04, 0x02, 1}, Octets{0x04, 0x80, 0}, Octets{0x04, 0x83, 0, 0},
                                      Octets{0x04, 0x82, 0, 9}, Octets{0x04}}) {
         const Octets octets = Concatenate({{0x05, 0x00}, unreadable});
         const FencedOctets fenced(octets.data(), octets.size());
         OctetRange left = {fenced.data(), fenced.end()};
-        EXPECT_EQ(TakeTags(left), std::vector<int>{0x05});
+        EXPECT_EQ(ReadTags(left), std::vector<int>{0x05});
         EXPECT_EQ(left.size(), unreadable.size());
         TlvHeader element{0x77, octets.data(), octets.data() + 1};
-        EXPECT_FALSE(TakeElement(left, &element));
+        EXPECT_FALSE(ReadElement(left, &element));
         EXPECT_EQ(element.tag, 0x77);
         EXPECT_EQ(element.content, octets.data());
         EXPECT_EQ(element.contentEnd, octets.data() + 1);
     }
 }
 
-TEST(TakeElement, ElementsInsideAnElementEndWithIt) {
+TEST(ReadElement, ElementsInsideAnElementEndWithIt) {
     const Octets octets = {0x30, 0x02, 0x05, 0x00, 0x02, 0x00};
     OctetRange left = {octets.data(), octets.data() + octets.size()};
     TlvHeader outer;
-    ASSERT_TRUE(TakeElement(left, &outer));
+    ASSERT_TRUE(ReadElement(left, &outer));
     OctetRange inner = outer.elements();
-    EXPECT_EQ(TakeTags(inner), std::vector<int>{0x05});
-    EXPECT_EQ(TakeTags(left), std::vector<int>{0x02});
+    EXPECT_EQ(ReadTags(inner), std::vector<int>{0x05});
+    EXPECT_EQ(ReadTags(left), std::vector<int>{0x02});
 }
 
 struct IntegerCase {

@@ -106,7 +106,6 @@ TEST(AppendDecimal, WritesPlainDigits) {
     text.clear();
     AppendDecimal(text, UINT64_MAX);
     EXPECT_EQ(text, L"18446744073709551615");
-    EXPECT_EQ(text.size(), kMaxDecimalDigits);
 }
 
 TEST(AppendSignedDecimal, CoversTheWholeRange) {
@@ -120,17 +119,6 @@ TEST(AppendSignedDecimal, CoversTheWholeRange) {
     EXPECT_EQ(format(-1), L"-1");
     EXPECT_EQ(format(0), L"0");
     EXPECT_EQ(format(42), L"42");
-}
-
-TEST(WriteDecimal, WritesTheDigitsAndNothingBehindThem) {
-    wchar_t out[kMaxDecimalDigits + 1];
-    for (uint64_t value = 1, digits = 1; digits <= kMaxDecimalDigits; value *= 10, ++digits) {
-        std::fill(std::begin(out), std::end(out), L'#');
-        const wchar_t* end = WriteDecimal(out, value);
-        EXPECT_EQ(static_cast<uint64_t>(end - out), digits);
-        EXPECT_EQ(*end, L'#');
-        EXPECT_EQ(std::wstring(out, WriteDecimal(out, value)), std::to_wstring(value));
-    }
 }
 
 }  // namespace

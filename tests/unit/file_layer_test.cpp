@@ -101,7 +101,11 @@ struct Operation {
 
 const Operation kOperations[] = {
     {"AppendToFile", [] { AppendToFile(AppPaths.trapFilePath, L"a record"); }},
-    {"AppendLinesToFile", [] { AppendLinesToFile(AppPaths.logFilePath, "lines\r\r\n"); }},
+    {"AppendAllToFile",
+     [] {
+         const std::vector<std::wstring> lines = {L"one", L"two"};
+         AppendAllToFile(AppPaths.logFilePath, lines);
+     }},
     {"ReplaceFileText", [] { ReplaceFileText(AppPaths.configPath, L"settings"); }},
     {"ClearFile", [] { ClearFile(AppPaths.logFilePath); }},
     {"ReadWholeFile", [] { ReadWholeFile(AppPaths.configPath); }},

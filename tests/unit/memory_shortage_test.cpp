@@ -28,9 +28,7 @@
 #include "tests/support/scratch_folder.h"
 #include "tests/support/stamps.h"
 #include "trap/server_state.h"
-#include "trap/snmp_message.h"
-#include "trap/trap_record.h"
-#include "trap/trap_thread.h"
+#include "trap/trap_batch.h"
 
 namespace {
 
@@ -236,7 +234,8 @@ TEST_P(FilesInAShortage, LoadOfTheFolderEndsInItsLogLineAndThrowsNothing) {
     ASSERT_EQ(whole.names.size(), 5U);
     ASSERT_EQ(TakeLog(), LogLineOfALoad());
     // The log is written last, so these are a load's last requests.
-    const size_t logRequests = Try([] { LogMessage(L"MIBs loaded. OID mappings: 5"); }).requests;
+    const size_t logRequests =
+        Try([] { LogMessage(L"MIBs loaded. OID mappings: " + std::to_wstring(5)); }).requests;
     TakeLog();
     ASSERT_GT(logRequests, 0U);
     ASSERT_GT(undisturbed.requests, logRequests + 10);
@@ -277,7 +276,6 @@ TEST_P(FilesInAShortage, SettingsThatWereNotLoadedAreNotLoggedAsLoaded) {
 
 constexpr Ipv4Endpoint kSender = {0xFFFEFDFC, 65535};  // longer than what a text holds without asking
 
-// From a giant the receiver gives memory back, which is a way of its own.
 std::vector<Octets> TrapsOfEveryKind() {
     const Octets giant = EncodeV2Trap(std::vector<Binding>(
         40, {"1.3.6.1.2.1.2.2.1.2.7", EncodeOctetString("an interface with a description that is long")}));
@@ -331,62 +329,55 @@ bool IsAllBut(size_t most, const std::vector<std::string>& some, const std::vect
     return found == some.end() && some.size() + most >= all.size();
 }
 
-// What goes wrong with one trap of a turn costs that trap, or only its log line, and no other, be it in the
-// same turn or in the next.
-TEST_P(FilesInAShortage, TrapsOfATurnAreEachRecordedWholeOrNotAtAll) {
+// What fails for one trap of a batch costs at most that trap.
+TEST_P(FilesInAShortage, TrapsOfABatchAreEachRecordedWholeOrNotAtAll) {
     {
         const std::lock_guard lock(MibStoreLock);
-        StoreNamedOid(L"a name that is too long to be held without memory", L"1.3.6.1.2.1.2.2.1.2.7");
+        StoreNamedOid(L"a name that is too long to be stored without memory", L"1.3.6.1.2.1.2.2.1.2.7");
     }
     constexpr std::string_view logLine = "  Trap received (255.254.253.252).\r\r\n";
     std::vector<Octets> traps = TrapsOfEveryKind();
     traps.insert(traps.end(), {traps[0], traps[2]});
-    std::vector<TrapArrival> arrivals = ArriveTogether(traps);
-    TrapWorkspace workspace;
-    const auto startAnew = [&] {
+    const std::vector<TrapArrival> arrivals = ArriveTogether(traps);
+    const auto clear = [&] {
         TakeRecords();
         TakeLogLines(logLine);
-        workspace = TrapWorkspace();
     };
-    const auto record = [&] { RecordTraps(arrivals, nullptr, workspace); };
-    startAnew();
-    record();
+    const auto process = [&] { ProcessTraps(arrivals, nullptr); };
+    clear();
+    process();
     const std::vector<std::string> all = TakeRecords();
     ASSERT_EQ(all.size(), traps.size());
     EXPECT_TRUE(all[0].starts_with("       FROM: 255.254.253.252\r\r\n---> [1] ")) << all[0];
     ASSERT_EQ(TakeLogLines(logLine), traps.size());
 
     const size_t lost = GetParam() == Shortage::OneRequest ? 1 : traps.size();
-    const size_t refused =
-        RefuseEachRequest(GetParam(), startAnew, record, [&](const Attempt& attempt, size_t) {
-            EXPECT_EQ(attempt.outcome, Outcome::Returned);
-            EXPECT_LT(workspace.record.capacity(), 100U) << "kept a giant";
-            EXPECT_LT(workspace.records.capacity(), 100U) << "kept a giant";
-            const std::vector<std::string> left = TakeRecords();
-            EXPECT_TRUE(IsAllBut(lost, left, all)) << left.size() << " of " << all.size();
-            const size_t lines = TakeLogLines(logLine);
-            EXPECT_LE(lines, left.size()) << "announced what was not recorded";
-            EXPECT_GE(lines + lost, all.size());
-            record();
-            EXPECT_EQ(TakeRecords(), all);
-            EXPECT_EQ(TakeLogLines(logLine), all.size());
-        });
+    const size_t refused = RefuseEachRequest(GetParam(), clear, process, [&](const Attempt& attempt, size_t) {
+        EXPECT_EQ(attempt.outcome, Outcome::Returned);
+        const std::vector<std::string> left = TakeRecords();
+        EXPECT_TRUE(IsAllBut(lost, left, all)) << left.size() << " of " << all.size();
+        const size_t lines = TakeLogLines(logLine);
+        EXPECT_LE(lines, traps.size());
+        EXPECT_GE(lines + lost, traps.size());
+        process();
+        EXPECT_EQ(TakeRecords(), all);
+        EXPECT_EQ(TakeLogLines(logLine), all.size());
+    });
     EXPECT_GT(refused, 10U);
 }
 
-TEST_P(FilesInAShortage, AnArrivalWhoseSenderCannotBeNotedIsTakenAllTheSame) {
-    std::unique_ptr<TrapTurn> turn;
+TEST_P(FilesInAShortage, AnArrivalWhoseSenderTextFindsNoMemoryCountsAllTheSame) {
+    std::unique_ptr<TrapBatch> batch;
     const auto startAnew = [&] {
-        turn = std::make_unique<TrapTurn>();
+        batch = std::make_unique<TrapBatch>(nullptr);
         ServerState.lastTrapSender = std::wstring();
     };
-    const auto take = [&] { turn->Take(3, kSender); };
-    const size_t refused =
-        RefuseEachRequest(GetParam(), startAnew, take, [&](const Attempt& attempt, size_t) {
-            EXPECT_EQ(attempt.outcome, Outcome::NoMemory);
-            ASSERT_EQ(turn->arrivals().size(), 1U);
-            EXPECT_EQ(turn->arrivals()[0].count, 3U);
-        });
+    const auto add = [&] { batch->AddArrival(3, kSender); };
+    const size_t refused = RefuseEachRequest(GetParam(), startAnew, add, [&](const Attempt& attempt, size_t) {
+        EXPECT_EQ(attempt.outcome, Outcome::Returned);
+        ASSERT_EQ(batch->arrivals().size(), 1U);
+        EXPECT_EQ(batch->arrivals()[0].count, 3U);
+    });
     EXPECT_GT(refused, 0U);
 }
 
@@ -395,48 +386,5 @@ INSTANTIATE_TEST_SUITE_P(Each, FilesInAShortage,
                          [](const ::testing::TestParamInfo<Shortage>& kind) {
                              return kind.param == Shortage::OneRequest ? "OfOneRequest" : "FromThenOn";
                          });
-
-// The steps of a record by themselves, and what an undisturbed record holds.
-TEST(MemoryShortage, DecodingAndComposingThrowNoMemoryOrSucceed) {
-    constexpr LocalTime kTime = {2026, 3, 7, 9, 5, 2, 47};
-    for (const SampleMessage& sample : SampleMessages()) {
-        SCOPED_TRACE(sample.name);
-        const std::wstring whole =
-            L"2026-03-07 09:05:02.047       FROM: 10.1.2.3\r\n" + BuildExpectedBody(sample);
-        VarbindList bindings;
-        std::wstring text;
-        const auto compose = [&] {
-            DecodeSnmpMessage(sample.octets.data(), sample.octets.size(), bindings);
-            ComposeTrapRecord(kTime, L"10.1.2.3", bindings, text);
-        };
-        const auto forget = [&] {
-            bindings.Release();
-            std::wstring().swap(text);
-        };
-        RefuseEachRequest(Shortage::OneRequest, forget, compose, [&](const Attempt& attempt, size_t) {
-            EXPECT_EQ(attempt.outcome, Outcome::NoMemory);
-            compose();
-            EXPECT_EQ(text, whole);
-        });
-        EXPECT_EQ(text, whole);
-    }
-}
-
-TEST(MemoryShortage, AStormOfOneTrapAsksForMemoryOnlyAtItsFirst) {
-    const Octets& trap = FindSample("v2_eight_bindings").octets;
-    VarbindList bindings;
-    std::wstring text;
-    const auto compose = [&] {
-        DecodeSnmpMessage(trap.data(), trap.size(), bindings);
-        ComposeTrapRecord({2026, 3, 7, 9, 5, 2, 47}, L"10.1.2.3", bindings, text);
-    };
-    EXPECT_GT(Try(compose).requests, 0U);
-    const Attempt storm = Try([&] {
-        for (int more = 0; more < 100; ++more) {
-            compose();
-        }
-    });
-    EXPECT_EQ(storm.requests, 0U);
-}
 
 }  // namespace

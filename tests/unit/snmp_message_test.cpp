@@ -21,15 +21,14 @@ std::wstring Flatten(const VarbindRecord& record) {
     return record.oid + L"|" + record.name + L"|" + record.type + L"|" + record.value;
 }
 
-bool DecodeInto(const Octets& octets, VarbindList& records) {
+bool DecodeInto(const Octets& octets, std::vector<VarbindRecord>& records) {
     const FencedOctets fenced(octets.data(), octets.size());
     return DecodeSnmpMessage(fenced.data(), fenced.size(), records);
 }
 
 // The records of a message; the result must be true exactly when there is one.
 Lines Decode(const Octets& octets) {
-    VarbindList records;
-    records.Append() = {L"left", L"over", L"from", L"before"};
+    std::vector<VarbindRecord> records = {{L"left", L"over", L"from", L"before"}};
     const bool decoded = DecodeInto(octets, records);
     EXPECT_EQ(decoded, !records.empty());
     Lines lines;
@@ -112,7 +111,7 @@ TEST(DecodeSnmpMessage, Version1AndVersion2cAndInformOfTheSameBindingsGiveTheSam
 TEST(DecodeSnmpMessage, FewerThanTwoOctetsAreNotDecoded) {
     EXPECT_EQ(Decode({}), kNotDecoded);
     EXPECT_EQ(Decode({0x30}), kNotDecoded);
-    VarbindList records;
+    std::vector<VarbindRecord> records;
     EXPECT_FALSE(DecodeSnmpMessage(nullptr, 0, records));
 }
 
@@ -301,7 +300,7 @@ TEST(DecodeSnmpMessage, EmptyIdentifierIsEmptyText) {
 
 TEST(DecodeSnmpMessage, NothingIsLeftOverFromAnEarlierMessage) {
     const ScopedNames names({{L"sysName", L"1.3.6.1.2.1.1.5.0"}});
-    VarbindList records;
+    std::vector<VarbindRecord> records;
     ASSERT_TRUE(DecodeInto(EncodeV2Trap({kName, kUpTime}), records));
     ASSERT_TRUE(DecodeInto(EncodeV2Trap({{"1.3.6.1", {}}}), records));
     ASSERT_EQ(records.size(), 1U);
@@ -382,9 +381,7 @@ TEST(DecodeSnmpMessage, EveryOtherTagIsNamedByItsNumber) {
 
 std::wstring RenderString(std::string_view octets) {
     const FencedOctets fenced(reinterpret_cast<const uint8_t*>(octets.data()), octets.size());
-    std::wstring text = L"<";
-    RenderOctetString(fenced.data(), fenced.size(), text);
-    return text.substr(1);
+    return RenderOctetString(fenced.data(), fenced.size());
 }
 
 TEST(RenderOctetString, PrintableOctetsStandInDoubleQuotes) {

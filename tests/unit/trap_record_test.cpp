@@ -6,18 +6,8 @@ namespace {
 
 constexpr LocalTime kTime = {2026, 3, 7, 9, 5, 2, 47};
 
-VarbindList MakeBindings(const std::vector<VarbindRecord>& records) {
-    VarbindList bindings;
-    for (const VarbindRecord& record : records) {
-        bindings.Append() = record;
-    }
-    return bindings;
-}
-
-std::wstring Compose(const std::vector<VarbindRecord>& records) {
-    std::wstring record = L"leftover";
-    ComposeTrapRecord(kTime, L"10.1.2.3", MakeBindings(records), record);
-    return record;
+std::wstring Compose(const std::vector<VarbindRecord>& bindings) {
+    return ComposeTrapRecord(kTime, L"10.1.2.3", bindings);
 }
 
 const std::wstring kHeaderLine = L"2026-03-07 09:05:02.047       FROM: 10.1.2.3\r\n";
@@ -31,7 +21,7 @@ TEST(ComposeTrapRecord, HasAHeaderLineALineABindingAndAnEmptyLine) {
                   L"\r\n");
 }
 
-TEST(ComposeTrapRecord, SevenBlanksStandBeforeFromAndOneBehindIt) {
+TEST(ComposeTrapRecord, HasSevenBlanksBeforeFromAndOneAfterIt) {
     EXPECT_EQ(Compose({}).substr(23, 21), L"       FROM: 10.1.2.3");
 }
 
@@ -39,7 +29,7 @@ TEST(ComposeTrapRecord, NoBindingsAreRecordedAsNotDecoded) {
     EXPECT_EQ(Compose({}), kHeaderLine + L"DECODED VARBINDS: (not decoded)\r\n\r\n");
 }
 
-TEST(ComposeTrapRecord, EmptyIdentifierLeavesThreeBlanksBehindTheBracket) {
+TEST(ComposeTrapRecord, EmptyIdentifierLeavesThreeBlanksAfterTheBracket) {
     EXPECT_EQ(Compose({{{}, {}, L"INTEGER", L"1"}}), kHeaderLine + L"---> [1]   INTEGER = 1\r\n\r\n");
 }
 
@@ -55,28 +45,9 @@ TEST(ComposeTrapRecord, NumbersAreDecimalWithoutPadding) {
     EXPECT_TRUE(record.ends_with(L"\r\n---> [123] 1.3 (a)  NULL = NULL\r\n\r\n"));
 }
 
-TEST(ComposeTrapRecord, TextsAreTakenAsTheyAre) {
+TEST(ComposeTrapRecord, TextsAreCopiedUnchanged) {
     EXPECT_EQ(Compose({{L"1.3", L"caf\u00E9 (x)", L"OCTET STRING", L"\"a = b\""}}),
               kHeaderLine + L"---> [1] 1.3 (caf\u00E9 (x))  OCTET STRING = \"a = b\"\r\n\r\n");
-}
-
-TEST(VarbindList, ClearingKeepsNoRecordVisible) {
-    VarbindList bindings = MakeBindings({{L"1.3", {}, L"NULL", L"NULL"}, {L"1.4", {}, L"NULL", L"NULL"}});
-    ASSERT_EQ(bindings.size(), 2U);
-    bindings.Clear();
-    EXPECT_TRUE(bindings.empty());
-    EXPECT_EQ(bindings.begin(), bindings.end());
-    bindings.Append() = {L"1.5", {}, L"NULL", L"NULL"};
-    EXPECT_EQ(bindings.size(), 1U);
-    EXPECT_EQ(bindings[0].oid, L"1.5");
-}
-
-TEST(VarbindList, ReleasedListCanBeFilledAgain) {
-    VarbindList bindings = MakeBindings({{L"1.3", {}, L"NULL", L"NULL"}});
-    bindings.Release();
-    EXPECT_TRUE(bindings.empty());
-    bindings.Append() = {L"1.4", {}, L"NULL", L"NULL"};
-    EXPECT_EQ(bindings[0].oid, L"1.4");
 }
 
 }  // namespace

@@ -18,18 +18,20 @@ ScopedDescriptor OpenFile(const std::wstring& path, int flags) {
     return ScopedDescriptor(open(PosixPath(path).c_str(), flags | O_CLOEXEC, kNewFileMode));
 }
 
-bool WriteAll(int descriptor, std::string_view octets) {
-    while (!octets.empty()) {
-        const ssize_t written = write(descriptor, octets.data(), octets.size());
+// Returns how many octets were written: all of them unless the disk is full or fails.
+size_t WriteAll(int descriptor, std::string_view octets) {
+    size_t done = 0;
+    while (done < octets.size()) {
+        const ssize_t written = write(descriptor, octets.data() + done, octets.size() - done);
         if (written < 0 && errno == EINTR) {
             continue;
         }
         if (written <= 0) {
-            return false;
+            break;
         }
-        octets.remove_prefix(static_cast<size_t>(written));
+        done += static_cast<size_t>(written);
     }
-    return true;
+    return done;
 }
 
 // Reads less than `size` octets when the file ends before.
@@ -58,7 +60,7 @@ bool ReadRange(int descriptor, uint64_t offset, uint64_t size, std::string& octe
 
 bool AppendOctets(const std::wstring& path, std::string_view octets) {
     const ScopedDescriptor file = OpenFile(path, O_WRONLY | O_APPEND | O_CREAT);
-    return file && WriteAll(file.get(), octets);
+    return file && (octets.empty() || WriteAll(file.get(), octets) > 0);
 }
 
 bool ReplaceOctets(const std::wstring& path, std::string_view octets) {

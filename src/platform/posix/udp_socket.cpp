@@ -13,14 +13,14 @@
 
 #include "platform/posix/scoped_descriptor.h"
 
-// Closing a descriptor does not wake a thread that waits on it here, so each socket has an event beside it.
+// Closing a descriptor does not wake a thread that waits on it here, so each socket has an event of its own.
 struct UdpSocket {
     UdpSocket(ScopedDescriptor socket, ScopedDescriptor event)
         : descriptor(std::move(socket)), endEvent(std::move(event)) {}
 
     std::mutex lock;              // guards `descriptor` while one non-blocking call uses it
     ScopedDescriptor descriptor;  // reset by CloseUdpSocket
-    ScopedDescriptor endEvent;    // readable from the end of the waiting on; lives as long as the socket
+    ScopedDescriptor endEvent;    // readable once waiting has ended
 };
 
 namespace {
@@ -39,7 +39,7 @@ Wake WaitForReady(UdpSocket& socket, short event) {
     pollfd waits[2] = {{-1, event, 0}, {socket.endEvent.get(), POLLIN, 0}};
     {
         const std::lock_guard lock(socket.lock);
-        // A number that is closed after this and taken over by another file only wakes us for one look.
+        // If the descriptor is closed after this and its number reused, poll at worst returns early once.
         waits[0].fd = socket.descriptor.get();
     }
     if (poll(waits, 2, -1) < 0 && errno != EINTR) {
@@ -80,16 +80,8 @@ void RequestReceiveBuffer(UdpSocket& socket, int octets) {
     setsockopt(socket.descriptor.get(), SOL_SOCKET, SO_RCVBUF, &octets, sizeof octets);
 }
 
-int QueryReceiveBuffer(UdpSocket& socket) {
-    const std::lock_guard lock(socket.lock);
-    int octets = 0;
-    socklen_t size = sizeof octets;
-    getsockopt(socket.descriptor.get(), SOL_SOCKET, SO_RCVBUF, &octets, &size);
-    return octets;
-}
-
-ReceiveResult TakeDatagram(UdpSocket& socket, uint8_t* buffer, size_t capacity, size_t* size,
-                           Ipv4Endpoint* sender) {
+ReceiveResult TryReceiveDatagram(UdpSocket& socket, uint8_t* buffer, size_t capacity, size_t* size,
+                                 Ipv4Endpoint* sender) {
     const std::lock_guard lock(socket.lock);
     if (!socket.descriptor) {
         return ReceiveResult::Closed;
@@ -99,7 +91,7 @@ ReceiveResult TakeDatagram(UdpSocket& socket, uint8_t* buffer, size_t capacity, 
     const ssize_t got = recvfrom(socket.descriptor.get(), buffer, capacity, MSG_DONTWAIT,
                                  reinterpret_cast<sockaddr*>(&from), &fromSize);
     if (got < 0) {
-        return errno == EAGAIN ? ReceiveResult::NothingThere : ReceiveResult::Failed;
+        return errno == EAGAIN ? ReceiveResult::NothingQueued : ReceiveResult::Failed;
     }
     *size = static_cast<size_t>(got);
     *sender = {ntohl(from.sin_addr.s_addr), ntohs(from.sin_port)};

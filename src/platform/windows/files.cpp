@@ -22,15 +22,16 @@ DWORD TransferSize(size_t left) {
     return static_cast<DWORD>(std::min(left, kLargestTransfer));
 }
 
-bool WriteAll(HANDLE file, std::string_view octets) {
-    while (!octets.empty()) {
-        DWORD written = 0;
-        if (!WriteFile(file, octets.data(), TransferSize(octets.size()), &written, nullptr) || written == 0) {
-            return false;
-        }
-        octets.remove_prefix(written);
+// Returns how many octets were written: all of them unless the disk is full or fails.
+size_t WriteAll(HANDLE file, std::string_view octets) {
+    size_t done = 0;
+    DWORD written = 0;
+    while (done < octets.size() &&
+           WriteFile(file, octets.data() + done, TransferSize(octets.size() - done), &written, nullptr) &&
+           written > 0) {
+        done += written;
     }
-    return true;
+    return done;
 }
 
 // Reads less than `size` octets when the file ends before.
@@ -88,9 +89,9 @@ class ScopedUnprotection {
 }  // namespace
 
 bool AppendOctets(const std::wstring& path, std::string_view octets) {
-    // Append access alone: the system itself puts each write behind the end, whoever else writes there.
+    // Append access alone: the system itself puts each write at the end, whoever else writes there.
     const ScopedHandle file = OpenFile(path, FILE_APPEND_DATA, OPEN_ALWAYS);
-    return file && WriteAll(file.get(), octets);
+    return file && (octets.empty() || WriteAll(file.get(), octets) > 0);
 }
 
 bool ReplaceOctets(const std::wstring& path, std::string_view octets) {

@@ -17,9 +17,9 @@ struct SocketHandle {
 };
 using ScopedSocket = Scoped<SocketHandle>;
 
-// The system's own lock, which needs no memory and no handle and so cannot fail: a std::mutex here can, in
-// its first or its first contended use, and a stop that throws half-way would leave a socket open for ever.
-// Named as std::lock_guard wants it.
+// The system's own lock, which needs no memory and no handle and so cannot fail. This toolchain's std::mutex
+// can, in its first or its first contended use, and a stop that throws half-way would leave a socket open.
+// The names are what std::lock_guard requires.
 class SystemLock {
   public:
     void lock() { AcquireSRWLockExclusive(&lock_); }
@@ -37,10 +37,10 @@ struct UdpSocket {
     SystemLock lock;      // guards `handle` while one call uses it
     ScopedSocket handle;  // reset by CloseUdpSocket
 
-    // Set by the system when a datagram waits, or when there is room again after a datagram found none, and
-    // once in the beginning; resets itself when waited for.
+    // Set by the system when a datagram is queued, when there is room again after a send found none, and once
+    // at first; resets itself when waited for.
     const ScopedHandle readyEvent{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
-    // Set from the end of the waiting on.
+    // Set once waiting has ended.
     const ScopedHandle endEvent{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
 };
 
@@ -59,12 +59,25 @@ sockaddr_in MakeSystemAddress(const Ipv4Endpoint& endpoint) {
 ReceiveResult SortReceiveError(int error) {
     switch (error) {
         case WSAEWOULDBLOCK:
-            return ReceiveResult::NothingThere;
+            return ReceiveResult::NothingQueued;
         case WSAEINTR:
         case WSAENOTSOCK:
             return ReceiveResult::Closed;
         default:
             return ReceiveResult::Failed;
+    }
+}
+
+// Without this an ICMP message about an earlier datagram, which anybody can forge, makes the next receive or
+// send fail. If the system refuses, such a receive is retried like any other.
+void IgnoreIcmpErrors(SOCKET handle) {
+    // Not in the headers of every toolchain.
+    constexpr DWORD kUdpConnReset = _WSAIOW(IOC_VENDOR, 12);
+    constexpr DWORD kUdpNetReset = _WSAIOW(IOC_VENDOR, 15);
+    for (const DWORD option : {kUdpConnReset, kUdpNetReset}) {
+        BOOL report = FALSE;
+        DWORD returned = 0;
+        WSAIoctl(handle, option, &report, sizeof report, nullptr, 0, &returned, nullptr, nullptr);
     }
 }
 
@@ -99,6 +112,7 @@ UdpSocketRef OpenUdpSocket() try {
     if (!handle) {
         return nullptr;
     }
+    IgnoreIcmpErrors(handle.get());
     auto opened = std::make_shared<UdpSocket>(std::move(handle));
     // Selecting events also makes the socket one that never blocks.
     const bool complete =
@@ -124,16 +138,8 @@ void RequestReceiveBuffer(UdpSocket& socket, int octets) {
                sizeof octets);
 }
 
-int QueryReceiveBuffer(UdpSocket& socket) {
-    const std::lock_guard lock(socket.lock);
-    int octets = 0;
-    int size = sizeof octets;
-    getsockopt(socket.handle.get(), SOL_SOCKET, SO_RCVBUF, reinterpret_cast<char*>(&octets), &size);
-    return octets;
-}
-
-ReceiveResult TakeDatagram(UdpSocket& socket, uint8_t* buffer, size_t capacity, size_t* size,
-                           Ipv4Endpoint* sender) {
+ReceiveResult TryReceiveDatagram(UdpSocket& socket, uint8_t* buffer, size_t capacity, size_t* size,
+                                 Ipv4Endpoint* sender) {
     const std::lock_guard lock(socket.lock);
     if (!socket.handle) {
         return ReceiveResult::Closed;
@@ -146,8 +152,7 @@ ReceiveResult TakeDatagram(UdpSocket& socket, uint8_t* buffer, size_t capacity, 
     if (got < 0 && error != WSAEMSGSIZE) {
         return SortReceiveError(error);
     }
-    // At WSAEMSGSIZE the buffer is full of the datagram's start and the sender is known: a long datagram is
-    // one all the same.
+    // WSAEMSGSIZE: the datagram was longer than the buffer, which holds its start, and the sender is known.
     *size = got < 0 ? capacity : static_cast<size_t>(got);
     *sender = {ntohl(from.sin_addr.s_addr), ntohs(from.sin_port)};
     return ReceiveResult::Datagram;
@@ -170,15 +175,14 @@ SendResult TrySendDatagram(UdpSocket& socket, const Ipv4Endpoint& target, const 
     if (sent >= 0) {
         return SendResult::Sent;
     }
-    return WSAGetLastError() == WSAEWOULDBLOCK ? SendResult::NoRoom : SendResult::Failed;
+    const int error = WSAGetLastError();
+    return error == WSAEWOULDBLOCK || error == WSAENOBUFS ? SendResult::NoRoom : SendResult::Failed;
 }
 
 bool WaitForRoom(UdpSocket& socket) {
-    // Unlike the one for datagrams, this event is set once and not as long as there is room. Should something
-    // between us and the line ever swallow it, one look a second keeps the trap thread from standing still
-    // for good.
-    constexpr DWORD kLongestSleep = 1000;
-    return WaitForReady(socket, kLongestSleep) == Wake::Ready;
+    // The event follows a send that failed with WSAEWOULDBLOCK, but not one that failed with WSAENOBUFS.
+    constexpr DWORD kRetryInterval = 100;  // milliseconds
+    return WaitForReady(socket, kRetryInterval) == Wake::Ready;
 }
 
 void EndWaiting(UdpSocket& socket) {
@@ -193,7 +197,7 @@ void CloseUdpSocket(UdpSocket& socket) {
 
 bool ParseIpv4Address(const std::string& text, uint32_t* address) {
     in_addr parsed{};
-    // Only a result of 1 may be used: a refused text can have been written in part already.
+    // Only a result of 1 counts: inet_pton writes into `parsed` even when it rejects the text.
     if (inet_pton(AF_INET, text.c_str(), &parsed) != 1) {
         return false;
     }
