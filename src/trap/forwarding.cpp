@@ -4,6 +4,7 @@
 
 #include "config/forwarding_settings.h"
 #include "platform/text.h"
+#include "trap/server_state.h"
 
 void ForwardDatagram(const uint8_t* octets, size_t count, UdpSocket* socket, PendingOutput& output) {
     if (!ForwardingSettings.forwardingEnabled || socket == nullptr) {
@@ -19,8 +20,8 @@ void ForwardDatagram(const uint8_t* octets, size_t count, UdpSocket* socket, Pen
     }
     endpoint.port = static_cast<uint16_t>(target.port);
     SendResult result = TrySendDatagram(*socket, endpoint, octets, count);
-    if (result == SendResult::NoRoom) {
-        output.Write();  // what was announced must not wait with us
+    if (result == SendResult::NoRoom && ServerState.running) {
+        output.Write();  // not left unwritten while this send waits; during a stop nothing waits
     }
     while (result == SendResult::NoRoom && WaitForRoom(*socket)) {
         result = TrySendDatagram(*socket, endpoint, octets, count);

@@ -18,6 +18,7 @@ struct TrapArrival {
 // Processes the traps of one batch in order. SNMP.txt, log.txt and the forwarded datagrams are the same as if
 // each trap were processed alone. A trap that is alone in its batch is recorded and announced before it is
 // forwarded; of several, some may be forwarded before the files are written, but nothing is left unwritten
-// while a send waits for room. A trap for which memory runs out is lost, and no other. `forwardSocket` may be
+// while a send waits for room. Memory that runs out for one trap costs at most
+// that trap. `forwardSocket` may be
 // null. Throws nothing.
 void ProcessTraps(std::span<const TrapArrival> arrivals, UdpSocket* forwardSocket) noexcept;

@@ -287,6 +287,14 @@ TEST_F(FullDisk, InTheMiddleOfATurnItCutsTheRecordThatNoLongerFitsAndAllAreForwa
     EXPECT_FALSE(CheckRecordsOfOneRun(std::string_view(all).substr(fitted.size()), record));
 }
 
+TEST_F(FullDisk, ACopyThatIsCutHasFailed) {
+    const std::wstring source = AppPaths.dataDir + L"\\source.mib";
+    WriteOctets(source, std::string(size_t{32} << 10, 'x'));
+    FillDiskExcept(size_t{16} << 10);
+    EXPECT_FALSE(CopyFileOver(source, AppPaths.mibsDir + L"\\target.mib"));
+    EmptyDisk();
+}
+
 TEST_F(FullDisk, SettingsSavedOnAFullDiskAreWhatFitted) {
     WriteOctets(AppPaths.configPath, "");
     FillDisk();

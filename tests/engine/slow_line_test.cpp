@@ -22,6 +22,7 @@ constexpr uint32_t kSlowAddress = 0x0A4D0102;
 constexpr wchar_t kDeadNeighbour[] = L"10.77.1.3";
 constexpr wchar_t kQuickHost[] = L"10.77.2.2";
 constexpr wchar_t kUnreachable[] = L"203.0.113.1";  // no route leads there
+constexpr char kReceived[] = "Trap received (127.0.0.1).";
 constexpr char kFailed[] = "Forwarding failed (sendto error).";
 
 // 1,500 ms for each worker.
@@ -117,8 +118,12 @@ TEST_F(SlowLines, WhatAStopLeavesUnsentIsALineForEach) {
     EXPECT_EQ(CountLogLines(kFailed), 0U) << "it waits for room";
     ExpectStopInTime();
     ExpectWorkersEnded();
-    EXPECT_GE(CountLogLines(kFailed), 1U);
-    EXPECT_EQ(CountLogLines(kFailed), CountLogLines("Trap received (127.0.0.1)."));
+    std::vector<std::string> lines = LogLines();
+    std::erase_if(lines, [](const std::string& line) { return line != kReceived && line != kFailed; });
+    ASSERT_GE(lines.size(), 2U);
+    for (size_t index = 0; index < lines.size(); ++index) {
+        EXPECT_EQ(lines[index], index % 2 == 0 ? kReceived : kFailed) << index;
+    }
 }
 
 TEST_F(SlowLines, ADeadNeighbourDoesNotHoldUpAStop) {

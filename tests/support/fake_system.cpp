@@ -113,7 +113,7 @@ void WorkerThreadCloser::operator()(WorkerThread* thread) const {
 }
 
 LocalTime ReadLocalTime() {
-    return kFakeTime;
+    return Fake.now;
 }
 
 uint64_t ReadTickCount() {

@@ -20,6 +20,7 @@ constexpr LocalTime kFakeTime = {2026, 3, 7, 9, 5, 2, 47};
 
 struct FakeSystem {
     std::vector<std::string> steps;  // what was asked of the system, in order
+    LocalTime now = kFakeTime;
 
     int socketsLeft = 3;
     uint16_t portInUse = 0;

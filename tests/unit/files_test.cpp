@@ -133,6 +133,9 @@ TEST_F(FilesTest, CopyingReplacesAnExistingTarget) {
     ASSERT_TRUE(ReplaceOctets(source, "new"));
     EXPECT_TRUE(CopyFileOver(source, file_)) << "over the old one";
     EXPECT_EQ(ReadFrom(0), "new");
+    ASSERT_TRUE(ReplaceOctets(source, ""));
+    EXPECT_TRUE(CopyFileOver(source, file_)) << "an empty one";
+    EXPECT_EQ(ReadFrom(0), "");
 }
 
 TEST_F(FilesTest, FailedCopyLeavesTheTargetUnchanged) {

@@ -189,8 +189,9 @@ TEST_F(TrapBatches, KeepEachDatagramWithItsSenderAndTime) {
     EXPECT_EQ(arrivals[1].count, 0U);
     EXPECT_EQ(arrivals[1].sender.address, 0x7F000001U);
     EXPECT_EQ(Octets(arrivals[2].octets, arrivals[2].octets + arrivals[2].count), (Octets{9, 9}));
-    EXPECT_EQ(arrivals[2].time.millisecond, kFakeTime.millisecond);
+    Fake.now = {2027, 1, 1, 0, 0, 0, 0};
     batch_->Process();
+    EXPECT_TRUE(TrapFile().starts_with(kFrom)) << "the time of arrival";
     EXPECT_TRUE(batch_->arrivals().empty());
 }
 
@@ -388,7 +389,8 @@ TEST_F(Processing, AFailureInTheMiddleIsReportedInTheMiddle) {
 
 TEST_F(Processing, NothingIsUnwrittenWhileASendWaits) {
     ReplaceForwarding(true, L"10.0.0.7", 9162);
-    Fake.sendResults = {SendResult::Sent, SendResult::Failed, SendResult::NoRoom};
+    Fake.sendResults = {SendResult::Sent, SendResult::Failed, SendResult::NoRoom, SendResult::NoRoom,
+                        SendResult::NoRoom};
     size_t waits = 0;
     Fake.onWaitForRoom = [&] {
         ++waits;
@@ -397,8 +399,8 @@ TEST_F(Processing, NothingIsUnwrittenWhileASendWaits) {
         return true;
     };
     Process(Numbered(6));
-    EXPECT_EQ(waits, 1U);
-    EXPECT_EQ(Fake.attempts.size(), 7U) << "one more for the trap that waited";
+    EXPECT_EQ(waits, 3U);
+    EXPECT_EQ(Fake.attempts.size(), 9U) << "three more for the trap that waited";
     EXPECT_EQ(TrapFile(), Records(6));
     EXPECT_EQ(LogLines(), (Lines{kReceived, kReceived, kFailed, kReceived, kReceived, kReceived, kReceived}));
 }
@@ -429,12 +431,27 @@ TEST_F(Processing, ANewTargetWhileASendWaitsAppliesToTheNextTrap) {
     EXPECT_EQ(Fake.attempts[3].target.address, 8U);
 }
 
-// A stop makes every wait for room end at once.
+TEST_F(Processing, ASendThatFailsAfterItWaitedIsOneFailure) {
+    ReplaceForwarding(true, L"10.0.0.7", 9162);
+    Fake.sendResults = {SendResult::NoRoom, SendResult::Failed};
+    Fake.onWaitForRoom = [] { return true; };
+    Process(Numbered(2));
+    EXPECT_EQ(LogLines(), (Lines{kReceived, kFailed, kReceived}));
+}
+
+// The stop begins while the second trap waits; from then on every wait for room ends at once.
 TEST_F(Processing, AStopLeavesAFailureLineAfterEachTrapThatFindsNoRoom) {
     ReplaceForwarding(true, L"10.0.0.7", 9162);
-    Fake.sendResults.assign(4, SendResult::NoRoom);
+    Fake.sendResults = {SendResult::Failed, SendResult::NoRoom, SendResult::NoRoom, SendResult::NoRoom};
+    Fake.onWaitForRoom = [] {
+        ServerState.running = false;
+        return false;
+    };
+    NoteAppends();
     Process(Numbered(4));
     EXPECT_EQ(Fake.attempts.size(), 4U) << "one attempt each";
+    EXPECT_EQ(std::count(Fake.steps.begin(), Fake.steps.end(), "append log.txt"), 2)
+        << "before the wait, and the rest together";
     EXPECT_EQ(LogLines(), ReceivedAndFailed(4));
     EXPECT_EQ(TrapFile(), Records(4));
 }

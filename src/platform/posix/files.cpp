@@ -103,7 +103,7 @@ bool CopyFileOver(const std::wstring& source, const std::wstring& target) {
         return false;
     }
     const ScopedDescriptor file = OpenFile(target, O_WRONLY | O_TRUNC | O_CREAT);
-    return file && WriteAll(file.get(), octets);
+    return file && WriteAll(file.get(), octets) == octets.size();
 }
 
 bool RemoveFile(const std::wstring& path) {
