@@ -60,21 +60,6 @@ def _list_box(text, x, y, width, height):
     return ("ListBox", text, CHILD | WS_VSCROLL | LBS_NOTIFY, WS_EX_CLIENTEDGE, (x, y, width, height), 0)
 
 
-def _rows(left, *rows):
-    """Controls in rows, one below the other: each row is the gap above it, its height, and (function, text, gap to its
-    left, width, further arguments) of each control in it."""
-    top = 0
-    controls = []
-    for gap, height, *row in rows:
-        top += gap
-        x = left
-        for make, text, indent, width, *more in row:
-            controls.append(make(text, x + indent, top, width, height, *more))
-            x += indent + width
-        top += height
-    return tuple(controls)
-
-
 def _viewer(name, button, class_name, title, clear_text, clear_id, clear_width, timer):
     controls = (
         ("Edit", None, VIEW_STYLE, WS_EX_CLIENTEDGE, (12, 12, 940, 460), 0),
@@ -95,22 +80,17 @@ STATUS = ToolWindow(
     "Status",
     RESIZABLE_FRAME,
     (720, 560),
-    _rows(
-        12,
-        (12, 20, (_label, None, 0, 680)),  # Server:
-        (4, 20, (_label, None, 0, 680)),  # Listening:
-        (4, 20, (_label, None, 0, 680)),  # Forwarding:
-        (4, 20, (_label, None, 0, 680)),  # Last trap:
-        (8, 44, (_label, None, 0, 680)),  # Data dir:, MIB dir:
-        (8, 20, (_label, None, 0, 680)),  # Loaded MIB files:
-        (6, 20, (_label, "Imported MIB files:", 0, 200)),
-        (2, 240, (_list_box, "", 0, 680)),
-        (
-            14,
-            30,
-            (_button, "Import MIB Files", 0, 150, IMPORT_BUTTON),
-            (_button, "Delete all MIBs", 10, 150, DELETE_BUTTON),
-        ),
+    (
+        _label(None, 12, 12, 680, 20),  # Server:
+        _label(None, 12, 36, 680, 20),  # Listening:
+        _label(None, 12, 60, 680, 20),  # Forwarding:
+        _label(None, 12, 84, 680, 20),  # Last trap:
+        _label(None, 12, 112, 680, 44),  # Data dir:, MIB dir:
+        _label(None, 12, 164, 680, 20),  # Loaded MIB files:
+        _label("Imported MIB files:", 12, 190, 200, 20),
+        _list_box("", 12, 212, 680, 240),
+        _button("Import MIB Files", 12, 466, 150, 30, IMPORT_BUTTON),
+        _button("Delete all MIBs", 172, 466, 150, 30, DELETE_BUTTON),
     ),
     1003,
     700,
