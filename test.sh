@@ -20,7 +20,6 @@ case "${1:-}" in
         scripts/build.sh native
         scripts/build.sh tsan
         scripts/build.sh windows all tests/kit/all tests/packages/all
-        scripts/build.sh clang all tests/kit/all tests/packages/all
         selection=()
         ;;
     *)

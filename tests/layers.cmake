@@ -34,6 +34,12 @@ function(add_layers)
     set(programs unit receiver_steps socket_calls failure)
     # It makes windows, for which Wine wants a display.
     add_network_test(windows.memory 300 ${desktop} $<TARGET_FILE:quillmont_memory_tests>)
+    if(NOT CMAKE_HOST_WIN32)
+      # The same sources, which a second compiler must accept without a warning.
+      add_test(NAME windows.clang
+          COMMAND ${CMAKE_SOURCE_DIR}/scripts/build.sh clang all tests/kit/all tests/packages/all)
+      set_tests_properties(windows.clang PROPERTIES TIMEOUT 1800 PROCESSORS 2 LABELS all)
+    endif()
   elseif(QUILLMONT_SANITIZERS STREQUAL "thread")
     set(build tsan)
     set(runner ${IN_PRIVATE_NETWORK})

@@ -42,7 +42,8 @@ std::vector<std::wstring> SplitLines(const std::wstring& text) {
 }
 
 TEST(BuildViewText, LongLinesAreBrokenIntoPartsWithoutLosingACharacter) {
-    for (const size_t length : {1001, 1002, 1097, 1098, 1099, 1100, 1101, 1102, 1103, 1104, 260000}) {
+    for (const size_t length :
+         {1001U, 1002U, 1097U, 1098U, 1099U, 1100U, 1101U, 1102U, 1103U, 1104U, 260000U}) {
         for (const std::wstring end : {L"", L"\n", L"\r\n", L"\r\r\n"}) {
             const std::wstring line = Line(length);
             const std::wstring text = BuildViewText(L"before\r\n" + line + end);
