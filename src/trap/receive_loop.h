@@ -25,8 +25,8 @@ class ReceiveBatch {
 };
 
 // Receives on `socket` and processes what was received, until the socket is closed or ServerState.running is
-// clear. Once that flag is clear nothing more is received (but for a receive that has just begun); what was received before is still processed.
-// After an empty socket one datagram is waited for and is a batch of its own; then everything that is queued
-// goes into the next batch, as far as it has room. A receive error is retried after 10 ms, without limit and
-// without a log line.
+// clear. Once that flag is clear nothing more is received (but for a receive that has just begun); what was
+// received before is still processed. After an empty socket one datagram is waited for and is a batch of its
+// own; then everything that is queued goes into the next batch, as far as it has room. A receive error is
+// retried after 10 ms, without limit and without a log line.
 void ReceiveWhileRunning(UdpSocket& socket, ReceiveBatch& batch);

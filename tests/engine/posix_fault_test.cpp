@@ -291,7 +291,7 @@ TEST_F(FullDisk, ACopyThatIsCutHasFailed) {
     const std::wstring source = AppPaths.dataDir + L"\\source.mib";
     WriteOctets(source, std::string(size_t{32} << 10, 'x'));
     FillDiskExcept(size_t{16} << 10);
-    EXPECT_FALSE(CopyFileOver(source, AppPaths.mibsDir + L"\\target.mib"));
+    EXPECT_FALSE(CopyFileOver(source, AppPaths.dataDir + L"\\target.mib"));
     EmptyDisk();
 }
 
