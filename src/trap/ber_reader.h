@@ -1,13 +1,13 @@
-// Walking the octets of a message in the Basic Encoding Rules: headers, integers, object identifiers.
-// Forgiving in some places and strict in others; both are relied on by trap/snmp_message.h. No state, single
-// forward passes.
+// Reads the Basic Encoding Rules: element headers, integers and object identifiers. All functions work on
+// octets in memory in one forward pass and have no state. Where they are lenient and where they are strict
+// decides which messages trap/snmp_message.h can decode.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
 
-// What is left to read of a message, or of the content of an element.
+// The unread part of a message or of an element's content.
 struct OctetRange {
     const uint8_t* position = nullptr;
     const uint8_t* end = nullptr;
@@ -15,7 +15,7 @@ struct OctetRange {
     size_t size() const { return static_cast<size_t>(end - position); }
 };
 
-// One element: its whole tag octet and its content.
+// One element: its tag octet and its content, which points into the message.
 struct TlvHeader {
     uint8_t tag = 0;
     const uint8_t* content = nullptr;
@@ -25,8 +25,9 @@ struct TlvHeader {
     OctetRange elements() const { return {content, contentEnd}; }
 };
 
-// Reads past `count` octets. True: *octets is the first of them. False, nothing changed: fewer are left.
-// The one place that compares wanted with remaining; it never adds to a pointer a length that a sender chose.
+// Skips `count` octets. True: *octets points to the first of them. False: fewer are left, and nothing has
+// changed. This is the only bounds check: no length from a message is added to a pointer before it is checked
+// here.
 inline bool ReadOctets(OctetRange& left, uint64_t count, const uint8_t** octets) {
     if (count > left.size()) {
         return false;
@@ -36,16 +37,16 @@ inline bool ReadOctets(OctetRange& left, uint64_t count, const uint8_t** octets)
     return true;
 }
 
-// Reads a length in the long form; the lower bits of `lengthOctet` say how many octets it has. False: none,
-// more than four, or cut off.
+// Reads a length in the long form. The low seven bits of `lengthOctet` are the number of length octets in
+// `left`. False: that number is 0 or above 4, or `left` has fewer octets.
 bool ReadLongLength(OctetRange& left, uint8_t lengthOctet, uint64_t* length);
 
 // Reads the header at `position` inside [position, end).
 // True: *header is filled and its whole content lies inside the range; content that ends exactly at `end`
-//   is fine.
-// False, *header untouched: fewer than two octets left, an indefinite length (0x80), a long form of more than
+//   is valid.
+// False, *header unchanged: fewer than two octets left, an indefinite length (0x80), a long form of more than
 //   four length octets, length octets cut off, or content running past `end`.
-// Never looks at `end` or beyond.
+// Never reads at `end` or beyond.
 // Intentional: lengths longer than necessary are accepted, since agents in the field send them.
 inline bool ReadTlvHeader(const uint8_t* position, const uint8_t* end, TlvHeader* header) {
     OctetRange left = {position, end};
@@ -65,7 +66,7 @@ inline bool ReadTlvHeader(const uint8_t* position, const uint8_t* end, TlvHeader
     return true;
 }
 
-// The same for the element at the front of `left`, which then begins after it. False: both are untouched.
+// Reads the element at the start of `left` and moves `left` past it. False: both are unchanged.
 inline bool ReadElement(OctetRange& left, TlvHeader* element) {
     if (!ReadTlvHeader(left.position, left.end, element)) {
         return false;
@@ -74,14 +75,16 @@ inline bool ReadElement(OctetRange& left, TlvHeader* element) {
     return true;
 }
 
-// The octets as a big-endian two's complement number; no octets give 0. Callers print it signed or unsigned.
-// Intentional: every multiple of eight octets is sign-extended by a shift of 0, so that a negative
-//   number of eight octets is always -1; of more than eight octets only the last eight count; and an
-//   unsigned value that an agent sent without its leading zero octet is sign-extended too and prints
-//   near 18446744073709551615.
+// Returns the octets as a big-endian two's complement number, 0 if there are none. Callers print it signed or
+// unsigned.
+//
+// Intentional, because trap records show these values: the sign is extended from bit (8 * count) mod 64 on,
+// so a negative number of exactly eight octets is -1; octets before the last eight are lost; an unsigned
+// value sent without its leading zero octet is sign-extended too and prints near 18446744073709551615.
 uint64_t DecodeBerInteger(const uint8_t* octets, size_t count);
 
-// The identifier in dotted decimal; no octets give empty text.
-// Intentional: the first octet alone gives the first two arcs as v / 40 and v mod 40, whatever it is; arcs
-//   wrap in 64 bits; octets of an unfinished last arc are dropped.
+// Returns the identifier in dotted decimal, empty if there are no octets.
+//
+// Intentional, to stay simple: the first octet v always gives the first two arcs as v / 40 and v mod 40,
+// without a special case for arc 2; arcs wrap in 64 bits; an unfinished last arc is dropped.
 std::wstring DecodeOidText(const uint8_t* octets, size_t count);

@@ -13,7 +13,7 @@ void ForwardDatagram(const uint8_t* octets, size_t count, UdpSocket* socket, Pen
     const ForwardingValues target = CopyForwarding();
     std::string addressText;
     Ipv4Endpoint endpoint;
-    // The flag is checked again: forwarding may have been switched off, and the target replaced, meanwhile.
+    // Check the flag again, together with its target: both may have changed since the unlocked check above.
     if (!target.enabled || !EncodeAnsi(target.ip, addressText) ||
         !ParseIpv4Address(addressText, &endpoint.address)) {
         return;
@@ -21,7 +21,7 @@ void ForwardDatagram(const uint8_t* octets, size_t count, UdpSocket* socket, Pen
     endpoint.port = static_cast<uint16_t>(target.port);
     SendResult result = TrySendDatagram(*socket, endpoint, octets, count);
     if (result == SendResult::NoRoom && ServerState.running) {
-        output.Write();  // not left unwritten while this send waits; during a stop nothing waits
+        output.Write();  // records and log lines must not wait for the network; during a stop nothing waits
     }
     while (result == SendResult::NoRoom && WaitForRoom(*socket)) {
         result = TrySendDatagram(*socket, endpoint, octets, count);

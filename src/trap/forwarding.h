@@ -1,4 +1,4 @@
-// Forwarding: the same octets, once, to the one address of the settings. No queue, no retry.
+// Forwards received datagrams unchanged to the one target in the settings. Nothing is queued or sent twice.
 #pragma once
 
 #include <cstddef>
@@ -7,10 +7,14 @@
 #include "platform/udp_socket.h"
 #include "trap/pending_output.h"
 
-// Sends when forwarding is on, `socket` is not null and the settings hold a dotted IPv4 address; otherwise
-// does nothing. The settings are read on each call, so a change applies to the next datagram. If the system
-// has no room, writes `output` and waits for room until EndWaiting or CloseUdpSocket was called for the
-// socket. Adds a log line to `output` when the system refused the send or the wait ended without room. May
-// throw std::bad_alloc. Trap thread.
-// Intentional: a target that is this computer's own port 162 comes back as a new trap, without end.
+// Sends the datagram through `socket` if forwarding is on, `socket` is not null and the settings contain a
+// dotted IPv4 address; otherwise does nothing. The settings are read on each call, so a change applies to the
+// next datagram. May throw std::bad_alloc. Trap thread only.
+//
+// If the system's send buffer is full, writes `output` and waits for room until EndWaiting or CloseUdpSocket
+// is called on `socket`. Adds a log line to `output` if the system refused the send or the wait ended without
+// room.
+//
+// Intentional: the target is not compared with this computer's own addresses. A datagram that is forwarded to
+// this computer's port 162 arrives as a new trap and loops forever.
 void ForwardDatagram(const uint8_t* octets, size_t count, UdpSocket* socket, PendingOutput& output);

@@ -10,7 +10,7 @@
 
 namespace {
 
-// Only the senders count: each datagram overwrites the one before.
+// Collects log lines only: each datagram overwrites the previous one in the buffer.
 class ListenerBatch : public ReceiveBatch {
   public:
     std::span<uint8_t> Room() override {
@@ -30,7 +30,7 @@ class ListenerBatch : public ReceiveBatch {
     }
 
   private:
-    static constexpr size_t kBufferSize = 4096;  // a longer datagram is cut
+    static constexpr size_t kBufferSize = 4096;  // a longer datagram is truncated
     static constexpr size_t kMostArrivals = 256;
 
     std::array<uint8_t, kBufferSize> buffer_;

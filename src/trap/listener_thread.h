@@ -1,8 +1,8 @@
-// The worker for UDP 161: it keeps the port in use and logs each datagram; nothing is decoded, nothing
-// is answered.
+// The worker for UDP 161. It logs the sender of each datagram and neither decodes nor answers it.
 #pragma once
 
 #include "platform/udp_socket.h"
 
-// Logs datagrams until `listenerSocket` is closed or the receiver stops. Throws nothing.
+// Logs datagrams until `listenerSocket` is closed or the receiver stops. The socket must outlive the call.
+// Throws nothing.
 void ListenerThread(UdpSocket& listenerSocket) noexcept;

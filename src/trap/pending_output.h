@@ -1,5 +1,5 @@
-// What a batch adds to SNMP.txt and log.txt, so that each of the two is opened once for all of it: opening
-// and closing them is nine tenths of what a trap costs.
+// Collects what a batch adds to SNMP.txt and log.txt and writes it with one open of each file. Opening and
+// closing the files is nine tenths of the cost of a trap.
 #pragma once
 
 #include <string>
@@ -8,11 +8,12 @@
 
 class PendingOutput {
   public:
-    // Each throws std::bad_alloc and adds nothing then.
+    // Both may throw std::bad_alloc; nothing is added then.
     void AddRecord(std::wstring record);
-    void AddLogLine(std::wstring_view message);  // with the time of this call
+    void AddLogLine(std::wstring_view message);  // the line has the time of this call
 
-    // Appends what was added, first the records, then the lines, and forgets it.
+    // Appends the records to SNMP.txt, then the lines to log.txt, and empties this object. Locks FileLock. A
+    // text that cannot be written is lost.
     void Write() noexcept;
 
   private:

@@ -7,7 +7,8 @@ namespace {
 
 constexpr uint32_t kRetryDelay = 10;  // milliseconds
 
-// Returns the result of the last attempt.
+// Receives queued datagrams until the batch is full, at most one if `oneOnly`. Returns the result of the last
+// attempt to receive.
 ReceiveResult FillBatch(UdpSocket& socket, ReceiveBatch& batch, bool oneOnly) {
     while (ServerState.running) {
         const std::span<uint8_t> room = batch.Room();

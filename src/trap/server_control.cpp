@@ -13,7 +13,7 @@ namespace {
 
 constexpr uint16_t kTrapPort = 162;
 constexpr uint16_t kListenerPort = 161;
-constexpr int kTrapReceiveBuffer = 32 * 1024 * 1024;  // octets: what may queue up in a burst
+constexpr int kTrapReceiveBuffer = 32 * 1024 * 1024;  // octets; a burst queues up in it
 constexpr uint32_t kLongestWait = 1500;               // milliseconds, for each worker
 
 void CloseSocketField(UdpSocketRef* socket) {
@@ -23,7 +23,7 @@ void CloseSocketField(UdpSocketRef* socket) {
     }
 }
 
-// True: *socket holds a socket bound to `port` on all addresses. False: *socket is null.
+// True: *socket is a new socket bound to `port` on all addresses. False: *socket is null.
 bool BindUdpSocket(UdpSocketRef* socket, uint16_t port) {
     *socket = OpenUdpSocket();
     if (*socket && !BindToAllAddresses(**socket, port)) {
@@ -51,7 +51,7 @@ void RequestRepaint() {
     }
 }
 
-// A port 161 that is in use is a warning, not a failure.
+// If UDP 161 cannot be bound, that is only a warning.
 bool OpenSockets() {
     ServerState.forwardSocket = OpenUdpSocket();
     if (!ServerState.forwardSocket) {
@@ -70,7 +70,7 @@ bool OpenSockets() {
     return true;
 }
 
-// Null when out of memory, as when the system refuses a thread.
+// Returns null if memory runs out or the system refuses to create a thread.
 template <typename Body>
 WorkerThreadHandle StartWorker(const Body& body) {
     try {
@@ -80,7 +80,7 @@ WorkerThreadHandle StartWorker(const Body& body) {
     }
 }
 
-// Each worker has its own references, so its sockets live as long as it does.
+// Each worker owns references to its sockets, which therefore outlive it.
 bool StartTrapWorker() {
     ServerState.trapThreadHandle =
         StartWorker([trap = ServerState.trapSocket, forward = ServerState.forwardSocket] {
@@ -107,7 +107,7 @@ bool StartServer() {
     if (!OpenSockets()) {
         return false;
     }
-    ServerState.running.exchange(true);  // before the workers start, so that they enter their loops
+    ServerState.running.exchange(true);  // before the workers start, because their loops check it
     if (!StartTrapWorker()) {
         LogMessage(L"Failed to create trap thread.");
         StopServer();
@@ -129,7 +129,7 @@ void StopServer() {
     LogMessage(L"Stopping server...");
     CloseSocketField(&ServerState.trapSocket);
     CloseSocketField(&ServerState.listenerSocket);
-    // What the trap thread has received it still forwards, without waiting for a slow line.
+    // Traps that were received are still forwarded, but without waiting for room to send.
     EndWaiting(*ServerState.forwardSocket);
     WaitForWorker(&ServerState.trapThreadHandle);
     WaitForWorker(&ServerState.listenerThreadHandle);

@@ -1,21 +1,24 @@
-// Starting and stopping the receiver as a whole. GUI thread only. Both are safe in any state: starting a
-// running receiver and stopping a stopped one do nothing and log nothing.
+// Starts and stops the receiver. GUI thread only. Starting a running receiver and stopping a stopped one are
+// no-ops and log nothing.
 #pragma once
 
-// Set by the main window; null: not called. Called on the GUI thread, with no lock held.
+// Callbacks of the main window; null ones are not called. They are called on the GUI thread with no lock
+// held.
 struct ServerHooks {
-    void (*showRunning)(bool running) = nullptr;  // the button's text, before the last log line
-    void (*repaint)() = nullptr;                  // the indicator, after it
+    void (*showRunning)(bool running) = nullptr;  // sets the button's text; before the last log line
+    void (*repaint)() = nullptr;                  // repaints the indicator; after the last log line
 };
 extern ServerHooks ServerEvents;
 
-// True: the receiver runs afterwards. False: it could not be started, the log says why, and nothing
-// stays open.
+// Starts the receiver. True: it is running. False: it could not be started; the log says why, and no socket
+// is left open.
 bool StartServer();
 
-// Closes the two ports and waits for the workers, at most 1500 ms each, the trap thread first. Traps received
-// before are still recorded, announced and sent, each with one attempt, so no network can delay a stop; a
-// trap that cannot be sent has its failure line. A worker that takes longer is no longer waited for: it
-// finishes its batch, finds its sockets closed, logs no more failures to forward, and ends. Only a file call
-// that hangs under FileLock can make a stop longer, since the stop writes its own lines to log.txt.
+// Stops the receiver: closes both ports and waits up to 1500 ms for each worker, the trap thread first. Traps
+// that were received before are still recorded, logged and forwarded, with one send attempt each, so a slow
+// network cannot delay the stop. A trap that cannot be sent gets its failure line.
+//
+// A worker that takes longer is abandoned: it finishes its batch without logging further forwarding failures,
+// finds its sockets closed, and ends. The stop itself takes longer only if a file operation of another thread
+// hangs under FileLock, because it writes to log.txt.
 void StopServer();

@@ -1,4 +1,4 @@
-// The state of the receiver as a whole, changed by trap/server_control.h.
+// The state of the receiver. trap/server_control.h changes it.
 #pragma once
 
 #include <atomic>
@@ -10,28 +10,28 @@
 #include "platform/udp_socket.h"
 
 struct ServerStateFields {
-    std::atomic<bool> running{false};  // GUI thread exchanges; both workers and the windows load.
+    std::atomic<bool> running{false};  // GUI thread sets and clears; all threads read.
 
-    // GUI thread only. Each worker gets its own references when it starts and never reads these, so a worker
-    // that outlives its stop cannot reach the sockets of the next run. Null: closed.
+    // GUI thread only; null: closed. Workers get their own references when they start and never read these,
+    // so a worker that is still running after a stop cannot use the sockets of the next run.
     UdpSocketRef trapSocket;      // bound to UDP 162
     UdpSocketRef listenerSocket;  // bound to UDP 161, or null when that port is in use
     UdpSocketRef forwardSocket;   // unbound
     WorkerThreadHandle trapThreadHandle;
     WorkerThreadHandle listenerThreadHandle;
 
-    // The last datagram on 162, not reset by a stop or start: ReadTickCount at its arrival (0: none yet) and
-    // its sender.
-    std::atomic<uint64_t> lastTrapTick{0};
-    std::wstring lastTrapSender;  // "10.1.2.3:49152". Trap thread replaces; under LastTrapSenderLock.
+    // The last datagram on UDP 162. The trap thread writes both; a stop or start does not reset them.
+    std::atomic<uint64_t> lastTrapTick{0};  // ReadTickCount() at its arrival; 0: none yet
+    std::wstring lastTrapSender;            // "10.1.2.3:49152"; guarded by LastTrapSenderLock
 };
 extern ServerStateFields ServerState;
 
-// Locked for one copy or one assignment of lastTrapSender; nothing is called under it.
+// Guards lastTrapSender. Locked for one copy or one assignment; nothing else is called while it is held.
 extern std::mutex LastTrapSenderLock;
 
+// Returns lastTrapSender. Locks LastTrapSenderLock. May throw std::bad_alloc.
 std::wstring CopyLastTrapSender();
 
-// Sets lastTrapTick to now and lastTrapSender to the text of `sender`. If memory runs out for the text, the
-// older sender remains. Throws nothing. Trap thread.
+// Sets lastTrapTick to the current tick and lastTrapSender to `sender` as text. If memory runs out, the
+// previous sender remains. Locks LastTrapSenderLock. Throws nothing. Trap thread only.
 void NoteLastTrap(const Ipv4Endpoint& sender) noexcept;

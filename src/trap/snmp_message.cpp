@@ -20,8 +20,8 @@ void AppendHexOctet(std::wstring& text, uint8_t octet) {
     text.push_back(kDigits[octet & 0x0F]);
 }
 
-// The PDU's last readable element is the list: trailing octets that form no element are ignored, a trailing
-// readable element replaces the list.
+// The last readable element of the PDU is the list: trailing garbage is ignored, a trailing readable element
+// replaces the list. False: no element is readable.
 bool ReadLastElement(OctetRange left, TlvHeader* last) {
     const bool found = ReadElement(left, last);
     while (ReadElement(left, last)) {
@@ -89,7 +89,7 @@ void RenderValue(const TlvHeader& value, VarbindRecord& record) {
     }
 }
 
-// A binding without a readable identifier is skipped.
+// Appends the binding's record, or nothing if the binding has no readable identifier.
 void DecodeBinding(OctetRange binding, std::vector<VarbindRecord>& records) {
     TlvHeader identifier;
     if (!ReadElement(binding, &identifier) || identifier.tag != kOidTag) {

@@ -1,4 +1,4 @@
-// The datagrams that were received together on UDP 162.
+// A batch of datagrams from UDP 162.
 #pragma once
 
 #include <array>
@@ -9,19 +9,20 @@
 #include "trap/receive_loop.h"
 #include "trap/trap_processing.h"
 
-// Stores octets and arrivals inside itself: a thread that has it on its stack needs no memory to receive.
+// Contains its buffers, so receiving allocates no memory. Trap thread only.
 class TrapBatch : public ReceiveBatch {
   public:
     static constexpr size_t kLargestDatagram = 65535;
     static constexpr size_t kMostArrivals = 256;
 
-    // Traps are forwarded through `forwardSocket`, which outlives the batch; null: nothing is forwarded.
+    // `forwardSocket` must outlive the batch. Null: nothing is forwarded.
     explicit TrapBatch(UdpSocket* forwardSocket) : forwardSocket_(forwardSocket) {}
 
-    // Room for the largest datagram, unless 64 KB are in use or there are kMostArrivals.
+    // Returns at least kLargestDatagram octets. Empty if fewer are left or the batch has kMostArrivals
+    // datagrams.
     std::span<uint8_t> Room() override;
 
-    // Notes the time of arrival, and sets ServerState.lastTrapTick and lastTrapSender.
+    // Also stores the time of arrival and sets ServerState.lastTrapTick and lastTrapSender.
     void AddArrival(size_t count, const Ipv4Endpoint& sender) override;
 
     void Process() override;
@@ -36,6 +37,6 @@ class TrapBatch : public ReceiveBatch {
     UdpSocket* forwardSocket_;
 };
 
-// The trap thread has the batch on its stack, of which the system guarantees this much
-// (see src/CMakeLists.txt).
+// The batch is on the trap thread's stack, of which this much is committed from the start, so using it cannot
+// fail (see src/CMakeLists.txt).
 static_assert(sizeof(TrapBatch) <= QUILLMONT_COMMITTED_STACK * 3 / 4);

@@ -1,4 +1,4 @@
-// What happens to a trap after it was received: decoded, recorded, announced, forwarded.
+// Processes received traps: decodes, records, logs and forwards each.
 #pragma once
 
 #include <cstddef>
@@ -8,17 +8,18 @@
 #include "platform/clock.h"
 #include "platform/udp_socket.h"
 
+// A received datagram.
 struct TrapArrival {
     const uint8_t* octets = nullptr;
-    size_t count = 0;  // may be 0
+    size_t count = 0;  // may be 0; the octets are owned by the batch
     Ipv4Endpoint sender;
     LocalTime time;
 };
 
 // Processes the traps of one batch in order. SNMP.txt, log.txt and the forwarded datagrams are the same as if
-// each trap were processed alone. A trap that is alone in its batch is recorded and announced before it is
-// forwarded; of several, some may be forwarded before the files are written, but nothing is left unwritten
-// while a send waits for room. Memory that runs out for one trap costs at most
-// that trap. `forwardSocket` may be
-// null. Throws nothing.
+// each trap were processed alone. A trap that is alone in its batch is written to both files before it is
+// forwarded. In a larger batch some traps may be forwarded before the files are written, but everything
+// collected is written before a send waits for room.
+//
+// If memory runs out for a trap, at most that trap is lost. `forwardSocket` may be null. Throws nothing.
 void ProcessTraps(std::span<const TrapArrival> arrivals, UdpSocket* forwardSocket) noexcept;

@@ -1,4 +1,4 @@
-// The text of one trap in SNMP.txt: a header line with time and sender, one line for each binding, an
+// The record of a trap in SNMP.txt: a header line with time and sender, one line for each binding, and an
 // empty line.
 #pragma once
 
@@ -9,7 +9,7 @@
 #include "platform/clock.h"
 #include "trap/snmp_message.h"
 
-// `sender` is the address alone, without the port. No bindings: the datagram did not decode, and one line
-// says so. A pure function of its arguments.
+// Returns the text of the record. `sender` is the address without the port. If `bindings` is empty, the
+// datagram could not be decoded, and one line says so. Pure function.
 std::wstring ComposeTrapRecord(const LocalTime& time, std::wstring_view sender,
                                const std::vector<VarbindRecord>& bindings);
