@@ -5,10 +5,11 @@
 #include <string>
 #include <string_view>
 
-// The text of one line: the current time, two blanks, the message, CR LF.
+// Returns the text of one line: the current time, two blanks, the message, CR LF.
 std::wstring FormatLogLine(std::wstring_view message);
 
-// Appends that line to log.txt. The time is read before FileLock is locked, so two threads may write their
-// lines in the opposite order of their times; that is accepted. Throws nothing: a line that cannot be written
-// is lost.
+// Appends that line to log.txt. Locks FileLock. Throws nothing: a line that cannot be written is lost.
+//
+// Intentional: the time is read before FileLock is locked, so it is the time of the event and not of the
+// write. Lines of two threads may therefore be in the opposite order of their times.
 void LogMessage(std::wstring_view message) noexcept;

@@ -12,7 +12,7 @@ std::mutex FileLock;
 
 namespace {
 
-// False: nothing was written.
+// Makes one attempt to append all texts. False: nothing was written.
 bool AppendTogether(const std::wstring& path, std::span<const std::wstring> texts) noexcept try {
     std::string octets;
     for (const std::wstring& text : texts) {
@@ -27,7 +27,7 @@ bool AppendTogether(const std::wstring& path, std::span<const std::wstring> text
 }  // namespace
 
 void AppendToFile(const std::wstring& path, std::wstring_view text) {
-    // Encoded before FileLock is locked, so that two threads wait for each other only while a file is open.
+    // Encode first, so that FileLock is locked only while the file is open.
     std::string octets;
     AppendFileLines(text, octets);
     const std::lock_guard lock(FileLock);
@@ -57,13 +57,13 @@ void ClearFile(const std::wstring& path) {
 
 namespace {
 
-// Reading that many octets takes about as long as a few appends.
+// Octets. Small enough that an append hardly waits: reading a piece takes about as long as a few appends.
 constexpr uint64_t kPieceSize = uint64_t{1} << 20;
 
-std::optional<uint64_t> ReadPiece(const std::wstring& path, uint64_t offset, uint64_t most,
+std::optional<uint64_t> ReadPiece(const std::wstring& path, uint64_t offset, uint64_t maxCount,
                                   std::string& piece) {
     const std::lock_guard lock(FileLock);
-    return ReadOctetsFrom(path, offset, piece, most);
+    return ReadOctetsFrom(path, offset, piece, maxCount);
 }
 
 std::string ReadInPieces(const std::wstring& path, uint64_t offset) {

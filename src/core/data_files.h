@@ -1,6 +1,6 @@
-// The data files as the whole program shares them: each operation opens, works and closes its file under the
-// one FileLock, so that a viewer never sees half a record and the operator can copy, clear or delete the
-// files at any time. Failures are silent by design: there is no other log to report to.
+// Access to the data files, which all threads share. Each operation opens, uses and closes its file under
+// FileLock, so a viewer never sees half a record, and the operator can copy, clear or delete the files at any
+// time. Failures are not logged, because the log is one of these files.
 #pragma once
 
 #include <cstdint>
@@ -9,37 +9,39 @@
 #include <string>
 #include <string_view>
 
-// Serializes every open, read and write of SNMP.txt, log.txt and config.xml, on any thread. Locked for one
-// open, use and close; nothing is called under it but the file operations of platform/files.h.
+// Serializes every open, read and write of SNMP.txt, log.txt and config.xml. Locked for one open, use and
+// close; only the file operations of platform/files.h are called while it is held.
+//
 // Lock order: MibStoreLock (mib/name_store.h) before FileLock, never the other way.
 extern std::mutex FileLock;
 
-// Appends `text` in the format of core/file_text.h and ends the line when the text does not. Empty text only
-// creates a missing file.
+// Appends `text`, encoded by AppendFileLines of core/file_text.h, which adds a missing line end. Creates a
+// missing file, even if `text` is empty. May throw std::bad_alloc; nothing is written then.
 void AppendToFile(const std::wstring& path, std::wstring_view text);
 
-// Appends each text as AppendToFile would, but all of them with one open and one write. When that fails with
-// nothing written, each text makes its own attempt, in order. Does nothing without texts. Throws nothing: a
-// text for which memory runs out is lost.
+// Appends all texts as AppendToFile does, but with one open and one write. If nothing could be written,
+// appends each text separately, in order. Does nothing if `texts` is empty. Throws nothing: if memory runs
+// out for a text, it is lost.
 void AppendAllToFile(const std::wstring& path, std::span<const std::wstring> texts) noexcept;
 
-// Replaces the file's content by `text`, without adding a line end. False: the file could not be opened.
+// Replaces the file's content with `text`, without adding a line end. False: the file could not be opened and
+// is unchanged.
 bool ReplaceFileText(const std::wstring& path, std::wstring_view text);
 
-// Makes the file empty, creating it when it is missing. A file that cannot be opened is passed over.
+// Empties the file; creates it if it is missing. Does nothing if the file cannot be opened.
 void ClearFile(const std::wstring& path);
 
-// Both readers read up to the end that the file has when they open it first. A large file is read in pieces,
-// each with an open and a close of its own, and FileLock is free between them, so that appends do not wait
-// for the whole. If the file is cleared, removed or replaced by a shorter one between two pieces, the result
-// ends with the last piece that was read; if it is replaced by a longer one, the rest comes from that one.
-// A file that is missing, empty or cannot be opened reads as empty. Both throw std::bad_alloc when the file
-// does not fit into memory.
+// Both readers read up to the size that the file had when they first opened it, and return empty text if it
+// is missing or cannot be opened. They throw std::bad_alloc if the file does not fit into memory.
+//
+// A large file is read in pieces. FileLock is released between them, so that appends do not wait for the
+// whole read. If the file is cleared, removed or replaced by a shorter one between two pieces, the result
+// ends after the last piece; if it is replaced by a longer one, the rest is read from the new file.
 
-// The whole file as text, one character for each octet, line ends as DecodeFileText reads them.
+// Returns the whole file, decoded by DecodeFileText of core/file_text.h.
 std::wstring ReadWholeFile(const std::wstring& path);
 
-// The text from octet `offset` to the end, decoded as UTF-8 or else with the ANSI code page, line ends as
-// they are in the file. An offset beyond the end reads the whole file: it was cleared or replaced since the
-// caller last read it.
+// Returns the text from octet `offset` to the end, decoded as UTF-8 or, if it is not valid UTF-8, with the
+// ANSI code page. Line ends are unchanged. If `offset` is beyond the end, the file was cleared or replaced
+// since the caller last read it, and the whole file is returned.
 std::wstring ReadFileFrom(const std::wstring& path, uint64_t offset);

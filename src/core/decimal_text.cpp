@@ -8,11 +8,11 @@
 
 namespace {
 
-// The zero of each further script whose ten digits the runtime's conversion accepts, ascending.
+// The digit zero of each other script that the runtime's conversion accepts, ascending.
 constexpr uint32_t kDigitZeros[] = {0x0660, 0x06F0, 0x0966, 0x09E6, 0x0A66, 0x0AE6, 0x0B66, 0x0C66, 0x0CE6,
                                     0x0D66, 0x0E50, 0x0ED0, 0x0F20, 0x1040, 0x17E0, 0x1810, 0xFF10};
 
-// -1 for a character that is no digit.
+// Returns -1 if the character is not a digit.
 int DigitValue(wchar_t character) {
     const auto code = static_cast<uint32_t>(character);
     if (code - L'0' <= 9) {
@@ -51,14 +51,14 @@ int32_t ParseDecimalInt(std::wstring_view text) {
         if (digit < 0) {
             break;
         }
-        // One beyond the range is as far as the value need grow to be clamped below.
+        // Limited to one above the range, so that it cannot overflow and is still clamped below.
         value = std::min(value * 10 + digit, kMax + 1);
     }
     return static_cast<int32_t>(std::clamp(negative ? -value : value, kMin, kMax));
 }
 
 void AppendDecimal(std::wstring& text, uint64_t value) {
-    wchar_t digits[20];  // as many as the largest value has
+    wchar_t digits[20];  // the largest value has 20
     wchar_t* const end = std::end(digits);
     wchar_t* first = end;
     do {

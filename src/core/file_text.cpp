@@ -17,9 +17,8 @@ bool EndsInsideLine(std::wstring_view text) {
 
 void AppendFileText(std::wstring_view text, std::string_view lineEnd, std::string& octets) {
     const size_t start = octets.size();
-    // Written into room for the worst case, asked for once: asking for each octet whether there is room
-    // takes three times as long, and asking once is also what leaves the octets as they were when there is
-    // no memory.
+    // Resized once for the worst case: appending octet by octet takes three times as long, and if memory runs
+    // out here, `octets` is unchanged.
     octets.resize(start + 2 * text.size() + lineEnd.size());
     char* out = octets.data() + start;
     const auto* character = text.data();

@@ -1,21 +1,24 @@
-// The octets of the data files. Two rules look like accidents and are the file format that every reader of
-// log.txt and SNMP.txt relies on: one octet a character, and a carriage return put before each line feed even
-// though the program ends its lines with CR LF itself, so that a line on disk ends in 0D 0D 0A.
-// Pure functions of their arguments.
+// Encodes and decodes the text of the data files. Pure functions.
+//
+// Two rules look like bugs but are the file format that every reader of log.txt and SNMP.txt relies on: each
+// character is one octet, and a CR is written before each line feed although the program already ends its
+// lines with CR LF. A line on disk therefore ends in 0D 0D 0A.
 #pragma once
 
 #include <string>
 #include <string_view>
 
-// Replaces `octets` by `text` as the data files hold it.
-// Kept: the first character above 0xFF ends the output, since one octet cannot hold it; what follows is lost.
+// Replaces `octets` with `text` in this format.
+//
+// Intentional, since one octet cannot represent it: the first character above 0xFF ends the output, and the
+// rest of `text` is lost.
 void EncodeFileText(std::wstring_view text, std::string& octets);
 
-// Appends `text` in that form, with CR LF added when it is not empty and does not end in a line feed. The
-// question is asked of the text, the cut applies to the whole: a cut text gets no line end, and the next one
-// continues its line. Throws std::bad_alloc with `octets` as they were.
+// Appends `text` in this format, and a line end if `text` is not empty and does not end in a line feed. Text
+// that is cut at a character above 0xFF gets no line end, so the next text continues its line. May throw
+// std::bad_alloc; `octets` is unchanged then.
 void AppendFileLines(std::wstring_view text, std::string& octets);
 
-// Replaces `text` by the characters of `octets`, each octet one character: CR LF becomes LF, a CR alone
-// stays, 0x1A ends the content.
+// Replaces `text` with the decoded octets, one character for each. CR LF becomes LF, a CR alone is unchanged,
+// and 0x1A ends the content.
 void DecodeFileText(std::string_view octets, std::wstring& text);

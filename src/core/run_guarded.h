@@ -1,9 +1,8 @@
-// One step that the next step must not depend on.
+// Runs a step whose failure must not stop the next one.
 #pragma once
 
-// Runs `step`; what it throws ends this step alone. True: it came to its end. What can be thrown here at all
-// is a shortage of memory or a lock that the system refuses; there is nothing to report it to, since the log
-// itself may be what failed.
+// Runs `step` and catches every exception. Returns whether it completed. The exceptions that occur are memory
+// shortages and refused locks. They are not logged, since the log itself may be what failed.
 template <typename Step>
 bool RunGuarded(Step&& step) noexcept {
     try {

@@ -1,12 +1,12 @@
-// The one form in which the program writes a time.
+// The format of every time that the program writes.
 #pragma once
 
 #include <string>
 
 #include "platform/clock.h"
 
-// "2026-03-07 09:05:02.047": 23 characters.
+// Returns 23 characters such as "2026-03-07 09:05:02.047".
 std::wstring FormatTimestamp(const LocalTime& time);
 
-// The same for the current local time.
+// Returns the current local time in this format.
 std::wstring FormatTimestamp();

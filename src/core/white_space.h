@@ -1,10 +1,10 @@
-// White space in text that operators and MIB authors wrote, with the classes of the Windows runtime's
-// iswspace spelled out, so that every build reads the same file alike.
+// White space as the Windows runtime's iswspace defines it, implemented here so that every build reads the
+// same file alike.
 #pragma once
 
 #include <cstdint>
 
-// The ASCII six, U+0085, U+00A0 and the Unicode space separators.
+// True for the six ASCII white-space characters, U+0085, U+00A0 and the Unicode space separators.
 inline bool IsWideSpace(wchar_t character) {
     const auto code = static_cast<uint32_t>(character);
     if (code < 0x80) {

@@ -1,9 +1,9 @@
-// The two clocks and the sleep that the portable code uses.
+// The clocks and the sleep that portable code uses.
 #pragma once
 
 #include <cstdint>
 
-// Local wall-clock time, fields as a calendar shows them (month 1 to 12, day 1 to 31).
+// Local wall-clock time. Months are 1 to 12, days 1 to 31.
 struct LocalTime {
     unsigned year = 0;
     unsigned month = 0;
@@ -16,8 +16,8 @@ struct LocalTime {
 
 LocalTime ReadLocalTime();
 
-// Milliseconds of a clock that never goes back and does not follow changes of the wall clock; its origin is
-// some time before this process started, so it is never 0.
+// Returns the milliseconds of a monotonic clock that ignores changes of the wall clock. Never 0, since it
+// started before this process.
 uint64_t ReadTickCount();
 
 void SleepMilliseconds(uint32_t milliseconds);

@@ -1,18 +1,20 @@
-// Folders: where the user's data belongs, making them, and walking through one.
+// Finds, creates and lists folders.
 #pragma once
 
 #include <functional>
 #include <string>
 
-// The user's local, non-roaming application-data folder as the system names it, without a trailing separator;
-// empty when the system does not know it.
-// POSIX: the environment variable QUILLMONT_DATA_HOME, which the engine tests point at a scratch folder.
+// Returns the user's local, non-roaming application-data folder without a trailing separator; empty if the
+// system does not know it.
+//
+// POSIX: the value of the environment variable QUILLMONT_DATA_HOME, which the engine tests set to a scratch
+// folder.
 std::wstring QueryLocalAppDataFolder();
 
-// Whether a file or folder stands at `path`.
+// Whether a file or folder exists at `path`.
 bool PathExists(const std::wstring& path);
 
-// Makes the folder and its missing parents. A failure is silent: whoever opens a file there meets it.
+// Creates the folder and its missing parents. Does not report failures: opening a file there fails too.
 void CreateFolderWithParents(const std::wstring& path);
 
 struct FolderEntry {
@@ -20,7 +22,7 @@ struct FolderEntry {
     bool isRegularFile = false;  // a link to a file counts as one
 };
 
-// Calls `visit` for each entry but "." and "..", in the system's order, not descending. False: the folder
-// cannot be opened, an entry's type cannot be read or the walk broke off; entries seen so far were visited.
-// What `visit` throws passes through.
+// Calls `visit` for each entry except "." and "..", in the system's order, without descending into folders.
+// False: the folder or an entry could not be read; the entries before it were visited. Exceptions of `visit`
+// are passed on.
 bool EnumerateFolder(const std::wstring& path, const std::function<void(const FolderEntry&)>& visit);

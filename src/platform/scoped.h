@@ -1,10 +1,10 @@
-// Owns one handle of the system and closes it at the end of the scope.
+// Owns one system handle and closes it at scope exit.
 #pragma once
 
 #include <utility>
 
-// `Kind` describes the handle: its type `Value`, `kNone` for no handle, `IsOpen(Value)`, and `Close(Value)`,
-// which is called once for each value that is open.
+// `Kind` describes the handle: its type `Value`, the value `kNone` for no handle, `IsOpen(Value)`, and
+// `Close(Value)`, which is called once for each open value.
 template <typename Kind>
 class Scoped {
   public:
@@ -20,7 +20,7 @@ class Scoped {
     Value get() const { return value_; }
     explicit operator bool() const { return Kind::IsOpen(value_); }
 
-    // Closes the owned handle, if any, and owns `value` from now on.
+    // Closes the owned handle, if any, and then owns `value`.
     void Reset(Value value = Kind::kNone) {
         const Value former = std::exchange(value_, value);
         if (Kind::IsOpen(former)) {

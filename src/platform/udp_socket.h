@@ -1,12 +1,12 @@
-// IPv4 datagram sockets that one thread may close while another receives or sends on them. Only one thread at
-// a time receives or sends.
+// IPv4 datagram sockets. One thread may close a socket while another receives or sends on it; only one thread
+// at a time may receive or send.
 //
-// A socket is shared between the state that lists it and the worker that uses it, and is closed exactly
-// once, by CloseUdpSocket. From then on every call on it reports Closed and never uses the system's handle
-// again: a late worker cannot reach a newer socket that was given the same handle value. Therefore nothing
-// here blocks inside a call to the system: the handle is used under the socket's own lock for one attempt,
-// and waiting, for a datagram or for room to send one, uses an event outside the lock. So a close never
-// waits for the network.
+// A UdpSocketRef shares ownership, so the object lives as long as a worker uses it. CloseUdpSocket closes the
+// system's handle; from then on receiving and sending return Closed and never use the handle again, so a late
+// worker cannot reach a newer socket with the same handle value.
+//
+// Closing never waits for the network: receiving and sending lock the socket for one non-blocking attempt,
+// and waiting for a datagram or for room happens outside the lock.
 #pragma once
 
 #include <cstddef>
@@ -26,7 +26,7 @@ enum class ReceiveResult {
     Datagram,       // one datagram was received, possibly of 0 octets
     NothingQueued,  // no datagram is queued
     Closed,         // the socket was closed, before the call or during it
-    Failed,         // any other error; trying again is reasonable
+    Failed,         // any other error; a retry may succeed
 };
 
 enum class SendResult {
@@ -36,43 +36,47 @@ enum class SendResult {
     Failed,  // any other error
 };
 
-// The socket library as a whole: once before the first socket, once after the last. False: not available.
+// Starts the socket library; required before the first socket. False: it is not available.
 bool StartSocketLibrary();
+
+// Stops it. No socket may be used afterwards.
 void StopSocketLibrary();
 
-// A new, unbound socket; null when the system refuses one or memory is short. On Windows, ICMP errors that
-// earlier sends caused (or that somebody forged) do not show up as errors of later calls.
+// Returns a new, unbound socket; null if the system refuses one or memory runs out. On Windows, ICMP errors
+// caused by earlier sends, or forged, do not make later calls fail.
 UdpSocketRef OpenUdpSocket();
 
-// Binds to all addresses with address reuse set, so that a port just left can be taken again at once.
+// Binds to `port` on all addresses, with address reuse on so that a port just closed can be bound again at
+// once. False: the system refused.
 bool BindToAllAddresses(UdpSocket& socket, uint16_t port);
 
-// Asks for a receive buffer of `octets`; the system may grant less, and a refusal changes nothing.
+// Requests a receive buffer of `octets`. The system may grant less or refuse; that is not reported.
 void RequestReceiveBuffer(UdpSocket& socket, int octets);
 
-// Receives a queued datagram: *size octets of it (what exceeds `capacity` is lost) and its sender, both
-// untouched unless the result is Datagram. Never waits.
+// Receives one queued datagram and never waits. *size is its size, at most `capacity`: the rest of a longer
+// datagram is lost. *size and *sender are unchanged unless the result is Datagram.
 ReceiveResult TryReceiveDatagram(UdpSocket& socket, uint8_t* buffer, size_t capacity, size_t* size,
                                  Ipv4Endpoint* sender);
 
-// Waits until a datagram may be queued or the socket is closed; may return early. False: the system refused
-// to wait.
+// Waits until a datagram is queued or the socket is closed; may return early. False: the system refused to
+// wait.
 bool WaitForDatagram(UdpSocket& socket);
 
-// One attempt. Never waits.
+// Makes one attempt to send and never waits.
 SendResult TrySendDatagram(UdpSocket& socket, const Ipv4Endpoint& target, const uint8_t* octets, size_t size);
 
-// After NoRoom: waits until there may be room; may return early. False: EndWaiting or CloseUdpSocket was
+// Waits, after NoRoom, until there is room to send; may return early. False: EndWaiting or CloseUdpSocket was
 // called, or the system refused to wait.
 bool WaitForRoom(UdpSocket& socket);
 
-// Wakes a thread that waits for room; from now on nothing waits for room on this socket, while sends that the
-// system accepts at once still succeed. Not for a socket on which somebody receives.
+// Wakes a thread that waits for room. From then on WaitForRoom returns false at once; TrySendDatagram still
+// works. Not allowed on a socket that receives.
 void EndWaiting(UdpSocket& socket);
 
-// Releases the port at once and wakes any waiting thread. A no-op when closed already.
+// Closes the socket, which releases its port at once, and wakes any waiting thread. A no-op if it is closed
+// already.
 void CloseUdpSocket(UdpSocket& socket);
 
-// True: `text` is a dotted IPv4 address (four decimal numbers, no blanks, no leading zeros, no short forms)
-// and *address holds it in host order. False: anything else; *address untouched.
+// True: `text` is a dotted IPv4 address (four decimal numbers, no blanks, no leading zeros, no short forms),
+// and *address is set in host order. False: it is not; *address is unchanged.
 bool ParseIpv4Address(const std::string& text, uint32_t* address);

@@ -8,7 +8,7 @@ namespace {
 
 constexpr uint64_t kHighBits = 0x8080808080808080U;
 
-// How many octets at the start of the range are ASCII.
+// Returns how many octets at the start of the range are ASCII.
 size_t CountAsciiPrefix(const unsigned char* position, size_t size) {
     size_t count = 0;
     for (; size - count >= sizeof(uint64_t); count += sizeof(uint64_t)) {
@@ -25,9 +25,9 @@ size_t CountAsciiPrefix(const unsigned char* position, size_t size) {
 }
 
 struct Utf8Lead {
-    size_t trailing = 0;   // octets that follow; 0: no valid lead
-    uint32_t bits = 0;     // its share of the code point
-    uint32_t minimum = 0;  // anything smaller would be an overlong form
+    size_t trailing = 0;   // number of octets that follow; 0: not a valid lead octet
+    uint32_t bits = 0;     // the highest bits of the code point
+    uint32_t minimum = 0;  // a smaller code point is an overlong form
 };
 
 Utf8Lead ReadLead(unsigned char lead) {
@@ -60,7 +60,8 @@ wchar_t* WriteCodePoint(wchar_t* out, uint32_t codePoint) {
     return out;
 }
 
-// The sequence of two to four octets at `position`: its length, 0 when it is not well formed.
+// Decodes the sequence of two to four octets at `position`. Returns its length, or 0 if it is not well
+// formed.
 size_t ReadSequence(const unsigned char* position, size_t size, uint32_t* codePoint) {
     const Utf8Lead lead = ReadLead(*position);
     if (lead.trailing == 0 || lead.trailing >= size) {

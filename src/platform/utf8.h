@@ -1,17 +1,17 @@
-// UTF-8 to wide text, the same code on every system so that every build accepts the same octets.
+// Decodes UTF-8. The same code on every system, so that every build accepts the same octets.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <string_view>
 
-// True: `octets` are well-formed UTF-8 (no overlong forms, no surrogates, nothing above U+10FFFF) and
-// replaced `text`. False: one sequence or more is invalid; `text` is unspecified. A byte-order mark is
-// a character like any other. Characters above U+FFFF become surrogate pairs where wide characters have
-// 16 bits.
+// Replaces `text` with the decoded octets. True: they are well-formed UTF-8 (no overlong forms, no
+// surrogates, nothing above U+10FFFF). False: they are not; `text` is unspecified. A byte-order mark is
+// decoded like any other character. Characters above U+FFFF become surrogate pairs if wide characters have 16
+// bits. May throw std::bad_alloc.
 bool DecodeUtf8(std::string_view octets, std::wstring& text);
 
-// The halves of a character above U+FFFF.
+// The two UTF-16 code units of a character above U+FFFF.
 struct SurrogatePair {
     uint32_t high = 0;
     uint32_t low = 0;

@@ -34,7 +34,7 @@ size_t WriteAll(int descriptor, std::string_view octets) {
     return done;
 }
 
-// Reads less than `size` octets when the file ends before.
+// Reads fewer than `size` octets if the file ends earlier. False: the read failed.
 bool ReadRange(int descriptor, uint64_t offset, uint64_t size, std::string& octets) {
     octets.resize(static_cast<size_t>(size));
     size_t filled = 0;
@@ -73,7 +73,7 @@ bool ReplaceOctets(const std::wstring& path, std::string_view octets) {
 }
 
 std::optional<uint64_t> ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octets,
-                                       uint64_t most) {
+                                       uint64_t maxCount) {
     octets.clear();
     const ScopedDescriptor file = OpenFile(path, O_RDONLY);
     struct stat status {};
@@ -82,7 +82,7 @@ std::optional<uint64_t> ReadOctetsFrom(const std::wstring& path, uint64_t offset
     }
     const auto size = static_cast<uint64_t>(status.st_size);
     const uint64_t start = offset > size ? 0 : offset;
-    if (!ReadRange(file.get(), start, std::min(size - start, most), octets)) {
+    if (!ReadRange(file.get(), start, std::min(size - start, maxCount), octets)) {
         octets.clear();
         return std::nullopt;
     }

@@ -20,7 +20,7 @@ struct FolderCloser {
 };
 using ScopedFolder = std::unique_ptr<DIR, FolderCloser>;
 
-// False: the entry vanished or may not be looked at.
+// False: the entry was removed meanwhile or cannot be accessed.
 bool ReadEntryType(const std::string& folder, const dirent& entry, bool* isRegularFile) {
     if (entry.d_type != DT_UNKNOWN && entry.d_type != DT_LNK) {
         *isRegularFile = entry.d_type == DT_REG;
@@ -28,7 +28,7 @@ bool ReadEntryType(const std::string& folder, const dirent& entry, bool* isRegul
     }
     struct stat status {};
     const bool known = stat((folder + "/" + entry.d_name).c_str(), &status) == 0;
-    // A link that leads nowhere is an entry like any other, just no file.
+    // A dangling link is an entry like any other, but not a file.
     *isRegularFile = known && S_ISREG(status.st_mode);
     return known || entry.d_type == DT_LNK;
 }
@@ -78,7 +78,7 @@ bool EnumerateFolder(const std::wstring& path, const std::function<void(const Fo
         if (!ReadEntryType(folder, *entry, &found.isRegularFile)) {
             return false;
         }
-        DecodeUtf8OrAnsi(name, found.name);  // a name that is not UTF-8 still gets some text of its own
+        DecodeUtf8OrAnsi(name, found.name);  // not every file name is UTF-8
         visit(found);
     }
 }

@@ -7,7 +7,7 @@ namespace {
 
 constexpr size_t kLongestSequence = 4;
 
-// The place behind the last octet written; `out` has room for the longest sequence.
+// Writes the code point, which `out` must have room for, and returns the position after it.
 char* WriteUtf8(char* out, uint32_t codePoint) {
     const auto trailing = [&](unsigned shift) {
         *out++ = static_cast<char>(0x80U | ((codePoint >> shift) & 0x3FU));

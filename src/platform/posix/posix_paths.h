@@ -1,13 +1,13 @@
-// Paths cross the seam as wide text with backslashes; the system wants UTF-8 with slashes.
+// Converts paths: portable code uses wide text with backslashes, the system UTF-8 with slashes.
 #pragma once
 
 #include <climits>
 #include <cstddef>
 #include <string_view>
 
-// A path as the system wants it: UTF-8 of wide text with 32-bit characters, a surrogate or anything above
-// U+10FFFF as U+FFFD. Held in place, so that opening a file asks for no memory, as on Windows. Longer than
-// the system takes: empty, and nothing has that path.
+// A path for the system, in UTF-8. Surrogates and characters above U+10FFFF become U+FFFD. A path that is
+// longer than the system allows becomes empty, which no file matches. Allocates no memory, so that opening a
+// file does not either, as on Windows.
 class PosixPath {
   public:
     explicit PosixPath(std::wstring_view path);

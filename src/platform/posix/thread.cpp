@@ -30,7 +30,7 @@ struct WorkerThread {
 };
 
 void WorkerThreadCloser::operator()(WorkerThread* thread) const {
-    // A thread that has signalled its end is joined, so that nothing of it is left at exit.
+    // Join a thread that has signalled its end, so that nothing of it is left at exit.
     if (WaitForWorkerThread(*thread, 0)) {
         thread->thread.join();
     } else {

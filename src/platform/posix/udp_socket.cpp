@@ -13,7 +13,7 @@
 
 #include "platform/posix/scoped_descriptor.h"
 
-// Closing a descriptor does not wake a thread that waits on it here, so each socket has an event of its own.
+// On POSIX, closing a descriptor does not wake a thread that waits on it, so each socket has an end event.
 struct UdpSocket {
     UdpSocket(ScopedDescriptor socket, ScopedDescriptor event)
         : descriptor(std::move(socket)), endEvent(std::move(event)) {}
@@ -39,7 +39,7 @@ Wake WaitForReady(UdpSocket& socket, short event) {
     pollfd waits[2] = {{-1, event, 0}, {socket.endEvent.get(), POLLIN, 0}};
     {
         const std::lock_guard lock(socket.lock);
-        // If the descriptor is closed after this and its number reused, poll at worst returns early once.
+        // If the descriptor is closed after this and its number is reused, poll returns early at worst.
         waits[0].fd = socket.descriptor.get();
     }
     if (poll(waits, 2, -1) < 0 && errno != EINTR) {

@@ -9,8 +9,8 @@ namespace {
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 constexpr size_t kLargestTransfer = size_t{1} << 30;
 
-// Windows does not copy over a file that has one of these and does not remove one that is read-only. A copy
-// has those of its source.
+// Windows refuses to copy over a file that has one of these attributes, and to remove a read-only file. A
+// copy gets the attributes of its source.
 constexpr DWORD kProtecting = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_READONLY;
 
 ScopedHandle OpenFile(const std::wstring& path, DWORD access, DWORD disposition) {
@@ -34,7 +34,7 @@ size_t WriteAll(HANDLE file, std::string_view octets) {
     return done;
 }
 
-// Reads less than `size` octets when the file ends before.
+// Reads fewer than `size` octets if the file ends earlier. False: the read failed.
 bool ReadRange(HANDLE file, uint64_t offset, uint64_t size, std::string& octets) {
     LARGE_INTEGER position{};
     position.QuadPart = static_cast<LONGLONG>(offset);
@@ -57,8 +57,8 @@ bool ReadRange(HANDLE file, uint64_t offset, uint64_t size, std::string& octets)
     return true;
 }
 
-// Clears the protecting attributes of a file. They are restored at the end of the scope unless KeepForGood()
-// was called.
+// Clears the protecting attributes of a file. They are restored at scope exit unless KeepForGood() was
+// called.
 class ScopedUnprotection {
   public:
     explicit ScopedUnprotection(const std::wstring& path)
@@ -89,13 +89,13 @@ class ScopedUnprotection {
 }  // namespace
 
 bool AppendOctets(const std::wstring& path, std::string_view octets) {
-    // Append access alone: the system itself puts each write at the end, whoever else writes there.
+    // With append access only, the system puts each write at the end, even if another program appends too.
     const ScopedHandle file = OpenFile(path, FILE_APPEND_DATA, OPEN_ALWAYS);
     return file && (octets.empty() || WriteAll(file.get(), octets) > 0);
 }
 
 bool ReplaceOctets(const std::wstring& path, std::string_view octets) {
-    // Not CREATE_ALWAYS, which Windows refuses for a file that is hidden or the system's own.
+    // Not CREATE_ALWAYS, which Windows refuses for hidden and system files.
     const ScopedHandle file = OpenFile(path, GENERIC_WRITE, OPEN_ALWAYS);
     if (!file || !SetEndOfFile(file.get())) {
         return false;
@@ -105,7 +105,7 @@ bool ReplaceOctets(const std::wstring& path, std::string_view octets) {
 }
 
 std::optional<uint64_t> ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octets,
-                                       uint64_t most) {
+                                       uint64_t maxCount) {
     octets.clear();
     const ScopedHandle file = OpenFile(path, GENERIC_READ, OPEN_EXISTING);
     LARGE_INTEGER fileSize{};
@@ -114,7 +114,7 @@ std::optional<uint64_t> ReadOctetsFrom(const std::wstring& path, uint64_t offset
     }
     const auto size = static_cast<uint64_t>(fileSize.QuadPart);
     const uint64_t start = offset > size ? 0 : offset;
-    if (!ReadRange(file.get(), start, std::min(size - start, most), octets)) {
+    if (!ReadRange(file.get(), start, std::min(size - start, maxCount), octets)) {
         octets.clear();
         return std::nullopt;
     }

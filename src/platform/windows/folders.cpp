@@ -2,7 +2,7 @@
 
 #include "platform/windows/windows_headers.h"
 
-// Behind the system's own header, whose types they use.
+// After windows_headers.h, whose types they use.
 #include <shlobj.h>
 #include <shlwapi.h>
 
@@ -34,7 +34,7 @@ bool IsDotEntry(const std::wstring& name) {
 
 std::wstring QueryLocalAppDataFolder() {
     wchar_t folder[MAX_PATH] = {};
-    // Kept: a failure leaves the buffer empty, and the caller lives with an empty folder.
+    // Not checked: a failure leaves the buffer empty.
     SHGetFolderPathW(nullptr, CSIDL_LOCAL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, folder);
     return folder;
 }
@@ -49,7 +49,7 @@ void CreateFolderWithParents(const std::wstring& path) {
 
 bool EnumerateFolder(const std::wstring& path, const std::function<void(const FolderEntry&)>& visit) {
     WIN32_FIND_DATAW data{};
-    // The search hands out names and attributes together, so no entry is opened to learn its type.
+    // The search returns each entry's attributes with its name, so no entry has to be opened.
     const ScopedSearch search(FindFirstFileExW((path + L"\\*").c_str(), FindExInfoBasic, &data,
                                                FindExSearchNameMatch, nullptr, FIND_FIRST_EX_LARGE_FETCH));
     if (!search) {

@@ -10,7 +10,7 @@ void DecodeAnsi(std::string_view octets, std::wstring& text) {
         return;
     }
     const int size = static_cast<int>(octets.size());
-    // An ANSI code page never gives more wide characters than it has octets.
+    // No ANSI code page decodes to more wide characters than there are octets.
     text.resize(octets.size());
     const int length =
         octets.empty() ? 0 : MultiByteToWideChar(CP_ACP, 0, octets.data(), size, text.data(), size);
@@ -24,6 +24,6 @@ bool EncodeAnsi(const std::wstring& text, std::string& octets) {
     }
     octets.resize(static_cast<size_t>(size));
     WideCharToMultiByte(CP_ACP, 0, text.c_str(), -1, octets.data(), size, nullptr, nullptr);
-    octets.resize(octets.size() - 1);  // the terminating zero was counted
+    octets.resize(octets.size() - 1);  // without the terminating zero
     return true;
 }

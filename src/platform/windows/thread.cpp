@@ -31,7 +31,7 @@ WorkerThreadHandle StartWorkerThread(std::function<void()> body) {
     if (!worker->handle) {
         return nullptr;
     }
-    static_cast<void>(ownedBody.release());  // the new thread owns it from here on
+    static_cast<void>(ownedBody.release());  // the new thread owns it now
     return worker;
 }
 

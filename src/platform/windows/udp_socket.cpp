@@ -17,9 +17,9 @@ struct SocketHandle {
 };
 using ScopedSocket = Scoped<SocketHandle>;
 
-// The system's own lock, which needs no memory and no handle and so cannot fail. This toolchain's std::mutex
-// can, in its first or its first contended use, and a stop that throws half-way would leave a socket open.
-// The names are what std::lock_guard requires.
+// A lock that cannot fail, because it needs no memory and no handle. This toolchain's std::mutex may throw at
+// its first use or its first contention, and a stop that throws half-way would leave a socket open. The
+// member names are those that std::lock_guard requires.
 class SystemLock {
   public:
     void lock() { AcquireSRWLockExclusive(&lock_); }
@@ -37,10 +37,10 @@ struct UdpSocket {
     SystemLock lock;      // guards `handle` while one call uses it
     ScopedSocket handle;  // reset by CloseUdpSocket
 
-    // Set by the system when a datagram is queued, when there is room again after a send found none, and once
-    // at first; resets itself when waited for.
+    // The system sets it at first, when a datagram is queued, and when there is room again after a send
+    // failed for lack of room. Auto-reset.
     const ScopedHandle readyEvent{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
-    // Set once waiting has ended.
+    // Set by EndWaiting and CloseUdpSocket, never reset.
     const ScopedHandle endEvent{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
 };
 
@@ -56,7 +56,7 @@ sockaddr_in MakeSystemAddress(const Ipv4Endpoint& endpoint) {
     return address;
 }
 
-ReceiveResult SortReceiveError(int error) {
+ReceiveResult ClassifyReceiveError(int error) {
     switch (error) {
         case WSAEWOULDBLOCK:
             return ReceiveResult::NothingQueued;
@@ -68,10 +68,10 @@ ReceiveResult SortReceiveError(int error) {
     }
 }
 
-// Without this an ICMP message about an earlier datagram, which anybody can forge, makes the next receive or
-// send fail. If the system refuses, such a receive is retried like any other.
+// Without this, an ICMP message about an earlier datagram, which anybody can forge, makes the next receive or
+// send fail. Not checked: if the system refuses, such a receive is retried like any other.
 void IgnoreIcmpErrors(SOCKET handle) {
-    // Not in the headers of every toolchain.
+    // SIO_UDP_CONNRESET and SIO_UDP_NETRESET, which not every toolchain's headers define.
     constexpr DWORD kUdpConnReset = _WSAIOW(IOC_VENDOR, 12);
     constexpr DWORD kUdpNetReset = _WSAIOW(IOC_VENDOR, 15);
     for (const DWORD option : {kUdpConnReset, kUdpNetReset}) {
@@ -114,7 +114,7 @@ UdpSocketRef OpenUdpSocket() try {
     }
     IgnoreIcmpErrors(handle.get());
     auto opened = std::make_shared<UdpSocket>(std::move(handle));
-    // Selecting events also makes the socket one that never blocks.
+    // WSAEventSelect also makes the socket non-blocking.
     const bool complete =
         opened->readyEvent && opened->endEvent &&
         WSAEventSelect(opened->handle.get(), opened->readyEvent.get(), FD_READ | FD_WRITE) == 0;
@@ -150,9 +150,9 @@ ReceiveResult TryReceiveDatagram(UdpSocket& socket, uint8_t* buffer, size_t capa
                              0, reinterpret_cast<sockaddr*>(&from), &fromSize);
     const int error = got < 0 ? WSAGetLastError() : 0;
     if (got < 0 && error != WSAEMSGSIZE) {
-        return SortReceiveError(error);
+        return ClassifyReceiveError(error);
     }
-    // WSAEMSGSIZE: the datagram was longer than the buffer, which holds its start, and the sender is known.
+    // WSAEMSGSIZE: the datagram was truncated to the buffer's size; the sender is valid.
     *size = got < 0 ? capacity : static_cast<size_t>(got);
     *sender = {ntohl(from.sin_addr.s_addr), ntohs(from.sin_port)};
     return ReceiveResult::Datagram;
@@ -180,7 +180,7 @@ SendResult TrySendDatagram(UdpSocket& socket, const Ipv4Endpoint& target, const 
 }
 
 bool WaitForRoom(UdpSocket& socket) {
-    // The event follows a send that failed with WSAEWOULDBLOCK, but not one that failed with WSAENOBUFS.
+    // The system sets the event after a send failed with WSAEWOULDBLOCK, but not after WSAENOBUFS.
     constexpr DWORD kRetryInterval = 100;  // milliseconds
     return WaitForReady(socket, kRetryInterval) == Wake::Ready;
 }

@@ -1,5 +1,5 @@
-// The one door through which the system's headers come in. What breaks otherwise: windows.h before winsock2.h
-// brings in the old winsock and both then define the same names; without NOMINMAX, std::min does not compile.
+// Include this instead of windows.h. Otherwise windows.h may come before winsock2.h and include the old
+// winsock.h, which defines the same names, and without NOMINMAX std::min does not compile.
 #pragma once
 
 #ifndef UNICODE
@@ -15,7 +15,7 @@
 #define WIN32_LEAN_AND_MEAN
 #endif
 
-// Windows 10 and later: mingw-w64 declares nothing newer than what is named here.
+// Windows 10 or later. The headers declare only functions of this version and older ones.
 #undef WINVER
 #undef _WIN32_WINNT
 #define WINVER 0x0A00
