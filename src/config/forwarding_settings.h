@@ -1,4 +1,4 @@
-// The three settings of the receiver, all about passing received datagrams on.
+// The settings of the receiver: whether and where to forward received datagrams.
 #pragma once
 
 #include <atomic>
@@ -6,8 +6,7 @@
 #include <mutex>
 #include <string>
 
-// A port that datagrams can be sent to, 1 to 65535. Made of any other number it is 162, so that nobody can
-// store one that is out of range.
+// A port from 1 to 65535. Any other number becomes 162, so an invalid port cannot be stored.
 class ForwardingPort {
   public:
     ForwardingPort(int32_t port = kDefault);
@@ -18,7 +17,8 @@ class ForwardingPort {
     int32_t port_;
 };
 
-// GUI thread replaces, any thread copies; under ForwardingLock, but that a look at the flag alone needs none.
+// The GUI thread replaces them, any thread copies them. Guarded by ForwardingLock, but the flag alone may be
+// read without it.
 struct ForwardingSettingFields {
     std::atomic<bool> forwardingEnabled{false};
     std::wstring forwardingIp = L"127.0.0.1";  // as typed, not checked
@@ -26,18 +26,21 @@ struct ForwardingSettingFields {
 };
 extern ForwardingSettingFields ForwardingSettings;
 
-// Guards the three as one. Held for one copy or one assignment; nothing is called under it.
+// Guards the three settings together. Locked for one copy or one assignment; nothing else is called while it
+// is held.
 extern std::mutex ForwardingLock;
 
-// The three at one moment.
+// A consistent copy of the three settings.
 struct ForwardingValues {
     bool enabled = false;
     std::wstring ip;
     ForwardingPort port;
 };
+
+// Locks ForwardingLock. May throw std::bad_alloc.
 ForwardingValues CopyForwarding();
 
-// Holds from the next datagram on, and as a whole: none in between goes to a target for which forwarding was
-// never on (the first of all, 127.0.0.1 port 162, is this program's own). May throw std::bad_alloc; nothing
-// has changed then.
+// Replaces the three settings together, from the next datagram on. No datagram is sent to a target for which
+// forwarding was never on, such as the default, which is this program's own port. Locks ForwardingLock. May
+// throw std::bad_alloc; nothing has changed then.
 void ReplaceForwarding(bool enabled, const std::wstring& ip, ForwardingPort port);

@@ -13,7 +13,7 @@
 
 namespace {
 
-// From the last dot of the last component on, if no blank follows it.
+// Returns the extension with its dot, empty if there is none.
 std::wstring_view FindExtension(std::wstring_view path) {
     const size_t last = path.find_last_of(L".\\ ");
     return last == std::wstring_view::npos || path[last] != L'.' ? std::wstring_view() : path.substr(last);
@@ -45,7 +45,7 @@ void LoadMibFolder() {
             StoreResolvedDefinitions();
         }
     } catch (...) {
-        // What was stored until memory ran out is right as far as it goes and stays.
+        // Out of memory. The names stored so far are valid and remain.
     }
     RunGuarded([] { LogMessage(L"MIBs loaded. OID mappings: " + std::to_wstring(OidNameMap.size())); });
 }
@@ -59,7 +59,7 @@ std::vector<std::wstring> ListMibFiles() {
             }
         });
     } catch (...) {
-        // The names gathered so far are a list too.
+        // Out of memory. Return the names found so far.
     }
     std::sort(names.begin(), names.end());
     return names;

@@ -19,8 +19,8 @@ bool ContainsKeyword(std::wstring_view line) {
            Contains(line, L"MODULE-IDENTITY"sv);
 }
 
-// Cuts the first line off the text and returns it without its comment. White space around it may stay: it
-// makes no difference to a keyword, an identifier or a value.
+// Removes the first line from `text` and returns it without its comment. It is not trimmed, because white
+// space around it does not matter to any caller.
 std::wstring_view CutLine(std::wstring_view& text) {
     const size_t end = std::min(text.find(L'\n'), text.size());
     const std::wstring_view line = text.substr(0, end);
@@ -28,8 +28,8 @@ std::wstring_view CutLine(std::wstring_view& text) {
     return StripComment(line);
 }
 
-// The value that the line starts: if it has no "}", the next lines are cut off the text, up to one that has,
-// and joined by blanks.
+// Returns the value that starts in `line`. If the line has no "}", removes lines from `text` up to the first
+// that has one and joins them with blanks.
 std::wstring CutStatement(std::wstring_view line, std::wstring_view& text) {
     std::wstring statement(line);
     while (!Contains(line, L"}"sv) && !text.empty()) {
@@ -52,7 +52,7 @@ void StoreValue(MibName& name, std::wstring_view statement) {
 }  // namespace
 
 void ParseMibText(std::wstring_view text) {
-    MibName* name = nullptr;  // the identifier of the last keyword line
+    MibName* name = nullptr;  // the current name
     while (!text.empty()) {
         const std::wstring_view line = CutLine(text);
         if (ContainsKeyword(line)) {

@@ -1,22 +1,29 @@
-// Definitions from MIB files. A line scanner that knows three keywords and values in braces after "::=".
-// Intentional: what it makes of everything else in a MIB shows in the trap records and is tested.
+// Reads name definitions from MIB files with a line scanner that knows three keywords and values in braces
+// after "::=".
+//
+// Intentional: it is not an ASN.1 parser. Its results for all other constructs appear in trap records, so
+// they are tested and must not change.
 #pragma once
 
 #include <string>
 #include <string_view>
 
-// Stores the definitions of one file in the tables of mib/name_store.h. A file that cannot be read adds
-// nothing. May throw std::bad_alloc. Caller holds MibStoreLock.
+// Stores the definitions of one file in the tables of mib/name_store.h. Does nothing if the file cannot be
+// read. May throw std::bad_alloc. The caller must hold MibStoreLock.
 void ParseMibFile(const std::wstring& path);
 
-// The same for a file's text. Time and memory are linear in its length, whatever it contains.
+// Stores the definitions in a file's text. Time and memory are linear in its length, whatever it contains.
+// May throw std::bad_alloc. The caller must hold MibStoreLock.
 //
-// Lines end at line feeds only, and lose their comment. A line that begins, white space aside, with an
-// identifier and contains "OBJECT IDENTIFIER", "OBJECT-TYPE" or "MODULE-IDENTITY" makes the identifier the
-// current name. A line that contains "::=" and "{" starts a value, which extends to the first "}", over
-// further lines if need be; those are not examined otherwise. The value is stored under the current name: as
-// a pending definition when it ends in a parent and a number, else directly when all of it can be read.
-// Intentional: the current name stays until the next keyword line, so a value that another construct defines
-// replaces the one before it ("FooEntry ::= SEQUENCE {" that of fooEntry); a keyword counts in an import
-// list, a description and "SYNTAX OBJECT IDENTIFIER" too.
+// - Lines end at line feeds only. Comments are removed first.
+// - A line that begins with an identifier (after white space) and contains "OBJECT IDENTIFIER",
+//   "OBJECT-TYPE" or "MODULE-IDENTITY" makes that identifier the current name.
+// - A line that contains "::=" and "{" starts a value, which ends at the first "}". Further lines of a value
+//   are not scanned for anything else.
+// - The value belongs to the current name. It is stored as a pending definition if it ends in a parent and a
+//   number, otherwise as an identifier if it can be read in full.
+//
+// Intentional: the current name does not change until the next keyword line, so a later value replaces its
+// value, whatever construct it belongs to ("FooEntry ::= SEQUENCE {" after fooEntry). Keywords also count in
+// import lists, in descriptions and in "SYNTAX OBJECT IDENTIFIER".
 void ParseMibText(std::wstring_view text);

@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-constexpr size_t kMaxOctets = 0x7FFFFFFF;  // the system's conversion counts with 32 bits
+constexpr size_t kMaxOctets = 0x7FFFFFFF;  // DecodeAnsi cannot decode more
 
 bool IsDigit(wchar_t character) {
     return character >= L'0' && character <= L'9';
@@ -23,7 +23,7 @@ bool IsIdentifierCharacter(wchar_t character) {
            IsDigit(character) || character == L'-' || character == L'_';
 }
 
-// The words between the first "{" and the first "}"; none when these two are not there in this order.
+// Returns the words between the first "{" and the first "}"; none if one is missing or "}" comes first.
 std::vector<std::wstring_view> SplitBracedWords(std::wstring_view statement) {
     const size_t open = statement.find(L'{');
     const size_t close = statement.find(L'}');
@@ -45,7 +45,7 @@ std::vector<std::wstring_view> SplitBracedWords(std::wstring_view statement) {
 
 std::wstring ReadMibText(const std::wstring& path) {
     std::string octets;
-    // Not read at all when it is too large: a trap file imported by mistake can be larger than the memory.
+    // The size is checked first: a trap file imported by mistake can be larger than the memory.
     if (QueryFileSize(path).value_or(0) <= kMaxOctets) {
         ReadOctetsFrom(path, 0, octets);
     }

@@ -28,8 +28,8 @@ struct BuiltinName {
     std::wstring_view oid;
 };
 
-// The roots that MIB files build on without defining them. They only resolve parents: an identifier is shown
-// with a name when a file defines it, even one of these.
+// The roots that MIB files refer to without defining them. They only resolve parents: even one of these
+// identifiers is shown with a name only if a file defines it.
 constexpr BuiltinName BuiltinNames[] = {
     {L"iso", L"1"},
     {L"org", L"1.3"},
@@ -47,7 +47,7 @@ constexpr BuiltinName BuiltinNames[] = {
     {L"snmpModules", L"1.3.6.1.6.3"},
 };
 
-// Null for any other name.
+// Returns the identifier of a built-in name, null for any other name.
 const Oid* StoreBuiltinOid(std::wstring_view name) {
     const Oid* oid = nullptr;
     for (const BuiltinName& builtin : BuiltinNames) {
@@ -60,14 +60,15 @@ const Oid* StoreBuiltinOid(std::wstring_view name) {
     return oid;
 }
 
-// Without zeros in front, and not beyond the range of an arc.
+// Whether `text` is the plain decimal form of `arc`, which ParseDecimalInt read from it. Not with leading
+// zeros, and not for a number that was clamped.
 bool IsWrittenAs(int32_t arc, std::wstring_view text) {
     std::wstring digits;
     AppendSignedDecimal(digits, arc);
     return text == digits;
 }
 
-// The stored identifier with exactly this text; null: none.
+// Returns the stored identifier with exactly this text, or null.
 const Oid* FindOid(std::wstring_view text) {
     const Oid* oid = nullptr;
     for (size_t start = 0, end = 0; start <= text.size(); start = end + 1) {
@@ -109,7 +110,7 @@ std::vector<int32_t> ParseOidText(std::wstring_view text) {
 }
 
 const Oid* ResolveName(const MibName& name) {
-    std::array<int32_t, kMaxParentSteps> arcs{};  // below a known name, the last one first
+    std::array<int32_t, kMaxParentSteps> arcs{};  // arcs below the known identifier, last one first
     size_t steps = 0;
     const MibName* known = &name;
     for (; known->oid == nullptr; known = known->definition.parent) {
@@ -156,8 +157,8 @@ void StoreNamedOid(MibName& name, const Oid* oid) {
     OidNameMap.try_emplace(oid, &name);
 }
 
-// Intentional: what is found here is not stored with the name. Whether a name resolves then depends on its
-// distance to a name that was known before, not on the order.
+// Intentional: the identifiers found here are not stored with their names. Otherwise the order of the
+// definitions would decide which names are within kMaxParentSteps.
 void StoreResolvedDefinitions() {
     for (const MibName* name : PendingDefinitions) {
         if (const Oid* oid = ResolveName(*name)) {

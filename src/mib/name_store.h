@@ -1,6 +1,6 @@
-// What the MIB files define: a name for each object identifier, and what each name stands for. Every name and
-// every identifier is stored once and referred to by its address, so that nothing is copied, hashed or
-// compared again for each value that refers to it, however long it is.
+// The name store: maps object identifiers to the names that MIB files define for them. Each name and each
+// identifier is stored once and referred to by its address, so that long ones are not copied, hashed and
+// compared again for each definition that refers to them.
 #pragma once
 
 #include <cstddef>
@@ -12,13 +12,14 @@
 #include <unordered_map>
 #include <vector>
 
-// Guards the tables and everything in them. Locked for a whole load (with the log line at its end), for one
-// lookup, or for reading the count. Lock order: MibStoreLock before FileLock (core/data_files.h), never the
-// other way.
+// Guards the tables and everything in them. Locked for a whole load (including the log line at its end), for
+// one lookup, or to read the count.
+//
+// Lock order: MibStoreLock before FileLock (core/data_files.h), never the other way.
 extern std::mutex MibStoreLock;
 
-// An object identifier: an arc below the identifier without it, which is null for the first arc. Equal
-// identifiers have one address, see StoreOid.
+// An object identifier: its last arc, and the identifier without that arc (null for the first arc). Equal
+// identifiers have the same address, see StoreOid.
 struct Oid {
     const Oid* parent = nullptr;
     int32_t arc = 0;
@@ -28,18 +29,18 @@ struct Oid {
 
 struct MibName;
 
-// A definition whose parent may not be known yet: the arc `subId` below `parent`.
+// Defines a name as the arc `subId` below `parent`, which may not be resolved yet.
 struct PendingDefinition {
     MibName* parent = nullptr;
     int32_t subId = -1;
-    bool valid = false;  // set whenever one is stored
+    bool valid = false;  // false: the name has no such definition
 };
 
-// What is known of a name.
+// Everything known about a name.
 struct MibName {
-    std::wstring_view text;    // the name itself: the key of its row
-    const Oid* oid = nullptr;  // what it stands for without any definition; null: nothing
-    bool isBuiltin = false;    // no file changes `oid`
+    std::wstring_view text;    // the name itself, a view of its key in NameOidMap
+    const Oid* oid = nullptr;  // its identifier, if built in or read in full; otherwise null
+    bool isBuiltin = false;    // true: MIB files do not change `oid`
     PendingDefinition definition;
 };
 
@@ -48,44 +49,47 @@ struct TextHash {
     size_t operator()(std::wstring_view text) const { return std::hash<std::wstring_view>{}(text); }
 };
 
-// Filled by a load on the GUI thread and only read in between. Names are never empty, identifiers never null.
-extern std::unordered_map<const Oid*, const MibName*> OidNameMap;  // the first name of an identifier stays
+// Filled by a load on the GUI thread, and only read between loads. Names are never empty, identifiers never
+// null.
+extern std::unordered_map<const Oid*, const MibName*> OidNameMap;  // the first name stored for an identifier
 extern std::unordered_map<std::wstring, MibName, TextHash, std::equal_to<>> NameOidMap;  // every name seen
-extern std::vector<MibName*> PendingDefinitions;  // names with a definition, in the order of their first one
+extern std::vector<MibName*> PendingDefinitions;  // names with a definition, in order of their first one
 
-// Replaces `name` by the name stored for exactly this dotted identifier (decimal arcs joined by "."), or
-// empties it. No prefix search: an instance suffix such as ".0" makes another identifier. Allocates nothing
-// but what `name` needs. Locks MibStoreLock for the lookup and the copy.
+// Replaces `name` with the name of exactly this identifier (decimal arcs joined by "."), or empties it if
+// there is none. Prefixes are not searched: with an instance suffix such as ".0" it is another identifier.
+// Locks MibStoreLock. May throw std::bad_alloc.
 void LookupOidName(std::wstring_view oid, std::wstring& name);
 
-// The number of identifiers that have a name, low 32 bits. Locks MibStoreLock.
+// Returns the low 32 bits of the number of identifiers that have a name. Locks MibStoreLock.
 int32_t CountOidNames();
 
-// The arcs of dotted text. Empty pieces are skipped; a piece is read as ParseDecimalInt reads it.
+// Returns the arcs of dotted text, each parsed by ParseDecimalInt. Empty pieces are skipped.
 std::vector<int32_t> ParseOidText(std::wstring_view text);
 
-// What `name` stands for. Null: the name, or a parent on its way to a known one, is unknown, or the way takes
-// more than 64 steps, which is also what ends a circle. A built-in name wins over a learnt identifier, and
-// that over a pending definition. May throw std::bad_alloc. Caller holds MibStoreLock.
+// Returns the identifier of `name`: its own if it has one, otherwise by following its pending definition from
+// parent to parent. Null if a parent is unknown or there are more than 64 of them, which also ends cycles.
+// May throw std::bad_alloc. The caller must hold MibStoreLock.
 const Oid* ResolveName(const MibName& name);
 
-// The writers, for the parser and the load. Caller holds MibStoreLock; when memory runs out (std::bad_alloc)
-// the tables are whole and lack at most what was being stored.
+// The functions below fill the tables. The caller must hold MibStoreLock. They may throw std::bad_alloc; the
+// tables are consistent then and lack at most what was being stored.
 
-// The row of a name, which is not empty; added when it is new. It does not move until ClearNameStore.
+// Returns the entry of a name, which must not be empty, and adds it if it is new. Its address is valid until
+// ClearNameStore.
 MibName& StoreName(std::wstring_view text);
 
-// The identifier `arc` below `parent` (null: of that arc alone); added when it is new, and does not move.
+// Returns the identifier `arc` below `parent` (null: the identifier that has only this arc) and adds it if it
+// is new. Its address is valid until ClearNameStore.
 const Oid* StoreOid(const Oid* parent, int32_t arc);
 
-// Defines `name` as the arc `subId` below `parent`. The last definition counts.
+// Defines `name` as the arc `subId` below `parent`. Replaces an earlier definition.
 void StoreDefinition(MibName& name, MibName& parent, int32_t subId);
 
-// Makes `name` stand for `oid`, and `oid` be shown as `name` unless it has a name.
+// Sets the identifier of `name`, unless it is built in, and the name of `oid`, unless it has one.
 void StoreNamedOid(MibName& name, const Oid* oid);
 
-// Names what the pending definitions stand for; those that do not resolve change nothing. When two names
-// reach one identifier, the one defined first gives its name.
+// Resolves all pending definitions and names their identifiers. Definitions that do not resolve are ignored.
+// If two names resolve to the same identifier, the one defined first is used.
 void StoreResolvedDefinitions();
 
 // Empties the tables and frees their memory.
