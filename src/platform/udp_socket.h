@@ -65,8 +65,8 @@ bool WaitForDatagram(UdpSocket& socket);
 // Makes one attempt to send and never waits.
 SendResult TrySendDatagram(UdpSocket& socket, const Ipv4Endpoint& target, const uint8_t* octets, size_t size);
 
-// Waits, after NoRoom, until there is room to send; may return early. False: EndWaiting or CloseUdpSocket was
-// called, or the system refused to wait.
+// Call after NoRoom: waits until there is room to send; may return early. False: EndWaiting or CloseUdpSocket
+// was called, or the system refused to wait.
 bool WaitForRoom(UdpSocket& socket);
 
 // Wakes a thread that waits for room. From then on WaitForRoom returns false at once; TrySendDatagram still

@@ -66,7 +66,8 @@ void PaintIndicator(HWND window) {
     EndPaint(window, &paint);
 }
 
-// Decides by the flag and not by the button's text, so that a click already queued does not start twice.
+// Decides by the flag instead of the button's text, so that a click that is already queued cannot start
+// twice.
 void ToggleServer() {
     if (ServerState.running.load()) {
         StopServer();
@@ -97,7 +98,7 @@ bool RunCommand(int command) {
     }
 }
 
-// Without the quit message the process would go on without a window, so it is posted whatever fails before.
+// Posts the quit message whatever fails before; without it the process would run on without a window.
 void OnDestroy() {
     RunGuarded(StopServer);
     RunGuarded(SaveConfig);
@@ -135,7 +136,7 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
 constexpr wchar_t kMainClass[] = L"SNMP_MAIN_WND";
 constexpr wchar_t kMainTitle[] = L"Quillmont PRO v1.0 (SNMP v1 and v2c) -  \u00A9 2026 Quillmont";
 
-// No sizing border and no maximize box: the strip has one size.
+// No sizing border and no maximize box: the window has a fixed size.
 constexpr DWORD kMainStyle = WS_CAPTION | WS_SYSMENU | WS_MINIMIZEBOX;
 constexpr int kMainWidth = 694;  // outer size in pixels
 constexpr int kMainHeight = 90;

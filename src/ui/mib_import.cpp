@@ -20,19 +20,19 @@ namespace {
 
 constexpr DWORD kDialogCapacity = 8192;  // characters; a selection that does not fit counts as cancelled
 
-// The buffer is larger than that: Wine's dialog writes a longer selection past the size that it was given.
+// Larger than the capacity, because Wine's dialog writes a longer selection beyond the size it was given.
 constexpr size_t kBufferSize = size_t{8} * kDialogCapacity;
 
 // Pairs of description and pattern, ended by an empty text.
-// Intentional: the first description omits ".my", which its pattern includes; the line is long enough.
+// Intentional: the first description omits ".my", which its pattern includes, to stay short.
 constexpr wchar_t kDialogFilter[] = L"MIB files (*.mib;*.txt)\0*.mib;*.txt;*.my\0All files\0*.*\0";
 
-// Intentional: the two characters of the umlaut's UTF-8 form instead of the umlaut; operators know the
-// question so.
+// Intentional: the two characters of the umlaut's UTF-8 encoding instead of the umlaut. Operators know the
+// question in this form.
 constexpr wchar_t kDeleteQuestion[] = L"Alle MIB Dateien im MIB-Ordner l\u00C3\u00B6schen?";
 
-// The dialog changes the current folder of the process to that of the chosen file, which would keep that
-// drive from being ejected. OFN_NOCHANGEDIR has no effect on this dialog.
+// Restores the current folder of the process at scope exit. The dialog changes it to that of the chosen file,
+// which would block ejecting that drive. OFN_NOCHANGEDIR has no effect on this dialog.
 class ScopedCurrentFolder {
   public:
     ScopedCurrentFolder() : folder_(GetCurrentDirectoryW(0, nullptr), L'\0') {
@@ -74,8 +74,9 @@ void ImportFiles(const ChosenFiles& chosen) {
     }
 }
 
-// Removes in listing order up to the first failure, also when the listing itself failed half-way. The folder
-// is listed before anything is removed, because removing during the walk can make it skip entries.
+// Removes the files in listing order up to the first failure, even if the listing was incomplete. Returns
+// whether the listing and all removals succeeded. Lists the folder first, because removing files during the
+// listing could make it skip entries.
 bool RemoveMibFiles() {
     std::vector<std::wstring> paths;
     const bool listed = EnumerateFolder(AppPaths.mibsDir, [&paths](const FolderEntry& entry) {

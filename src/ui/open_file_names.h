@@ -1,4 +1,4 @@
-// Reads the buffer that the file dialog fills.
+// Parses the buffer that the file dialog fills.
 #pragma once
 
 #include <string>
@@ -15,7 +15,7 @@ struct ChosenFiles {
     std::vector<ChosenFile> files;
 };
 
-// `buffer` contains zero-terminated texts and ends with an empty one, or with its last character. A single
-// text is a full path. Otherwise the first is a folder and the others are names in it; folder and name are
-// joined by a backslash even if the folder ends in one.
+// Returns the files in `buffer`, which contains zero-terminated texts up to an empty one or the end of the
+// buffer. A single text is a full path. Otherwise the first is a folder and the others are names in it;
+// folder and name are joined by a backslash even if the folder ends in one.
 ChosenFiles ParseOpenFileNames(std::wstring_view buffer);

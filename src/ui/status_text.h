@@ -8,18 +8,20 @@
 
 std::wstring BuildServerText(bool running);
 
-// Names port 161 when its socket is open or the receiver runs. Intentional: also while the receiver runs
-// without 161 because that port is in use; the log has a line about it.
+// Includes port 161 if its socket is open or the receiver is running.
+//
+// Intentional: also while the receiver is running without port 161 because the port is in use. The log has a
+// line about that.
 std::wstring BuildListenText(bool running, bool listenerOpen);
 
-// Shows the target in both states, so that the operator sees what switching on would do.
+// Includes the target even if forwarding is off, so that the operator sees what switching it on would do.
 std::wstring BuildForwardText(bool enabled, std::wstring_view ip, int32_t port);
 
-// Two lines.
+// Returns two lines.
 std::wstring BuildPathsText(std::wstring_view dataDir, std::wstring_view mibsDir);
 
 std::wstring BuildCountsText(int32_t fileCount, int32_t mappingCount);
 
-// `lastTrapTick` and `now` are milliseconds of ReadTickCount, `now` not the earlier one; a `lastTrapTick` of
-// 0 means that there was no trap yet. The age is in whole seconds, rounded down.
+// `lastTrapTick` and `now` are results of ReadTickCount; a `lastTrapTick` of 0 means no trap yet, and `now`
+// must not be earlier. The age is in whole seconds, rounded down.
 std::wstring BuildLastTrapText(uint64_t lastTrapTick, std::wstring_view sender, uint64_t now);

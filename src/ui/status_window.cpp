@@ -48,10 +48,10 @@ constexpr ControlRow kStatusControls[] = {
     {.className = L"BUTTON", .text = L"Delete all MIBs", .place = {172, 466, 150, 30}, .id = kDeleteCommand},
 };
 
-// Intentional: the list is refilled each time, so it always shows what the folder contains, and loses its
-// selection and its position.
+// Intentional: the list is refilled each time, so that it always shows the folder's content. It loses its
+// selection and scroll position.
 void RefillMibList(const std::vector<std::wstring>& names) {
-    // Without erasing, the same names are drawn over themselves. Erasing each time would flicker.
+    // Unchanged names can be drawn over themselves. Erasing the background each time would flicker.
     const bool erase = SendMessageW(MibListBox, LB_GETCOUNT, 0, 0) != static_cast<LRESULT>(names.size());
     SendMessageW(MibListBox, WM_SETREDRAW, FALSE, 0);
     SendMessageW(MibListBox, LB_RESETCONTENT, 0, 0);
@@ -75,7 +75,7 @@ void ShowForwarding() {
                    BuildForwardText(forwarding.enabled, forwarding.ip, forwarding.port).c_str());
 }
 
-// Lists the folder before CountOidNames locks the names, so that a trap's lookup never waits for a slow disk.
+// Lists the folder without MibStoreLock, so that a trap's lookup never waits for a slow disk.
 void ShowMibs() {
     const std::vector<std::wstring> names = ListMibFiles();
     const auto fileCount = static_cast<int32_t>(names.size());
@@ -83,7 +83,7 @@ void ShowMibs() {
     RefillMibList(names);
 }
 
-// Reads the tick before the clock, so that a trap that arrives in between cannot have a negative age.
+// Reads lastTrapTick before the clock, so that a trap that arrives in between cannot have a negative age.
 void ShowLastTrap() {
     const uint64_t tick = ServerState.lastTrapTick.load();
     const std::wstring sender = CopyLastTrapSender();

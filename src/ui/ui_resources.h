@@ -6,10 +6,10 @@
 extern HBRUSH BackgroundBrush;  // white
 extern HFONT UiFont;
 
-// Each creates its object if there is none yet. If the system cannot, the handle stays null: a window class
-// then has no background, and the controls have the system's font.
+// Each creates its object if there is none yet. If the system refuses, the handle remains null. Without the
+// brush, window classes have no background; without the font, controls use the system's font.
 void CreateBackgroundBrush();
 void CreateUiFont();
 
-// Deletes the font, then the brush. No window that uses them may be left.
+// Deletes both. No window may use them any more.
 void DeleteUiResources();

@@ -6,14 +6,14 @@
 
 namespace {
 
-constexpr size_t kLongestLine = 1000;  // its end included
+constexpr size_t kLongestLine = 1000;  // including its line end
 constexpr size_t kPart = 100;
 constexpr std::wstring_view kLineEnd = L"\r\n";
 constexpr size_t kLongestLineEnd = 3;  // CR CR LF
 
 void AppendLine(std::wstring& text, std::wstring_view line) {
     if (line.size() > kLongestLine) {
-        // The last part keeps the line's own end.
+        // The last part has the line's own end.
         for (; line.size() > kPart + kLongestLineEnd; line.remove_prefix(kPart)) {
             text += line.substr(0, kPart);
             text += kLineEnd;

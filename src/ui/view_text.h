@@ -1,18 +1,18 @@
-// What a viewer shows of its file, as pure functions. The view differs from the file in two points only, both
-// because of the edit control that shows it.
+// The text that a viewer shows, as pure functions. The view differs from the file only in two points, both
+// because of the limits of the edit control.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <string_view>
 
-// The text for the view:
-// - Characters 0 become blanks. The control ends its text at the first one, and a power cut leaves runs
-//   of them.
-// - A line of more than 1,000 characters, its end included, is broken into lines of 100, which fit into the
-//   view. The control needs time that grows with the square of a line's length or faster, and a datagram can
-//   bring a line of 260,000.
+// Returns the text for the view:
+// - Each character 0 becomes a blank. The control would end its text at the first one, and a power cut can
+//   leave runs of them in the file.
+// - A line of more than 1,000 characters, including its line end, is split into lines of 100, which fit into
+//   the view. The control's layout time is at least quadratic in the length of a line, and one datagram can
+//   cause a line of 260,000 characters.
 std::wstring BuildViewText(std::wstring_view fileText);
 
-// The sentence shown instead of a file of `size` octets that does not fit into the view, with its line end.
+// Returns the sentence, with a line end, that is shown instead of a file of `size` octets that is too large.
 std::wstring BuildTooLargeText(uint64_t size);

@@ -18,11 +18,11 @@ namespace {
 
 HWND MonitorWindowHandle = nullptr;
 HWND MonitorEdit = nullptr;
-uint64_t MonitorShownSize = 0;  // size of SNMP.txt at the last look
+uint64_t MonitorShownSize = 0;  // size of SNMP.txt at the last poll
 
 HWND LogWindowHandle = nullptr;
 HWND LogEdit = nullptr;
-uint64_t LogShownSize = 0;  // size of log.txt at the last look
+uint64_t LogShownSize = 0;  // size of log.txt at the last poll
 
 constexpr int kClearMonitorCommand = 300;
 constexpr int kClearLogCommand = 400;
@@ -108,16 +108,16 @@ constexpr ViewerKind kLogKind = {
     .clearedLine = L"log.txt cleared.",
 };
 
-// Asked without FileLock: a poll that finds nothing new costs one attribute query and makes nobody wait.
+// Does not lock FileLock, so a poll that finds nothing new blocks no other thread.
 uint64_t QueryViewedSize(const ViewerKind& kind) {
     return QueryFileSize(*kind.file).value_or(0);
 }
 
-// The edit control counts its octets, two for each character, with 31 bits.
+// The maximum number of characters. The edit control counts octets, two for each, in 31 bits.
 constexpr uint64_t kLargestView = (uint64_t{1} << 30) - 1;
 
-// Adds text for `octets` octets of the file to the view by calling `add`, which returns whether the view took
-// it. If there is no room in the view or no memory, a sentence that says so replaces the whole text.
+// Calls `add`, which adds the text of `octets` octets of the file to the view and returns whether the view
+// accepted it. If it does not fit or memory runs out, replaces the whole text with a sentence that says so.
 template <typename Add>
 void AddOrExplain(const ViewerKind& kind, uint64_t octets, Add add) {
     bool added = false;
@@ -131,11 +131,12 @@ void AddOrExplain(const ViewerKind& kind, uint64_t octets, Add add) {
     }
 }
 
-// Intentional: the size is asked before the file is read. What the file gains in between is read again by the
-// next poll and shows twice; the other order would lose it.
+// Intentional: the size is queried before the file is read. Text that is appended in between is read again by
+// the next poll and shown twice; the other order would lose it.
 //
-// Intentional: ReadWholeFile makes one character of each octet, ReadFileFrom decodes. A character outside
-// ASCII can therefore look different at opening and when it arrives later; the file is what counts.
+// Intentional: ReadWholeFile returns one character for each octet, while ReadFileFrom decodes UTF-8. A
+// character outside ASCII may therefore look different when it is read at opening and when it is appended
+// later.
 void ShowWholeFile(const ViewerKind& kind) {
     *kind.shownSize = QueryViewedSize(kind);
     AddOrExplain(kind, *kind.shownSize, [&kind] {
@@ -160,8 +161,8 @@ void EmptyView(const ViewerKind& kind, uint64_t shownSize) {
     SetWindowTextW(*kind.edit, L"");
 }
 
-// Intentional: a file that became shorter empties the view and is not read again. It was cleared or replaced,
-// and only what is added from now on is new.
+// Intentional: if the file became shorter, it was cleared or replaced. The view is emptied, and only text
+// that is appended from now on is shown.
 void PollViewer(const ViewerKind& kind) {
     const uint64_t size = QueryViewedSize(kind);
     const uint64_t shown = *kind.shownSize;
@@ -175,7 +176,7 @@ void PollViewer(const ViewerKind& kind) {
     }
 }
 
-// The line about clearing the log is written to the emptied log.txt and shown by the next poll.
+// Logs last, so that the line about clearing log.txt is in the emptied file. The next poll shows it.
 void ClearViewer(const ViewerKind& kind) {
     ClearFile(*kind.file);
     EmptyView(kind, 0);
@@ -232,8 +233,8 @@ void OpenViewer(const ViewerKind& kind) {
         return;
     }
     const HWND window = *kind.tool.handle;
-    // Zero means the highest limit. With the default of about 32,000 characters, a monitor that is left open
-    // would stop showing what arrives.
+    // 0 sets the highest limit. With the default of about 32,000 characters, a viewer that is left open would
+    // stop showing new text.
     SendMessageW(*kind.edit, EM_SETLIMITTEXT, 0, 0);
     ApplyUiFont(window);
     ShowWholeFile(kind);

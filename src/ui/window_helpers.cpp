@@ -54,7 +54,7 @@ LRESULT ColorControl(WPARAM wParam) {
 
 bool RaiseOrCreate(const ToolWindow& tool, std::span<const ControlRow> rows) {
     if (*tool.handle) {
-        // Still hidden if memory ran out while it was being filled.
+        // It is still hidden if memory ran out while it was being filled.
         ShowWindow(*tool.handle, SW_SHOW);
         SetForegroundWindow(*tool.handle);
         return false;

@@ -1,5 +1,5 @@
-// Shared by all five windows: their class, their controls from a table, their font and colours, and the rule
-// that a tool window exists at most once. GUI thread only.
+// Helpers of all five windows: window class, controls from a table, font and colours, and opening a tool
+// window at most once. GUI thread only.
 #pragma once
 
 #include <span>
@@ -22,7 +22,7 @@ struct ControlRow {
     HWND* handle = nullptr;  // where to store the control's handle, or null
 };
 
-// A tool window as data. The main window owns it; its position is the default one.
+// A tool window as data. It is owned by the main window and opens at the default position.
 struct ToolWindow {
     const wchar_t* className;
     const wchar_t* title;
@@ -32,19 +32,19 @@ struct ToolWindow {
     HWND* handle;  // null while the window is closed; the window's own WM_DESTROY resets it
 };
 
-// White background, arrow cursor, no icon, no menu. Registering a class again fails and changes nothing.
+// Registers a class with white background, arrow cursor, no icon and no menu. A no-op if it is registered
+// already.
 void RegisterWindowClass(const wchar_t* className, WNDPROC procedure);
 
 // Creates the controls in the order of the table. Failures are not checked.
 void CreateControls(HWND parent, std::span<const ControlRow> rows);
 
-// Sends UiFont to the window and to each of its direct children and redraws them. Does nothing without a
-// window or a font.
+// Sets UiFont in the window and its direct children and redraws them. Does nothing if either is null.
 void ApplyUiFont(HWND window);
 
-// Answers WM_CTLCOLOREDIT and WM_CTLCOLORSTATIC in every window: black on opaque white.
+// The result of WM_CTLCOLOREDIT and WM_CTLCOLORSTATIC in every window: black on opaque white.
 LRESULT ColorControl(WPARAM wParam);
 
-// True: the window was created with its controls and is not visible yet; the caller fills and shows it.
-// False: it existed already and was brought to the front, or the system could not create it.
+// Opens a tool window or brings the open one to the front. True: it was created with its controls and is
+// still hidden; the caller fills and shows it. False: it was open already, or the system could not create it.
 bool RaiseOrCreate(const ToolWindow& tool, std::span<const ControlRow> rows);
