@@ -18,5 +18,5 @@ extern AppPathTexts AppPaths;
 // changed. Failures are not reported: later file operations in the folder fail too. May throw std::bad_alloc.
 //
 // Intentional: without an application-data folder the data folder is \Quillmont on the current drive, so that
-// the receiver still works.
+// the receiver starts anyway.
 void InitAppPaths();

@@ -1,8 +1,8 @@
 // Runs a step whose failure must not stop the next one.
 #pragma once
 
-// Runs `step` and catches every exception. Returns whether it completed. The exceptions that occur are memory
-// shortages and refused locks. They are not logged, since the log itself may be what failed.
+// Runs `step` and catches every exception. Returns whether it completed. Only memory shortages and locks that
+// the system refuses can cause one. It is not logged, since the log itself may be what failed.
 template <typename Step>
 bool RunGuarded(Step&& step) noexcept {
     try {

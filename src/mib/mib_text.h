@@ -35,8 +35,8 @@ std::wstring_view LeadingIdentifier(std::wstring_view line);
 // is 0 below "dod(6)", a parent that never resolves.
 bool ParseParentAndSubId(std::wstring_view statement, std::wstring_view* parent, int32_t* subId);
 
-// Returns `oid` (null: empty) extended by one word of a value. "org(3)" and "3" append an arc. If `oid` is
-// null, a name is resolved to its identifier, or to null if it is unknown. Any other word leaves `oid`
+// Returns `oid` (null: no arcs yet) extended by one word of a value. "org(3)" and "3" append an arc. If `oid`
+// is null, a name is resolved to its identifier, or to null if it is unknown. Any other word leaves `oid`
 // unchanged. `word` must not be empty or contain white space. The caller must hold MibStoreLock.
 const Oid* AddOidComponent(std::wstring_view word, const Oid* oid);
 

@@ -60,8 +60,7 @@ const Oid* StoreBuiltinOid(std::wstring_view name) {
     return oid;
 }
 
-// Whether `text` is the plain decimal form of `arc`, which ParseDecimalInt read from it. Not with leading
-// zeros, and not for a number that was clamped.
+// Whether `text` is `arc` in plain decimal: without leading zeros and not clamped by ParseDecimalInt.
 bool IsWrittenAs(int32_t arc, std::wstring_view text) {
     std::wstring digits;
     AppendSignedDecimal(digits, arc);

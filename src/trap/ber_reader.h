@@ -1,6 +1,6 @@
 // Reads the Basic Encoding Rules: element headers, integers and object identifiers. All functions work on
-// octets in memory in one forward pass and have no state. Where they are lenient and where they are strict
-// decides which messages trap/snmp_message.h can decode.
+// octets in memory in one forward pass and have no state. trap/snmp_message.h relies on exactly what they
+// accept and reject.
 #pragma once
 
 #include <cstddef>

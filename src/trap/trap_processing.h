@@ -8,10 +8,10 @@
 #include "platform/clock.h"
 #include "platform/udp_socket.h"
 
-// A received datagram.
+// A received datagram. Its batch owns the octets.
 struct TrapArrival {
     const uint8_t* octets = nullptr;
-    size_t count = 0;  // may be 0; the octets are owned by the batch
+    size_t count = 0;  // may be 0
     Ipv4Endpoint sender;
     LocalTime time;
 };
