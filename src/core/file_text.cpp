@@ -1,6 +1,5 @@
 #include "core/file_text.h"
 
-#include <algorithm>
 #include <cstdint>
 
 namespace {
@@ -11,39 +10,32 @@ constexpr char kEndOfText = '\x1A';
 
 constexpr std::string_view kLineEnd = "\r\r\n";
 
-bool EndsInsideLine(std::wstring_view text) {
-    return !text.empty() && text.back() != L'\n';
-}
-
-void AppendFileText(std::wstring_view text, std::string_view lineEnd, std::string& octets) {
-    const size_t start = octets.size();
-    // Resized once for the worst case: appending octet by octet takes three times as long, and if memory runs
-    // out here, `octets` is unchanged.
-    octets.resize(start + 2 * text.size() + lineEnd.size());
-    char* out = octets.data() + start;
-    const auto* character = text.data();
-    const auto* const end = character + text.size();
-    for (; character != end && static_cast<uint32_t>(*character) <= 0xFF; ++character) {
-        if (*character == L'\n') {
-            *out++ = kCarriageReturn;
+// False: a character above 0xFF ended the output.
+bool AppendCharacters(std::wstring_view text, std::string& octets) {
+    for (const wchar_t character : text) {
+        if (static_cast<uint32_t>(character) > 0xFF) {
+            return false;
         }
-        *out++ = static_cast<char>(*character);
+        if (character == L'\n') {
+            octets.push_back(kCarriageReturn);
+        }
+        octets.push_back(static_cast<char>(character));
     }
-    if (character == end) {
-        out = std::copy(lineEnd.begin(), lineEnd.end(), out);
-    }
-    octets.resize(static_cast<size_t>(out - octets.data()));
+    return true;
 }
 
 }  // namespace
 
 void EncodeFileText(std::wstring_view text, std::string& octets) {
     octets.clear();
-    AppendFileText(text, {}, octets);
+    AppendCharacters(text, octets);
 }
 
 void AppendFileLines(std::wstring_view text, std::string& octets) {
-    AppendFileText(text, EndsInsideLine(text) ? kLineEnd : std::string_view{}, octets);
+    const bool isWhole = AppendCharacters(text, octets);
+    if (isWhole && !text.empty() && text.back() != L'\n') {
+        octets.append(kLineEnd);
+    }
 }
 
 void DecodeFileText(std::string_view octets, std::wstring& text) {

@@ -16,7 +16,7 @@ void EncodeFileText(std::wstring_view text, std::string& octets);
 
 // Appends `text` in this format, and a line end if `text` is not empty and does not end in a line feed. Text
 // that is cut at a character above 0xFF gets no line end, so the next text continues its line. May throw
-// std::bad_alloc; `octets` is unchanged then.
+// std::bad_alloc, with part of the text appended.
 void AppendFileLines(std::wstring_view text, std::string& octets);
 
 // Replaces `text` with the decoded octets, one character for each. CR LF becomes LF, a CR alone is unchanged,
