@@ -17,7 +17,7 @@ Octets EncodeMagnitude(size_t value) {
     return octets;
 }
 
-// Two's complement of 64 bits, cut to the octets that are needed to get the same number back.
+// Two's complement of 64 bits, without the leading octets that the number does not need.
 Octets EncodeShortestInteger(uint64_t bits, uint8_t filler) {
     Octets octets = {filler};
     for (int shift = 56; shift >= 0; shift -= 8) {

@@ -1,5 +1,5 @@
-// The other side of trap/ber_reader.h, written from the encoding rules and not from the reader: messages as
-// agents send them, and, piece by piece, messages that no agent would send.
+// Encodes messages for trap/ber_reader.h, written from the encoding rules and not from the reader: messages
+// as agents send them and, piece by piece, messages that no agent would send.
 #pragma once
 
 #include <cstdint>
@@ -41,15 +41,16 @@ Octets EncodeElement(uint8_t tag, const Octets& content);
 // The same with the length in the long form of exactly `lengthOctets` octets, leading zeros included.
 Octets EncodeLongFormElement(uint8_t tag, const Octets& content, unsigned lengthOctets);
 
-// Tag and a length that need not be true, without content.
+// Tag and length, which may be wrong, without content.
 Octets EncodeHeader(uint8_t tag, size_t length);
 
 Octets EncodeSequence(std::initializer_list<Octets> elements);
 
-// The shortest two's complement content that holds the value.
+// The shortest two's complement content for the value.
 Octets EncodeInteger(int64_t value);
 
-// The same for the unsigned application types, with the zero octet that keeps a value positive.
+// The same for the unsigned application types, with a zero octet where the value would be negative without
+// it.
 Octets EncodeUnsigned(uint8_t tag, uint64_t value);
 
 Octets EncodeOctetString(std::string_view octets);
@@ -76,17 +77,17 @@ Octets EncodeBindingList(const std::vector<Binding>& bindings);
 // A whole message around a PDU element, with the community "public". `version` is 0 for v1 and 1 for v2c.
 Octets EncodeMessage(int version, const Octets& pdu);
 
-// A v2c PDU of any tag: request id, error status, error index, then `list`, whatever that is.
+// A v2c PDU of any tag: request id, error status, error index, then the octets of `list`.
 Octets EncodeV2Pdu(uint8_t tag, const Octets& list);
 
 // A v1 Trap-PDU: enterprise 1.3.6.1.4.1.8072.3.2.10, agent 10.1.2.3, linkDown (generic 2, specific 0), a time
 // stamp of 123456, then `list`.
 Octets EncodeV1Pdu(const Octets& list);
 
-// Whole messages with these bindings and no others: nothing is added in front.
+// Whole messages with these bindings and no others.
 Octets EncodeV1Trap(const std::vector<Binding>& bindings);
 Octets EncodeV2Trap(const std::vector<Binding>& bindings);
 Octets EncodeInform(const std::vector<Binding>& bindings);
 
-// A v2c trap whose list holds `listContent` as it is, bindings or not.
+// A v2c trap whose list consists of `listContent`, bindings or not.
 Octets EncodeV2TrapWithListContent(const Octets& listContent);

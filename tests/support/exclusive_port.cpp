@@ -1,6 +1,6 @@
 #include "tests/support/exclusive_port.h"
 
-// The seam always sets address reuse, which is what must not be set here.
+// Not the program's own sockets: they always set address reuse.
 #ifdef _WIN32
 #include "platform/windows/windows_headers.h"
 #else

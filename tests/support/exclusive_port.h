@@ -1,4 +1,4 @@
-// Another program that holds a UDP port for itself alone, as a service installed before us would.
+// Another program that has a UDP port for itself alone, such as a service installed before us.
 #pragma once
 
 #include <cstdint>

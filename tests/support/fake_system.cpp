@@ -86,7 +86,7 @@ void CloseUdpSocket(UdpSocket& socket) {
     Note("close " + socket.name);
 }
 
-// The last number of a dotted address is enough to tell the tests' targets apart.
+// The last number of a dotted address is enough to distinguish the tests' targets.
 bool ParseIpv4Address(const std::string& text, uint32_t* address) {
     const size_t dot = text.rfind('.');
     if (dot == std::string::npos) {
@@ -97,14 +97,17 @@ bool ParseIpv4Address(const std::string& text, uint32_t* address) {
 }
 
 WorkerThreadHandle StartWorkerThread(std::function<void()>) {
+    if (Fake.threadsLeft-- <= 0) {
+        return nullptr;
+    }
     const std::string name = "worker " + std::to_string(++Fake.threads);
-    Note("start " + name + (ServerState.running ? " for a receiver that runs" : " too early"));
+    Note("start " + name + (ServerState.running ? " while running" : " too early"));
     return WorkerThreadHandle(new WorkerThread{name});
 }
 
 bool WaitForWorkerThread(WorkerThread& thread, uint32_t milliseconds) {
     Note("wait " + std::to_string(milliseconds) + " ms for " + thread.name);
-    return false;  // held up
+    return false;  // still busy
 }
 
 void WorkerThreadCloser::operator()(WorkerThread* thread) const {

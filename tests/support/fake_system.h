@@ -1,5 +1,5 @@
 // Sockets, threads and the clock as a test scripts them, for programs that link this instead of the real
-// ones: no real system refuses a socket, fills a line or stops a receiver at a chosen moment.
+// ones: no real system refuses a socket, fills a send buffer or stops a receiver at a chosen moment.
 #pragma once
 
 #include <cstdint>
@@ -19,10 +19,11 @@ struct UdpSocket {
 constexpr LocalTime kFakeTime = {2026, 3, 7, 9, 5, 2, 47};
 
 struct FakeSystem {
-    std::vector<std::string> steps;  // what was asked of the system, in order
+    std::vector<std::string> steps;  // the calls of the program, in order
     LocalTime now = kFakeTime;
 
     int socketsLeft = 3;
+    int threadsLeft = 2;
     uint16_t portInUse = 0;
 
     struct Reception {
@@ -32,7 +33,7 @@ struct FakeSystem {
     };
     std::deque<Reception> receptions;  // Closed when there are none left
     std::function<void()> onReceive;   // after each datagram
-    int waitsRefused = 0;              // so many waits for a datagram fail
+    int waitsRefused = 0;              // this many waits for a datagram fail
 
     struct Sending {
         Octets octets;

@@ -1,5 +1,5 @@
-// A copy of some octets that ends at the edge of its allocation, so that under AddressSanitizer a reader that
-// looks one octet too far ends the test.
+// A copy of some octets that ends at the end of its allocation, so that AddressSanitizer stops a reader that
+// reads one octet too many.
 #pragma once
 
 #include <algorithm>
@@ -10,7 +10,7 @@
 
 class FencedOctets {
   public:
-    // One octet more in front: an allocation of no octets at all would have no fence.
+    // One more octet at the start: an allocation of no octets would have no fence.
     FencedOctets(const uint8_t* octets, size_t size) : memory_(new uint8_t[size + 1]), size_(size) {
         std::copy(octets, octets + size, memory_.get() + 1);
     }

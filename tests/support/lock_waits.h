@@ -1,4 +1,4 @@
-// Whether something waits for a lock, as a claim that needs no luck.
+// Whether an action waits for a lock.
 #pragma once
 
 #include <atomic>
@@ -6,9 +6,9 @@
 #include <mutex>
 #include <thread>
 
-// Runs `action` on a thread of its own while the lock is held here. True: it had not ended a tenth of a
-// second after its start; it has when this returns. An action that takes the lock always waits, so a slow
-// machine can hide a lock that is missing, but never miss one that is there.
+// Runs `action` on another thread while the lock is held here. True: it had not ended a tenth of a second
+// after its start; it has when this returns. An action that locks always waits, so a slow machine can hide a
+// missing lock but never fail because of an existing one.
 template <typename Action>
 bool WaitsFor(std::mutex& lock, Action action) {
     std::atomic<bool> started{false};

@@ -14,7 +14,7 @@
 #include "mib/mib_parser.h"
 #include "mib/name_store.h"
 
-// Empty tables for one test, and empty ones for the next.
+// Empties the tables before and after a test.
 class FreshNameStore {
   public:
     FreshNameStore() { Clear(); }
@@ -94,7 +94,7 @@ inline std::optional<Definition> DefinitionOf(std::wstring_view name) {
     return Definition{std::wstring(definition.parent->text), definition.subId, definition.valid};
 }
 
-// What the name stands for; empty: nothing.
+// The identifier of a name; empty: none.
 inline std::wstring OidOf(std::wstring_view name) {
     const std::lock_guard lock(MibStoreLock);
     return FormatOid(ResolveName(StoreName(name)));

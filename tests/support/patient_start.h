@@ -1,11 +1,11 @@
-// Starting a program under Wine, which now and then, less than once in a thousand starts, gives a process up
-// before it comes to its program: an internal error. So that answer, and no other, is asked about again.
+// Starting a program under Wine, where less than one start in a thousand fails with an internal error. Only
+// that error is retried.
 #pragma once
 
 #include "platform/windows/windows_headers.h"
 
-// `create` starts a process and answers as CreateProcessW does. Returns ERROR_SUCCESS, or the system's error
-// when nothing was started.
+// `create` starts a process and returns what CreateProcessW does. Returns ERROR_SUCCESS, or the system's
+// error when nothing was started.
 template <typename Create>
 DWORD StartPatiently(const Create& create) {
     constexpr int kAttempts = 3;

@@ -10,7 +10,7 @@
 struct SampleMessage {
     std::string name;  // fit for a file name
     Octets octets;
-    // What SNMP.txt says of each binding behind "---> [n] " while no identifier has a name; no line: the
+    // The text in SNMP.txt for each binding after "---> [n] " while no identifier has a name; no line: the
     // message does not decode.
     std::vector<std::wstring> lines;
 };
@@ -21,6 +21,5 @@ const std::vector<SampleMessage>& SampleMessages();
 // The one of that name; a name that does not exist ends the test program.
 const SampleMessage& FindSample(std::string_view name);
 
-// The lines of a record behind its header line, the empty one included, as the record text holds them
-// (CR LF).
+// The lines of a record after its header line, with the empty one, as in the record text (CR LF).
 std::wstring BuildExpectedBody(const SampleMessage& sample);

@@ -5,7 +5,7 @@
 
 namespace {
 
-// Not atomic: no two threads of these programs ask at the same time.
+// Not atomic: no two threads of these programs allocate at the same time.
 size_t requestCount = 0;
 size_t octetCount = 0;
 size_t refusedRequest = kNoRequest;
@@ -48,8 +48,7 @@ size_t ScopedShortage::octets() {
     return octetCount;
 }
 
-// All forms but the over-aligned ones, which nothing here uses: the runtime's own would not always come back
-// to these.
+// All forms but the over-aligned ones, which nothing here uses: the runtime's own do not always call these.
 void* operator new(size_t size) {
     return AllocateOrThrow(size);
 }

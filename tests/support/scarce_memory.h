@@ -1,5 +1,5 @@
-// Memory that runs out at each request in turn. The global operator new is replaced by linking
-// scarce_memory.cpp, hence programs of their own.
+// Memory that runs out at each request, one after the other. Linking scarce_memory.cpp replaces the global
+// operator new, hence a separate program.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -9,12 +9,11 @@
 #include <new>
 #include <string>
 
-// A moment of want, or the end of all memory.
 enum class Shortage { OneRequest, ThatAndAllLater };
 
 constexpr size_t kNoRequest = SIZE_MAX;
 
-// Counts requests from its beginning and refuses the given one, until its end.
+// Counts requests during its lifetime and refuses the given one.
 class ScopedShortage {
   public:
     ScopedShortage(size_t request, Shortage kind);
@@ -23,16 +22,16 @@ class ScopedShortage {
     ScopedShortage& operator=(const ScopedShortage&) = delete;
 
     static size_t requests();  // made since the last one began
-    static size_t octets();    // that these asked for
+    static size_t octets();    // requested by these
 };
 
 enum class Outcome { Returned, NoMemory, OtherException };
 
 struct Attempt {
     Outcome outcome = Outcome::Returned;
-    size_t requests = 0;   // that it made
-    size_t octets = 0;     // that these asked for
-    bool refused = false;  // whether it came as far as the refused one
+    size_t requests = 0;
+    size_t octets = 0;     // requested in all
+    bool refused = false;  // whether the refused request was made
 };
 
 template <typename Action>
@@ -52,8 +51,8 @@ Attempt Try(const Action& action, size_t request = kNoRequest, Shortage kind = S
     return attempt;
 }
 
-// Calls prepare(), action() and check(attempt, request) for each request of `action` in turn, until it makes
-// fewer. Returns how many were refused.
+// Calls prepare(), action() and check(attempt, request) for each request of `action`, until it makes fewer.
+// Returns how many were refused.
 template <typename Prepare, typename Action, typename Check>
 size_t RefuseEachRequest(Shortage kind, const Prepare& prepare, const Action& action, const Check& check) {
     for (size_t request = 0;; ++request) {

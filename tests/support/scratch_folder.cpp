@@ -9,7 +9,7 @@
 
 namespace {
 
-// Unlike any other folder of this run, of a run beside it and of one that was killed before.
+// Unlike any other folder of this run, of a concurrent run and of one that was killed.
 std::filesystem::path MakeUniqueFolder() {
     static std::atomic<unsigned> counter{0};
     std::random_device random;

@@ -1,4 +1,4 @@
-// A folder of its own for each test, gone afterwards.
+// A separate folder for each test, removed afterwards.
 #pragma once
 
 #include <filesystem>
@@ -23,7 +23,7 @@ class ScratchFolder {
     std::filesystem::path path_;
 };
 
-// Points AppPaths into the folder, makes the mibs folder there, and puts the old paths back at the end.
+// Points AppPaths into the folder, creates the mibs folder there, and restores the old paths at the end.
 class AppPathsGuard {
   public:
     explicit AppPathsGuard(const ScratchFolder& folder);

@@ -1,5 +1,4 @@
-// Time stamps in the program's files: checked for their shape, then taken off, since the hour is
-// nobody's promise.
+// Time stamps in the program's files: tests check their shape and remove them.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// Waiting for what another thread, another program or the system does.
+// Waiting for another thread, another program or the system.
 #pragma once
 
 #include <chrono>

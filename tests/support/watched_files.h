@@ -1,5 +1,5 @@
-// platform/files.h kept in memory, for programs that link this instead of the real one and want to see, or
-// hold up, who is in a file. Nothing here locks: the data files are used under FileLock, as on a disk.
+// platform/files.h in memory, for programs that link this instead of the real one and watch or change what
+// happens to a file. Nothing here locks: the data files are used under FileLock, as on a disk.
 #pragma once
 
 #include <cstdint>
@@ -8,16 +8,16 @@
 #include <string_view>
 
 struct WatchedFiles {
-    // Called for each append, before it is done, on the thread and under the locks of whoever appends.
+    // Called before each append, on the caller's thread and under its locks.
     std::function<void(const std::wstring& path, std::string_view octets)> onAppend;
 
-    // True: this append is refused, as when another program has the file open and shares it with nobody.
+    // True: this append is refused, as when another program has the file open without sharing it.
     std::function<bool(const std::wstring& path)> refusesAppend;
 
-    // The same for whatever opens a file: an append, a replacement, a reading.
+    // Called before each append, replacement and read.
     std::function<void(const std::wstring& path)> onOpen;
 
-    // The folder lists the file with that size; its octets stay what they are.
+    // The folder lists the file with that size; its octets are unchanged.
     void ClaimSize(const std::wstring& path, uint64_t size);
 
     void Reset();                                              // no files, no callbacks

@@ -14,8 +14,8 @@ namespace {
 
 constexpr bool kSystemChoosesTheFolder = sizeof(wchar_t) == 2;
 
-// Says where the application data belongs where that can be said; the Windows build has to take what the
-// system says, which must then hold no data of a real user.
+// Sets the application-data folder where the build allows it. The Windows build uses the system's folder,
+// which must then contain no data of a real user.
 void PointApplicationDataTo(const std::string& folder) {
 #ifndef _WIN32
     setenv("QUILLMONT_DATA_HOME", folder.c_str(), 1);
@@ -24,21 +24,20 @@ void PointApplicationDataTo(const std::string& folder) {
 #endif
 }
 
-// The standard library's path; slashes do on every system.
+// For the standard library; slashes work on every system.
 std::filesystem::path ToStandardPath(std::wstring path) {
     std::replace(path.begin(), path.end(), L'\\', L'/');
     return path;
 }
 
-// A machine on which the program never ran.
+// An account on which the program never ran.
 class AppPathsTest : public testing::Test {
   protected:
     void SetUp() override {
         PointApplicationDataTo((folder_.path() / "local").string());
         dataDir_ = QueryLocalAppDataFolder() + L"\\Quillmont";
         if (PathExists(dataDir_)) {
-            GTEST_SKIP()
-                << "This account has Quillmont's data already, and the test would have to remove them.";
+            GTEST_SKIP() << "This account has data of Quillmont, which the test would have to remove.";
         }
         ours_ = true;
     }
@@ -58,7 +57,7 @@ class AppPathsTest : public testing::Test {
     bool ours_ = false;
 };
 
-TEST_F(AppPathsTest, PathsLieInTheUsersLocalApplicationData) {
+TEST_F(AppPathsTest, PathsAreInTheUsersLocalApplicationData) {
     InitAppPaths();
     EXPECT_EQ(AppPaths.dataDir, dataDir_);
     EXPECT_EQ(AppPaths.mibsDir, dataDir_ + L"\\mibs");
@@ -67,7 +66,7 @@ TEST_F(AppPathsTest, PathsLieInTheUsersLocalApplicationData) {
     EXPECT_EQ(AppPaths.logFilePath, dataDir_ + L"\\log.txt");
 }
 
-TEST_F(AppPathsTest, FirstStartMakesFoldersAndEmptyFilesButNoSettings) {
+TEST_F(AppPathsTest, FirstStartCreatesFoldersAndEmptyFilesButNoSettings) {
     InitAppPaths();
     EXPECT_TRUE(PathExists(dataDir_));
     EXPECT_TRUE(EnumerateFolder(AppPaths.mibsDir, [](const FolderEntry&) { FAIL() << "not empty"; }));
@@ -87,27 +86,18 @@ TEST_F(AppPathsTest, SecondStartChangesNoOctetOfAnExistingFile) {
     EXPECT_EQ(ReadOctets(AppPaths.configPath), "settings");
 }
 
-TEST_F(AppPathsTest, DeletedMibsFolderIsMadeAgainAtTheNextStart) {
+TEST_F(AppPathsTest, DeletedMibsFolderIsCreatedAgainAtTheNextStart) {
     InitAppPaths();
-    WriteOctets(AppPaths.logFilePath, "kept");
+    WriteOctets(AppPaths.logFilePath, "old");
     std::filesystem::remove(ToStandardPath(dataDir_ + L"\\mibs"));
     InitAppPaths();
     EXPECT_TRUE(PathExists(AppPaths.mibsDir));
-    EXPECT_EQ(ReadOctets(AppPaths.logFilePath), "kept");
+    EXPECT_EQ(ReadOctets(AppPaths.logFilePath), "old");
 }
 
-TEST_F(AppPathsTest, FileInThePlaceOfTheFolderIsPassedOver) {
-    CreateFolderWithParents(QueryLocalAppDataFolder());
-    WriteOctets(dataDir_, "in the way");
-    InitAppPaths();
-    EXPECT_EQ(AppPaths.logFilePath, dataDir_ + L"\\log.txt");
-    EXPECT_FALSE(PathExists(AppPaths.logFilePath));
-    EXPECT_EQ(ReadOctets(dataDir_), "in the way");
-}
-
-TEST_F(AppPathsTest, CharactersOutsideAsciiAreKept) {
+TEST_F(AppPathsTest, CharactersOutsideAsciiAreUnchanged) {
     if constexpr (kSystemChoosesTheFolder) {
-        GTEST_SKIP() << "The system says which folder it is; the desktop tests try one with such characters.";
+        GTEST_SKIP() << "The system chooses the folder; the desktop tests use one with such characters.";
     } else {
         PointApplicationDataTo(folder_.path().string() + "/J\xC3\xBCrgen \xD0\x96");
         InitAppPaths();
@@ -115,11 +105,6 @@ TEST_F(AppPathsTest, CharactersOutsideAsciiAreKept) {
         EXPECT_TRUE(PathExists(folder_.path().wstring() + L"/J\u00FCrgen \u0416/Quillmont/mibs"));
         EXPECT_EQ(QueryFileSize(AppPaths.logFilePath), 0U);
     }
-}
-
-TEST(AppPaths, AreEmptyUntilTheyAreWorkedOut) {
-    EXPECT_EQ(AppPathTexts().dataDir, L"");
-    EXPECT_EQ(AppPathTexts().logFilePath, L"");
 }
 
 }  // namespace

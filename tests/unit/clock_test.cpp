@@ -4,7 +4,10 @@
 
 #include <chrono>
 #include <ctime>
+#include <string>
 #include <thread>
+
+#include "core/timestamp.h"
 
 namespace {
 
@@ -15,45 +18,31 @@ using std::chrono::system_clock;
 // The system may count time in steps of a sixty-fourth of a second.
 constexpr int64_t kStep = 16;
 
-std::string Fields(const LocalTime& time) {
-    return std::to_string(time.year) + "-" + std::to_string(time.month) + "-" + std::to_string(time.day) +
-           " " + std::to_string(time.hour) + ":" + std::to_string(time.minute) + ":" +
-           std::to_string(time.second);
-}
-
-std::tm LocalCalendar(std::time_t now) {
+// The local time to the second, by the standard library.
+std::wstring CalendarText() {
+    const std::time_t now = std::time(nullptr);
     std::tm parts{};
 #ifdef _WIN32
     localtime_s(&parts, &now);
 #else
     localtime_r(&now, &parts);
 #endif
-    return parts;
-}
-
-std::string FieldsOfNow() {
-    const std::tm parts = LocalCalendar(std::time(nullptr));
-    LocalTime time;
-    time.year = static_cast<unsigned>(parts.tm_year + 1900);
-    time.month = static_cast<unsigned>(parts.tm_mon + 1);
-    time.day = static_cast<unsigned>(parts.tm_mday);
-    time.hour = static_cast<unsigned>(parts.tm_hour);
-    time.minute = static_cast<unsigned>(parts.tm_min);
-    time.second = static_cast<unsigned>(parts.tm_sec);
-    return Fields(time);
+    char text[32];
+    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &parts);
+    return {text, text + std::char_traits<char>::length(text)};
 }
 
 int64_t MillisecondsOf(system_clock::time_point time) {
     return std::chrono::duration_cast<milliseconds>(time.time_since_epoch()).count();
 }
 
-TEST(ReadLocalTime, IsWhatTheCalendarShows) {
-    std::string expected;
-    std::string read;
-    // A second can begin between the two looks, but not each time.
-    for (int look = 0; look < 5 && (look == 0 || read != expected); ++look) {
-        expected = FieldsOfNow();
-        read = Fields(ReadLocalTime());
+TEST(ReadLocalTime, AgreesWithTheCalendar) {
+    std::wstring expected;
+    std::wstring read;
+    // A second can begin between the two, but not each time.
+    for (int attempt = 0; attempt < 5 && (attempt == 0 || read != expected); ++attempt) {
+        expected = CalendarText();
+        read = FormatTimestamp(ReadLocalTime()).substr(0, expected.size());
     }
     EXPECT_EQ(read, expected);
 }
@@ -80,16 +69,14 @@ TEST(ReadTickCount, CountsMillisecondsForwards) {
         last = tick;
         std::this_thread::yield();
     }
-    const auto passed = std::chrono::duration_cast<milliseconds>(steady_clock::now() - start).count();
-    EXPECT_GE(passed, 100 - 2 * kStep);
+    EXPECT_GE(steady_clock::now() - start, milliseconds(100 - 2 * kStep));
 }
 
-TEST(SleepMilliseconds, ComesBackAfterThatTime) {
+TEST(SleepMilliseconds, ReturnsAfterThatTime) {
     const auto start = steady_clock::now();
     SleepMilliseconds(1200);
-    const auto passed = std::chrono::duration_cast<milliseconds>(steady_clock::now() - start).count();
-    EXPECT_GE(passed, 1200 - kStep);
-    EXPECT_LE(passed, 60000);
+    EXPECT_GE(steady_clock::now() - start, milliseconds(1200 - kStep));
+    EXPECT_LE(steady_clock::now() - start, milliseconds(60000));
 }
 
 }  // namespace

@@ -2,13 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <thread>
-
+#include "core/activity_log.h"
+#include "core/app_paths.h"
 #include "platform/files.h"
 #include "platform/folders.h"
-#include "tests/support/lock_waits.h"
 #include "tests/support/scratch_folder.h"
+#include "tests/support/stamps.h"
 
 namespace {
 
@@ -18,35 +17,24 @@ class DataFilesTest : public testing::Test {
 
     ScratchFolder folder_;
     const std::wstring file_ = folder_.Join(L"file.txt");
-    const std::wstring inMissingFolder_ = folder_.Join(L"missing\\file.txt");
 };
 
 // ---- Writing
 
-TEST_F(DataFilesTest, TextWithoutLineEndGetsOne) {
+TEST_F(DataFilesTest, AppendingAddsOnlyMissingLineEnds) {
+    WriteOctets(file_, "before\r\r\n");
     AppendToFile(file_, L"one");
-    EXPECT_EQ(Read(), "one\r\r\n");
+    AppendToFile(file_, L"two\r\n");
+    AppendToFile(file_, L"three\n");
+    EXPECT_EQ(Read(), "before\r\r\none\r\r\ntwo\r\r\nthree\r\n");
 }
 
-TEST_F(DataFilesTest, TextThatEndsInALineFeedGetsNothingAdded) {
-    AppendToFile(file_, L"one\r\n");
-    AppendToFile(file_, L"two\n");
-    EXPECT_EQ(Read(), "one\r\r\ntwo\r\n");
-}
-
-TEST_F(DataFilesTest, EmptyTextOnlyCreatesTheFile) {
+TEST_F(DataFilesTest, AppendingEmptyTextOnlyCreatesTheFile) {
     AppendToFile(file_, L"");
     EXPECT_TRUE(PathExists(file_));
-    EXPECT_EQ(Read(), "");
     AppendToFile(file_, L"one");
     AppendToFile(file_, L"");
     EXPECT_EQ(Read(), "one\r\r\n");
-}
-
-TEST_F(DataFilesTest, AppendingNeverTruncates) {
-    WriteOctets(file_, "before\r\r\n");
-    AppendToFile(file_, L"after");
-    EXPECT_EQ(Read(), "before\r\r\nafter\r\r\n");
 }
 
 TEST_F(DataFilesTest, TextAfterACutOneContinuesItsLine) {
@@ -56,22 +44,16 @@ TEST_F(DataFilesTest, TextAfterACutOneContinuesItsLine) {
     EXPECT_EQ(Read(), "cutnext\r\r\n");
 }
 
-TEST_F(DataFilesTest, FileThatCannotBeOpenedIsPassedOver) {
-    AppendToFile(inMissingFolder_, L"one");
-    ClearFile(inMissingFolder_);
-    EXPECT_FALSE(ReplaceFileText(inMissingFolder_, L"one"));
-    EXPECT_EQ(ReadWholeFile(inMissingFolder_), L"");
-    EXPECT_EQ(ReadFileFrom(inMissingFolder_, 0), L"");
+TEST_F(DataFilesTest, FilesThatCannotBeOpenedAreIgnored) {
+    CreateFolderWithParents(folder_.Join(L"folder"));
+    for (const std::wstring& path : {folder_.Join(L"missing\\file.txt"), folder_.Join(L"folder")}) {
+        AppendToFile(path, L"one");
+        ClearFile(path);
+        EXPECT_FALSE(ReplaceFileText(path, L"one"));
+        EXPECT_EQ(ReadWholeFile(path), L"");
+        EXPECT_EQ(ReadFileFrom(path, 0), L"");
+    }
     EXPECT_FALSE(PathExists(folder_.Join(L"missing")));
-}
-
-TEST_F(DataFilesTest, FolderInThePlaceOfAFileIsPassedOver) {
-    CreateFolderWithParents(file_);
-    AppendToFile(file_, L"one");
-    ClearFile(file_);
-    EXPECT_FALSE(ReplaceFileText(file_, L"one"));
-    EXPECT_EQ(ReadWholeFile(file_), L"");
-    EXPECT_EQ(ReadFileFrom(file_, 0), L"");
 }
 
 TEST_F(DataFilesTest, ReplacingDropsTheOldContentAndAddsNoLineEnd) {
@@ -80,23 +62,15 @@ TEST_F(DataFilesTest, ReplacingDropsTheOldContentAndAddsNoLineEnd) {
     EXPECT_EQ(Read(), "new\r\r\nlast");
 }
 
-TEST_F(DataFilesTest, ReplacingCutsAtACharacterAbove0xFF) {
-    EXPECT_TRUE(ReplaceFileText(file_,
-                                L"a\u20AC"
-                                L"b"));
-    EXPECT_EQ(Read(), "a");
-}
-
-TEST_F(DataFilesTest, ClearedFileIsThereAndEmpty) {
+TEST_F(DataFilesTest, ClearedFileExistsAndIsEmpty) {
     WriteOctets(file_, "something");
     ClearFile(file_);
-    EXPECT_TRUE(PathExists(file_));
-    EXPECT_EQ(Read(), "");
+    EXPECT_EQ(QueryFileSize(file_), 0U);
 }
 
 TEST_F(DataFilesTest, NoFileStaysOpenBetweenCalls) {
     AppendToFile(file_, L"one");
-    EXPECT_TRUE(RemoveFile(file_)) << "a handle that stayed open would forbid it";
+    EXPECT_TRUE(RemoveFile(file_)) << "an open handle would forbid it";
     AppendToFile(file_, L"two");
     EXPECT_EQ(Read(), "two\r\r\n");
 }
@@ -109,43 +83,29 @@ TEST_F(DataFilesTest, MissingAndEmptyFilesReadAsEmpty) {
     EXPECT_EQ(ReadWholeFile(file_), L"");
 }
 
-TEST_F(DataFilesTest, WhatWasAppendedReadsBackWithItsOwnLineEnds) {
+TEST_F(DataFilesTest, AppendedTextReadsBackWithItsOwnLineEnds) {
     AppendToFile(file_, L"caf\u00E9\r\n");
     AppendToFile(file_, L"two");
     EXPECT_EQ(ReadWholeFile(file_), L"caf\u00E9\r\ntwo\r\n");
 }
 
-TEST_F(DataFilesTest, WholeFileIsReadOctetByOctetAndNotAsUtf8) {
-    WriteOctets(file_, "caf\xC3\xA9");
+TEST_F(DataFilesTest, WholeFileIsReadAsOctetsUpToOctet0x1A) {
+    WriteOctets(file_, "caf\xC3\xA9\x1Anot seen");
     EXPECT_EQ(ReadWholeFile(file_), L"caf\u00C3\u00A9");
-}
-
-TEST_F(DataFilesTest, Octet0x1AEndsTheWholeFile) {
-    WriteOctets(file_, "seen\x1Anot seen");
-    EXPECT_EQ(ReadWholeFile(file_), L"seen");
 }
 
 // ---- Reading from an offset
 
-TEST_F(DataFilesTest, OffsetEqualToTheSizeReadsNothing) {
-    WriteOctets(file_, "12345");
-    EXPECT_EQ(ReadFileFrom(file_, 5), L"");
-}
-
 TEST_F(DataFilesTest, OffsetBeyondTheSizeReadsTheWholeFile) {
     WriteOctets(file_, "12345");
+    EXPECT_EQ(ReadFileFrom(file_, 0), L"12345");
+    EXPECT_EQ(ReadFileFrom(file_, 4), L"5");
+    EXPECT_EQ(ReadFileFrom(file_, 5), L"") << "equal to the size";
     EXPECT_EQ(ReadFileFrom(file_, 6), L"12345");
     EXPECT_EQ(ReadFileFrom(file_, UINT64_MAX), L"12345");
 }
 
-TEST_F(DataFilesTest, OffsetWithinTheFileReadsTheRest) {
-    WriteOctets(file_, "12345");
-    EXPECT_EQ(ReadFileFrom(file_, 0), L"12345");
-    EXPECT_EQ(ReadFileFrom(file_, 3), L"45");
-    EXPECT_EQ(ReadFileFrom(file_, 4), L"5");
-}
-
-TEST_F(DataFilesTest, LineEndsAnd0x1AAreReadAsTheyAre) {
+TEST_F(DataFilesTest, LineEndsAnd0x1AAreReadUnchanged) {
     WriteOctets(file_,
                 "a\r\r\nb\r\nc\x1A"
                 "d\n");
@@ -154,50 +114,42 @@ TEST_F(DataFilesTest, LineEndsAnd0x1AAreReadAsTheyAre) {
               L"d\n");
 }
 
-TEST_F(DataFilesTest, ValidUtf8IsDecodedAsSuch) {
-    WriteOctets(file_, "caf\xC3\xA9");
-    EXPECT_EQ(ReadFileFrom(file_, 0), L"caf\u00E9");
+TEST_F(DataFilesTest, TextAfterTheOffsetIsUtf8IfValidAndElseAnsi) {
+    const auto readFrom = [&](uint64_t offset, std::string_view octets) {
+        WriteOctets(file_, octets);
+        return ReadFileFrom(file_, offset);
+    };
+    EXPECT_EQ(readFrom(0, "caf\xC3\xA9"), L"caf\u00E9");
+    EXPECT_EQ(readFrom(0, "\xE9"), L"\u00E9");
+    EXPECT_EQ(readFrom(0, "\xC3\xA9 and \xE9"), L"\u00C3\u00A9 and \u00E9");
+    EXPECT_EQ(readFrom(1, "\xE9\xC3\xA9"), L"\u00E9");
+    EXPECT_EQ(readFrom(1, "\xC3\xA9"), L"\u00A9") << "half a sequence is not UTF-8";
 }
 
-TEST_F(DataFilesTest, InvalidUtf8IsDecodedAsAnsi) {
-    WriteOctets(file_, "\xE9");
-    EXPECT_EQ(ReadFileFrom(file_, 0), L"\u00E9");
-    WriteOctets(file_, "\xC3\xA9 and \xE9");
-    EXPECT_EQ(ReadFileFrom(file_, 0), L"\u00C3\u00A9 and \u00E9");
+// ---- The activity log
+
+class ActivityLogTest : public testing::Test {
+  protected:
+    ScratchFolder folder_;
+    const AppPathsGuard paths_{folder_};
+};
+
+TEST_F(ActivityLogTest, LineIsStampTwoBlanksMessageAndThreeOctetLineEnd) {
+    LogMessage(L"Config saved.");
+    LogMessage(L"one\n");
+    const std::string log = ReadOctets(AppPaths.logFilePath);
+    ASSERT_TRUE(IsStamp(log.substr(0, kStampLength))) << log;
+    EXPECT_EQ(log.substr(kStampLength, 18), "  Config saved.\r\r\n");
+    EXPECT_EQ(log.substr(18 + 2 * kStampLength), "  one\r\n\r\r\n") << "gets its own line end all the same";
 }
 
-TEST_F(DataFilesTest, OnlyWhatStandsBehindTheOffsetDecidesTheEncoding) {
-    WriteOctets(file_, "\xE9\xC3\xA9");
-    EXPECT_EQ(ReadFileFrom(file_, 1), L"\u00E9");
-    WriteOctets(file_, "\xC3\xA9");
-    EXPECT_EQ(ReadFileFrom(file_, 1), L"\u00A9") << "half a sequence is no UTF-8";
-}
-
-// ---- The lock
-
-TEST_F(DataFilesTest, NothingIsWrittenWhileAnotherHoldsTheFileLock) {
-    EXPECT_TRUE(WaitsFor(FileLock, [&] { AppendToFile(file_, L"one"); }));
-    EXPECT_EQ(Read(), "one\r\r\n");
-}
-
-TEST_F(DataFilesTest, ReaderNeverSeesHalfARecord) {
-    const std::wstring record = std::wstring(3000, L'x') + L"\r\n";
-    std::atomic<bool> done{false};
-    std::thread writer([&] {
-        for (int round = 0; round < 100; ++round) {
-            AppendToFile(file_, record);
-        }
-        done = true;
-    });
-    size_t halves = 0;
-    size_t seen = 0;
-    while (!done || seen < 100 * record.size()) {
-        const std::wstring text = ReadWholeFile(file_);
-        halves += text.size() % record.size() != 0;
-        seen = text.size();
-    }
-    writer.join();
-    EXPECT_EQ(halves, 0U);
+TEST_F(ActivityLogTest, CharacterAbove0xFFCutsTheLineAndTheNextOneContinuesIt) {
+    LogMessage(L"caf\u00E9 \u20AC lost");
+    LogMessage(L"next");
+    const std::string log = ReadOctets(AppPaths.logFilePath);
+    EXPECT_EQ(log.substr(kStampLength, 7), "  caf\xE9 ");
+    EXPECT_TRUE(IsStamp(log.substr(kStampLength + 7, kStampLength))) << log;
+    EXPECT_EQ(log.substr(7 + 2 * kStampLength), "  next\r\r\n");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// What the system calls must not throw at it: a window procedure that runs out of memory ends with an answer.
+// The system must not see exceptions: a window procedure that runs out of memory returns 0.
 #include "ui/exception_guard.h"
 
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ LRESULT CALLBACK ThrowingProc(HWND window, UINT message, WPARAM wParam, LPARAM l
     }
 }
 
-// A window that is never seen, so no display is needed.
+// A message-only window, which needs no display.
 HWND CreateThrowingWindow() {
     WNDCLASSW description{};
     description.lpfnWndProc = GuardedProc<ThrowingProc>;
@@ -32,7 +32,7 @@ HWND CreateThrowingWindow() {
                            nullptr);
 }
 
-TEST(GuardedProc, AnswersAMessageWhoseHandlingThrowsAndTheWindowLives) {
+TEST(GuardedProc, AHandlerThatThrowsReturns0AndTheWindowStillExists) {
     const HWND window = CreateThrowingWindow();
     ASSERT_NE(window, nullptr);
     for (int count = 0; count < 100; ++count) {

@@ -1,6 +1,6 @@
-// What the program asks of its files, and under which locks. Files and folders are replaced by linking with
-// ones in memory that look at the locks while somebody is inside, hence a program of its own: whether two
-// threads ever meet in a file is no matter of luck then.
+// How the program uses its files, and under which locks. Files and folders are replaced by linking with ones
+// in memory that check the locks during each use, hence a separate program: a missing lock is found without
+// luck.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -8,9 +8,9 @@
 #include <chrono>
 #include <functional>
 #include <mutex>
+#include <stdexcept>
 #include <string>
 #include <thread>
-#include <variant>
 #include <vector>
 
 #include "config/config_file.h"
@@ -28,9 +28,12 @@
 
 namespace {
 
+enum class WalkEnd { Whole, BrokenOff, Thrown };
+
 std::wstring applicationData;
-std::vector<std::wstring> madeFolders;
+std::vector<std::wstring> createdFolders;
 std::vector<std::wstring> mibFiles;
+WalkEnd walkEnd = WalkEnd::Whole;
 
 }  // namespace
 
@@ -43,26 +46,29 @@ bool PathExists(const std::wstring&) {
 }
 
 void CreateFolderWithParents(const std::wstring& path) {
-    madeFolders.push_back(path);
+    createdFolders.push_back(path);
 }
 
 bool EnumerateFolder(const std::wstring&, const std::function<void(const FolderEntry&)>& visit) {
     for (const std::wstring& name : mibFiles) {
         visit({name, true});
     }
-    return true;
+    if (walkEnd == WalkEnd::Thrown) {
+        throw std::runtime_error("the walk broke off");
+    }
+    return walkEnd == WalkEnd::Whole;
 }
 
 namespace {
 
-// One stay in a file, and what was locked meanwhile.
-struct Stay {
+// One use of a file, and the locks held during it.
+struct FileUse {
     std::wstring path;
     bool underFileLock = false;
     bool underMibStoreLock = false;
 };
 
-// Asked from another thread: the one that holds a lock may not try it.
+// Tried on another thread: the one that holds a lock may not try it.
 bool IsHeld(std::mutex& lock) {
     bool held = true;
     std::thread([&] {
@@ -78,11 +84,12 @@ class FileLayer : public testing::Test {
         Files.Reset();
         applicationData = L"C:\\data";
         InitAppPaths();
-        madeFolders.clear();
+        createdFolders.clear();
         mibFiles.clear();
+        walkEnd = WalkEnd::Whole;
         AppendOctets(AppPaths.configPath, "<forwardingPort>9162</forwardingPort>");
         Files.onOpen = [this](const std::wstring& path) {
-            stays_.push_back({path, IsHeld(FileLock), IsHeld(MibStoreLock)});
+            uses_.push_back({path, IsHeld(FileLock), IsHeld(MibStoreLock)});
         };
     }
     ~FileLayer() override {
@@ -90,7 +97,12 @@ class FileLayer : public testing::Test {
         AppPaths = {};
     }
 
-    std::vector<Stay> stays_;
+    static void AddMibFile(const std::wstring& name, const char* octets) {
+        AppendOctets(AppPaths.mibsDir + L"\\" + name, octets);
+        mibFiles.push_back(name);
+    }
+
+    std::vector<FileUse> uses_;
     FreshNameStore store_;
 };
 
@@ -116,40 +128,58 @@ const Operation kOperations[] = {
     {"InitAppPaths", InitAppPaths},
 };
 
-// So that no viewer sees half a record and no record is lost to the clearing of the file.
-TEST_F(FileLayer, NobodyIsInADataFileWithoutTheFileLockAndNobodyKeepsIt) {
+// Otherwise a viewer could see half a record, or a record be lost while the file is cleared.
+TEST_F(FileLayer, EveryUseOfADataFileIsUnderTheFileLock) {
     for (const Operation& operation : kOperations) {
-        stays_.clear();
+        uses_.clear();
         operation.run();
-        EXPECT_FALSE(stays_.empty()) << operation.name;
-        for (const Stay& stay : stays_) {
-            EXPECT_TRUE(stay.underFileLock) << operation.name;
+        EXPECT_FALSE(uses_.empty()) << operation.name;
+        for (const FileUse& use : uses_) {
+            EXPECT_TRUE(use.underFileLock) << operation.name;
         }
         EXPECT_FALSE(IsHeld(FileLock)) << operation.name;
     }
 }
 
-// So that nobody sees half a load: neither a trap that looks up a name, nor whoever reads the log and asks.
-TEST_F(FileLayer, ALoadKeepsTheNameStoreUntilItsLogLineIsWritten) {
-    mibFiles = {L"a.mib"};
-    const std::wstring mib = AppPaths.mibsDir + L"\\a.mib";
-    AppendOctets(mib, "a OBJECT IDENTIFIER ::= { mgmt 5 }\n");
-    stays_.clear();
+// Otherwise a trap that looks up a name could see half a load.
+TEST_F(FileLayer, ALoadLocksTheNameStoreUntilItsLogLineIsWritten) {
+    AddMibFile(L"a.mib", "a OBJECT IDENTIFIER ::= { mgmt 5 }\n");
+    uses_.clear();
     LoadMibFolder();
-    ASSERT_EQ(stays_.size(), 2U) << "the MIB file, then the log";
-    EXPECT_EQ(stays_[0].path, mib);
-    EXPECT_FALSE(stays_[0].underFileLock) << "no trap waits for a file that is none of the data files";
-    EXPECT_EQ(stays_[1].path, AppPaths.logFilePath);
-    EXPECT_TRUE(stays_[0].underMibStoreLock && stays_[1].underMibStoreLock);
+    ASSERT_EQ(uses_.size(), 2U) << "the MIB file, then the log";
+    EXPECT_EQ(uses_[0].path, AppPaths.mibsDir + L"\\a.mib");
+    EXPECT_FALSE(uses_[0].underFileLock) << "traps must not wait for a MIB file";
+    EXPECT_EQ(uses_[1].path, AppPaths.logFilePath);
+    EXPECT_TRUE(uses_[0].underMibStoreLock && uses_[1].underMibStoreLock);
     EXPECT_EQ(Files.ReadOctetsOf(AppPaths.logFilePath).substr(kStampLength),
               "  MIBs loaded. OID mappings: 1\r\r\n");
     EXPECT_FALSE(IsHeld(MibStoreLock));
 }
 
+TEST_F(FileLayer, AWalkThatBreaksOffEndsTheLoadWithItsDirectValuesAndALogLine) {
+    AddMibFile(L"b.mib", "deferred OBJECT IDENTIFIER ::= { mgmt 5 }\n");
+    AddMibFile(L"no.doc", "");
+    AddMibFile(L"a.mib", "direct OBJECT IDENTIFIER ::= {\n iso org(3) x(9) -1 }\n");
+    for (const WalkEnd end : {WalkEnd::BrokenOff, WalkEnd::Thrown}) {
+        walkEnd = WalkEnd::Whole;
+        LoadMibFolder();
+        EXPECT_EQ(CountOidNames(), 2) << "the lock is free and the next load is whole";
+        ReplaceOctets(AppPaths.logFilePath, "");
+        walkEnd = end;
+        LoadMibFolder();
+        EXPECT_EQ(NameOf(L"1.3.9"), L"direct");
+        EXPECT_EQ(NameOf(L"1.3.6.1.2.5"), L"") << "nothing is resolved";
+        EXPECT_EQ(CountDefinitions(), 1U);
+        EXPECT_EQ(Files.ReadOctetsOf(AppPaths.logFilePath).substr(kStampLength),
+                  "  MIBs loaded. OID mappings: 1\r\r\n");
+        EXPECT_EQ(ListMibFiles(), (std::vector<std::wstring>{L"a.mib", L"b.mib"}));
+    }
+}
+
 constexpr size_t kMebibyte = size_t{1} << 20;
 
-// So that traps are recorded while a viewer opens on a large file.
-TEST_F(FileLayer, AppendsGetInBetweenThePiecesOfALargeRead) {
+// Traps must be recorded while a viewer opens a large file.
+TEST_F(FileLayer, AppendsHappenBetweenThePiecesOfALargeRead) {
     AppendOctets(AppPaths.logFilePath, std::string(20 * kMebibyte, 'x'));
     std::vector<std::wstring> opened;  // guarded by FileLock, under which each file is opened
     Files.onOpen = [&](const std::wstring& path) { opened.push_back(path); };
@@ -177,13 +207,13 @@ TEST_F(FileLayer, AppendsGetInBetweenThePiecesOfALargeRead) {
 struct Interference {
     const char* name;
     void (*change)(const std::wstring& path);
-    size_t oldOctets;  // how many octets of the file as it was opened are in the result
-    size_t newOctets;  // how many octets of the other file follow
+    size_t oldOctets;  // of the original file in the result
+    size_t newOctets;  // of the other file after these
 };
 
 constexpr size_t kThreePieces = 2 * kMebibyte + 100;
 
-// Of a file of three pieces; the change is made before the second one is opened.
+// In a file of three pieces, changed before the second one is read.
 const Interference kInterferences[] = {
     {"grows", [](const std::wstring& path) { AppendOctets(path, "more"); }, kThreePieces, 0},
     {"is cleared", [](const std::wstring& path) { ReplaceOctets(path, ""); }, kMebibyte, 0},
@@ -195,7 +225,7 @@ const Interference kInterferences[] = {
      kThreePieces - kMebibyte},
 };
 
-TEST_F(FileLayer, AFileThatChangesBetweenTwoPiecesIsReadUpToTheSizeThatItHadOrToTheChange) {
+TEST_F(FileLayer, AFileThatChangesBetweenTwoPiecesIsReadUpToItsOldSizeOrToTheChange) {
     const std::wstring path = L"file.txt";
     for (const Interference& interference : kInterferences) {
         Files.onOpen = nullptr;
@@ -213,22 +243,20 @@ TEST_F(FileLayer, AFileThatChangesBetweenTwoPiecesIsReadUpToTheSizeThatItHadOrTo
     }
 }
 
-TEST_F(FileLayer, APieceThatEndsInsideACharacterOrALineEndIsNoBoundary) {
+TEST_F(FileLayer, PiecesMayEndInsideACharacterOrALineEnd) {
     std::string octets(kMebibyte - 1, 'x');
     octets += "\xC3\xA9";
     octets.resize(2 * kMebibyte - 1, 'x');
     octets += "\r\n";
     ReplaceOctets(L"file.txt", octets);
-    const std::wstring later = ReadFileFrom(L"file.txt", 0);
-    EXPECT_EQ(later.substr(kMebibyte - 2, 3), L"x\u00E9x");
-    EXPECT_EQ(later.size(), octets.size() - 1);
-    const std::wstring whole = ReadWholeFile(L"file.txt");
-    EXPECT_TRUE(whole.ends_with(L"xx\n"));
-    EXPECT_EQ(whole.size(), octets.size() - 1);
+    const std::wstring text = ReadFileFrom(L"file.txt", 0);
+    EXPECT_EQ(text.substr(kMebibyte - 2, 3), L"x\u00E9x");
+    EXPECT_EQ(text.size(), octets.size() - 1);
+    EXPECT_TRUE(ReadWholeFile(L"file.txt").ends_with(L"xx\n"));
     EXPECT_EQ(ReadFileFrom(L"file.txt", kMebibyte + 1).size(), kMebibyte);
 }
 
-TEST_F(FileLayer, AMibFileIsReadWhenItHoldsLessThanTwoGibibytes) {
+TEST_F(FileLayer, AMibFileIsReadIfSmallerThanTwoGibibytes) {
     constexpr uint64_t kTwoGibibytes = uint64_t{1} << 31;
     AppendOctets(L"large.mib", "text");
     for (const uint64_t size : {kTwoGibibytes - 1, kTwoGibibytes, kTwoGibibytes + 1, UINT64_MAX}) {
@@ -237,11 +265,11 @@ TEST_F(FileLayer, AMibFileIsReadWhenItHoldsLessThanTwoGibibytes) {
     }
 }
 
-TEST_F(FileLayer, WithoutAnApplicationDataFolderTheDataLieAtTheRootOfTheDrive) {
+TEST_F(FileLayer, WithoutAnApplicationDataFolderTheDataAreAtTheRootOfTheDrive) {
     applicationData.clear();
     InitAppPaths();
     EXPECT_EQ(AppPaths.dataDir, L"\\Quillmont");
-    EXPECT_EQ(madeFolders, (std::vector<std::wstring>{L"\\Quillmont", L"\\Quillmont\\mibs"}));
+    EXPECT_EQ(createdFolders, (std::vector<std::wstring>{L"\\Quillmont", L"\\Quillmont\\mibs"}));
     EXPECT_TRUE(Files.Has(L"\\Quillmont\\SNMP.txt"));
     EXPECT_TRUE(Files.Has(L"\\Quillmont\\log.txt"));
 }

@@ -14,7 +14,7 @@ namespace {
 constexpr DWORD kShareReadWrite = FILE_SHARE_READ | FILE_SHARE_WRITE;
 constexpr DWORD kShareAll = kShareReadWrite | FILE_SHARE_DELETE;
 
-// How the other program has the file open, and whether that leaves us writing.
+// How the other program has the file open, and whether it allows us to write.
 struct OtherProgram {
     const char* name;
     DWORD access;
@@ -36,7 +36,7 @@ class FileSharing : public testing::TestWithParam<OtherProgram> {
     ScopedHandle other_;
 };
 
-TEST_P(FileSharing, WritingWorksAsFarAsTheOtherProgramShares) {
+TEST_P(FileSharing, WritingWorksIfTheOtherProgramAllowsIt) {
     const bool letsUsWrite = GetParam().letsUsWrite;
     EXPECT_EQ(AppendOctets(file_, "two"), letsUsWrite);
     EXPECT_EQ(ReplaceOctets(file_, "three"), letsUsWrite);

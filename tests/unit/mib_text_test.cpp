@@ -22,17 +22,30 @@ std::wstring ReadBack(const std::string& octets) {
     return ReadMibText(path);
 }
 
-TEST(ReadMibText, MissingFileIsEmpty) {
+TEST(ReadMibText, FileIsUtf8IfValidElseAnsi) {
+    EXPECT_EQ(ReadBack(""), L"");
+    EXPECT_EQ(ReadBack("Z\xC3\xBCrich \xE2\x82\xAC"), L"Z\u00FCrich \u20AC");
+    EXPECT_EQ(ReadBack("St\xE4rke"), L"St\u00E4rke");
+    EXPECT_EQ(ReadBack("\x7F"), L"\u007F");
+    EXPECT_EQ(ReadBack("\x80"), L"\u20AC");
+    EXPECT_EQ(ReadBack("\xC3\xA4 \xE4"), L"\u00C3\u00A4 \u00E4") << "one invalid octet decides for the file";
+    EXPECT_EQ(ReadBack("\xFF\xFE"
+                       "a\0b\0"s),
+              L"\u00FF\u00FE"
+              L"a\0b\0"s)
+        << "UTF-16 is not recognized";
+    EXPECT_EQ(ReadBack("a\r\nb\rc\n\0d\x1A"
+                       "e"s),
+              L"a\r\nb\rc\n\0d\x1A"
+              L"e"s);
+    const std::wstring text = ReadBack("\xEF\xBB\xBFiso OBJECT IDENTIFIER");
+    EXPECT_EQ(text, L"\uFEFFiso OBJECT IDENTIFIER");
+    EXPECT_EQ(LeadingIdentifier(text), L"");
+}
+
+TEST(ReadMibText, MissingFileOrFolderIsEmpty) {
     const ScratchFolder folder;
     EXPECT_EQ(ReadMibText(folder.Join(L"none.mib")), L"");
-}
-
-TEST(ReadMibText, EmptyFileIsEmpty) {
-    EXPECT_EQ(ReadBack(""), L"");
-}
-
-TEST(ReadMibText, FolderIsEmpty) {
-    const ScratchFolder folder;
     EXPECT_EQ(ReadMibText(folder.path().wstring()), L"");
 }
 
@@ -44,46 +57,9 @@ TEST(ReadMibText, FileLargerThanTheMemoryIsEmpty) {
     std::error_code error;
     std::filesystem::resize_file(folder.path() / "huge.txt", uintmax_t{1} << 40, error);
     if (error) {
-        GTEST_SKIP() << "no file with a hole of 1 TiB can be made here: " << error.message();
+        GTEST_SKIP() << "this file system has no sparse file of 1 TiB: " << error.message();
     }
     EXPECT_EQ(ReadMibText(path), L"");
-}
-
-TEST(ReadMibText, LineEndsZerosAndEndOfFileMarksAreOrdinaryCharacters) {
-    EXPECT_EQ(ReadBack("a\r\nb\rc\n\0d\x1A"
-                       "e"s),
-              L"a\r\nb\rc\n\0d\x1A"
-              L"e"s);
-}
-
-TEST(ReadMibText, ByteOrderMarkStaysInFront) {
-    const std::wstring text = ReadBack("\xEF\xBB\xBFiso OBJECT IDENTIFIER");
-    EXPECT_EQ(text, L"\uFEFFiso OBJECT IDENTIFIER");
-    EXPECT_EQ(LeadingIdentifier(text), L"");
-}
-
-TEST(ReadMibText, Utf8IsDecoded) {
-    EXPECT_EQ(ReadBack("Z\xC3\xBCrich \xE2\x82\xAC"), L"Z\u00FCrich \u20AC");
-}
-
-TEST(ReadMibText, Latin1FileIsReadThroughTheAnsiCodePage) {
-    EXPECT_EQ(ReadBack("St\xE4rke"), L"St\u00E4rke");
-}
-
-TEST(ReadMibText, FirstOctetBeyondAsciiIsNoAsciiEvenAlone) {
-    EXPECT_EQ(ReadBack("\x7F"), L"\u007F");
-    EXPECT_EQ(ReadBack("\x80"), L"\u20AC");
-}
-
-TEST(ReadMibText, OneInvalidSequenceTakesTheWholeFileToTheAnsiCodePage) {
-    EXPECT_EQ(ReadBack("\xC3\xA4 \xE4"), L"\u00C3\u00A4 \u00E4");
-}
-
-TEST(ReadMibText, Utf16FileIsReadOctetByOctet) {
-    EXPECT_EQ(ReadBack("\xFF\xFE"
-                       "a\0b\0"s),
-              L"\u00FF\u00FE"
-              L"a\0b\0"s);
 }
 
 TEST(StripComment, CutsAtTheFirstTwoDashes) {
@@ -91,16 +67,10 @@ TEST(StripComment, CutsAtTheFirstTwoDashes) {
     EXPECT_EQ(StripComment(L"a -- b -- c"sv), L"a ");
     EXPECT_EQ(StripComment(L"a---b"sv), L"a");
     EXPECT_EQ(StripComment(L"--"sv), L"");
-}
-
-TEST(StripComment, LeavesLinesWithoutTwoDashes) {
+    EXPECT_EQ(StripComment(L"DESCRIPTION \"on -- off\""sv), L"DESCRIPTION \"on ") << "quoted or not";
     for (const std::wstring_view line : {L"", L"-", L"a-b", L"- -", L"{ mib-2 -1 }"}) {
         EXPECT_EQ(StripComment(line), line);
     }
-}
-
-TEST(StripComment, QuotedDashesLoseTheRestOfTheLineWithTheQuotationMark) {
-    EXPECT_EQ(StripComment(L"DESCRIPTION \"on -- off\""sv), L"DESCRIPTION \"on ");
 }
 
 TEST(LeadingIdentifier, IsTheFirstWordOfADefinition) {
@@ -109,19 +79,13 @@ TEST(LeadingIdentifier, IsTheFirstWordOfADefinition) {
     EXPECT_EQ(LeadingIdentifier(L"  mib-2_x9{"sv), L"mib-2_x9");
     EXPECT_EQ(LeadingIdentifier(L"azAZ09-_{"sv), L"azAZ09-_");
     EXPECT_EQ(LeadingIdentifier(L"-9"sv), L"-9");
-}
-
-TEST(LeadingIdentifier, IsEmptyForAnyOtherStart) {
-    for (const std::wstring_view line :
-         {L"::= { x 1 }", L"", L" ", L"{ a }", L".a", L"/a", L"\"a", L"\u00E4b", L"\uFEFFiso"}) {
-        EXPECT_EQ(LeadingIdentifier(line), L"") << std::wstring(line);
-    }
-}
-
-TEST(LeadingIdentifier, EndsAtEveryCharacterBesideTheSet) {
     for (const std::wstring_view line :
          {L"a.b", L"a/b", L"a:b", L"a@b", L"a[b", L"a^b", L"a`b", L"a{b", L"a,b", L"a\u00E4"}) {
         EXPECT_EQ(LeadingIdentifier(line), L"a") << std::wstring(line);
+    }
+    for (const std::wstring_view line :
+         {L"::= { x 1 }", L"", L" ", L"{ a }", L".a", L"/a", L"\"a", L"\u00E4b", L"\uFEFFiso"}) {
+        EXPECT_EQ(LeadingIdentifier(line), L"") << std::wstring(line);
     }
 }
 
@@ -135,22 +99,22 @@ struct ShortForm {
 const ShortForm kShortForms[] = {
     {L"::= { ifEntry 3 }", L"ifEntry", 3, "the usual value"},
     {L"{ifEntry 3}", L"ifEntry", 3, "no blanks at the braces"},
-    {L"{\tifEntry\r\n3\v}", L"ifEntry", 3, "any white space parts words"},
+    {L"{\tifEntry\r\n3\v}", L"ifEntry", 3, "any white space separates words"},
     {L"{ iso org(3) dod(6) internet(1) }", L"dod(6)", 0, "only the last two words count"},
     {L"{ 1 3 6 1 }", L"6", 1, "a number may be the parent"},
-    {L"{ enterprises x(5) }", L"enterprises", 0, "a last word that is no number is 0"},
+    {L"{ enterprises x(5) }", L"enterprises", 0, "a last word that is not a number is 0"},
     {L"{ a, b }", L"a,", 0, "commas belong to words"},
     {L"{ a 5, }", L"a", 5, "the number ends at the comma"},
     {L"{ a 0 }", L"a", 0, "zero is not negative"},
     {L"{ a -0 }", L"a", 0, "nor is minus zero"},
     {L"{ a +7 }", L"a", 7, "a sign is read"},
     {L"{ a 2147483648 }", L"a", std::numeric_limits<int32_t>::max(), "clamped"},
-    {L"Foo ::= SEQUENCE { a Integer32, b OCTET STRING }", L"OCTET", 0, "a type is taken for a value"},
+    {L"Foo ::= SEQUENCE { a Integer32, b OCTET STRING }", L"OCTET", 0, "a type is read like a value"},
     {L"{ { a 1 }", L"a", 1, "the second brace is a word"},
-    {L"\"{ a 1 }\" ::= { b 2 }", L"a", 1, "the first braces count, whatever stands before"},
+    {L"\"{ a 1 }\" ::= { b 2 }", L"a", 1, "the first braces count, whatever is before them"},
 };
 
-TEST(ParseParentAndSubId, TakesTheLastTwoWords) {
+TEST(ParseParentAndSubId, ReadsTheLastTwoWords) {
     for (const ShortForm& row : kShortForms) {
         std::wstring_view parent;
         int32_t subId = -9;
@@ -195,7 +159,7 @@ TEST_F(OidValue, NeedsTwoArcs) {
     EXPECT_EQ(ReadValue(L"{ 0 0 }"), L"0.0");
 }
 
-TEST_F(OidValue, NameStandsForItsArcsOnlyInFront) {
+TEST_F(OidValue, NameCountsOnlyBeforeTheFirstArc) {
     EXPECT_EQ(ReadValue(L"{ iso 3 6 }"), L"1.3.6");
     EXPECT_EQ(ReadValue(L"{ 3 iso }"), L"");
     EXPECT_EQ(ReadValue(L"{ 3 iso 4 }"), L"3.4");
@@ -203,7 +167,7 @@ TEST_F(OidValue, NameStandsForItsArcsOnlyInFront) {
     EXPECT_EQ(ReadValue(L"{ enterprises 9 }"), L"1.3.6.1.4.1.9");
 }
 
-TEST_F(OidValue, UnknownNameInFrontContributesNothing) {
+TEST_F(OidValue, UnknownNameContributesNothing) {
     EXPECT_EQ(ReadValue(L"{ unknownName 5 }"), L"");
     EXPECT_EQ(ReadValue(L"{ unknownName 5 6 }"), L"5.6");
     EXPECT_EQ(ReadValue(L"{ unknownName iso 5 }"), L"1.5");
@@ -240,7 +204,7 @@ struct Component {
 const Component kComponents[] = {
     {L"3", L"3", L"7.3", "a number"},
     {L"org(3)", L"3", L"7.3", "a number in parentheses"},
-    {L"dod(6),", L"6", L"7.6", "whatever follows them"},
+    {L"dod(6),", L"6", L"7.6", "whatever follows the parentheses"},
     {L"(5)", L"5", L"7.5", "no name needed"},
     {L"org(x)", L"0", L"7.0", "something else in parentheses is 0"},
     {L"org(-3)", L"-3", L"7.-3", "a sign in parentheses is read"},
@@ -248,7 +212,7 @@ const Component kComponents[] = {
     {L"x()", L"", L"7", "nothing in the parentheses makes a name"},
     {L")x(3)", L"", L"7", "the first closing one must follow the first opening one"},
     {L"x(3", L"", L"7", "both are needed"},
-    {L"org", L"1.3", L"7", "a name counts only in front"},
+    {L"org", L"1.3", L"7", "a name counts only before the first arc"},
     {L"3x", L"", L"7", "not all digits: a name"},
     {L"-1", L"", L"7", "a sign makes a name"},
     {L"\u0663", L"", L"7", "digits of other scripts make a name"},

@@ -45,16 +45,16 @@ class ReceiverSteps : public testing::Test {
 
 // ---- Starting and stopping
 
-TEST_F(ReceiverSteps, AStartOpensBindsAndStartsEachInItsTurn) {
+TEST_F(ReceiverSteps, AStartOpensBindsAndStartsInOrder) {
     EXPECT_TRUE(StartServer());
     EXPECT_EQ(Fake.steps,
               (Steps{"log Starting server...", "open socket 1", "open socket 2", "bind socket 2 to 162",
                      "ask for 33554432 octets for socket 2", "open socket 3", "bind socket 3 to 161",
-                     "start worker 1 for a receiver that runs", "start worker 2 for a receiver that runs",
-                     "button: running", "log Server started.", "repaint"}));
+                     "start worker 1 while running", "start worker 2 while running", "button: running",
+                     "log Server started.", "repaint"}));
 }
 
-TEST_F(ReceiverSteps, AStopWaitsAsLongForEachWorkerAsItSaysAndAnnouncesItselfLast) {
+TEST_F(ReceiverSteps, AStopWaits1500MillisecondsForEachWorkerAndIsLoggedLast) {
     ASSERT_TRUE(StartServer());
     Fake.steps.clear();
     StopServer();
@@ -64,14 +64,14 @@ TEST_F(ReceiverSteps, AStopWaitsAsLongForEachWorkerAsItSaysAndAnnouncesItselfLas
                                  "button: stopped", "log Server stopped.", "repaint"}));
 }
 
-TEST_F(ReceiverSteps, WithoutASocketToForwardWithThereIsNoStart) {
+TEST_F(ReceiverSteps, WithoutAForwardingSocketTheStartFails) {
     Fake.socketsLeft = 0;
     EXPECT_FALSE(StartServer());
     EXPECT_FALSE(ServerState.running);
     EXPECT_EQ(Fake.steps, (Steps{"log Starting server...", "log Failed to create forwarding socket."}));
 }
 
-TEST_F(ReceiverSteps, WithoutASocketForTrapsTheOtherIsClosedAgain) {
+TEST_F(ReceiverSteps, WithoutATrapSocketTheStartFailsAndClosesTheOther) {
     Fake.socketsLeft = 1;
     EXPECT_FALSE(StartServer());
     EXPECT_FALSE(ServerState.running);
@@ -81,7 +81,7 @@ TEST_F(ReceiverSteps, WithoutASocketForTrapsTheOtherIsClosedAgain) {
                                  "close socket 1"}));
 }
 
-TEST_F(ReceiverSteps, APort162ThatIsTakenClosesBothSockets) {
+TEST_F(ReceiverSteps, APort162InUseMakesTheStartFailAndClosesBothSockets) {
     Fake.portInUse = 162;
     EXPECT_FALSE(StartServer());
     EXPECT_EQ(Fake.steps,
@@ -90,32 +90,50 @@ TEST_F(ReceiverSteps, APort162ThatIsTakenClosesBothSockets) {
                      "close socket 1"}));
 }
 
-TEST_F(ReceiverSteps, APort161ThatIsTakenLeavesOneWorkerToStartAndToWaitFor) {
+TEST_F(ReceiverSteps, APort161InUseLeavesOneWorkerToStartAndToWaitFor) {
     Fake.portInUse = 161;
     EXPECT_TRUE(StartServer());
+    EXPECT_EQ(
+        Fake.steps,
+        (Steps{"log Starting server...", "open socket 1", "open socket 2", "bind socket 2 to 162",
+               "ask for 33554432 octets for socket 2", "open socket 3", "bind socket 3 to 161",
+               "close socket 3", "log Warning: bind failed on UDP 161 (SNMP). Continuing with 162 only.",
+               "start worker 1 while running", "button: running", "log Server started.", "repaint"}));
+    Fake.steps.clear();
     StopServer();
-    EXPECT_EQ(Fake.steps, (Steps{"log Starting server...",
-                                 "open socket 1",
-                                 "open socket 2",
-                                 "bind socket 2 to 162",
-                                 "ask for 33554432 octets for socket 2",
-                                 "open socket 3",
-                                 "bind socket 3 to 161",
-                                 "close socket 3",
-                                 "log Warning: bind failed on UDP 161 (SNMP). Continuing with 162 only.",
-                                 "start worker 1 for a receiver that runs",
-                                 "button: running",
-                                 "log Server started.",
-                                 "repaint",
-                                 "log Stopping server...",
-                                 "close socket 2",
-                                 "end waiting on socket 1",
-                                 "wait 1500 ms for worker 1",
-                                 "release worker 1",
-                                 "close socket 1",
-                                 "button: stopped",
-                                 "log Server stopped.",
-                                 "repaint"}));
+    EXPECT_EQ(Fake.steps, (Steps{"log Stopping server...", "close socket 2", "end waiting on socket 1",
+                                 "wait 1500 ms for worker 1", "release worker 1", "close socket 1",
+                                 "button: stopped", "log Server stopped.", "repaint"}));
+}
+
+TEST_F(ReceiverSteps, WithoutATrapThreadTheStartIsUndone) {
+    Fake.threadsLeft = 0;
+    EXPECT_FALSE(StartServer());
+    EXPECT_FALSE(ServerState.running);
+    EXPECT_EQ(ServerState.trapSocket, nullptr);
+    EXPECT_EQ(ServerState.listenerSocket, nullptr);
+    EXPECT_EQ(ServerState.forwardSocket, nullptr);
+    Fake.steps.erase(Fake.steps.begin(), Fake.steps.begin() + 7);
+    EXPECT_EQ(Fake.steps, (Steps{"log Failed to create trap thread.", "log Stopping server...",
+                                 "close socket 2", "close socket 3", "end waiting on socket 1",
+                                 "close socket 1", "button: stopped", "log Server stopped.", "repaint"}));
+}
+
+// Port 161 stays bound although nobody reads it.
+TEST_F(ReceiverSteps, WithoutAListenerThreadTheReceiverRuns) {
+    Fake.threadsLeft = 1;
+    EXPECT_TRUE(StartServer());
+    EXPECT_TRUE(ServerState.running);
+    EXPECT_NE(ServerState.listenerSocket, nullptr);
+    Fake.steps.erase(Fake.steps.begin(), Fake.steps.begin() + 7);
+    EXPECT_EQ(Fake.steps,
+              (Steps{"start worker 1 while running", "log Failed to create UDP161 thread. Continuing.",
+                     "button: running", "log Server started.", "repaint"}));
+    Fake.steps.clear();
+    StopServer();
+    EXPECT_EQ(Fake.steps, (Steps{"log Stopping server...", "close socket 2", "close socket 3",
+                                 "end waiting on socket 1", "wait 1500 ms for worker 1", "release worker 1",
+                                 "close socket 1", "button: stopped", "log Server stopped.", "repaint"}));
 }
 
 }  // namespace

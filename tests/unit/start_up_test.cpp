@@ -1,5 +1,5 @@
 // Start-up on a system that refuses. The windows, the receiver and its files are the real ones; the calls
-// that a test wants refused are replaced by linking, hence a program of its own.
+// that a test wants refused are replaced by linking, hence a separate program.
 #include "platform/windows/windows_headers.h"
 
 // After the system's own header, whose types it uses.
@@ -98,7 +98,8 @@ BOOL WINAPI FetchMessage(LPMSG message, HWND window, UINT first, UINT last) {
 
 }  // namespace
 
-// What a call of an imported function goes through; the linker takes these before the import libraries'.
+// The pointers through which imported functions are called; the linker uses these and not the import
+// libraries'.
 extern "C" {
 decltype(&SHGetFolderPathW) __imp_SHGetFolderPathW = FindFolder;
 decltype(&WSAStartup) __imp_WSAStartup = StartSockets;
@@ -125,7 +126,7 @@ class StartUp : public testing::Test {
         wanted = {};
     }
 
-    // The program on a thread that ends where the process would; its exit code.
+    // Runs the program on a thread that ends where the process would; returns its exit code.
     static DWORD Run() {
         const auto body = [](void*) -> DWORD {
             return static_cast<DWORD>(wWinMain(nullptr, nullptr, nullptr, SW_SHOWNORMAL));
@@ -160,7 +161,7 @@ TEST_F(StartUp, WithoutTheSocketLibraryItEndsAtOnceAndSilently) {
     EXPECT_EQ(LogMessages(), "");
 }
 
-TEST_F(StartUp, WithoutAWindowItCleansUpAndEnds) {
+TEST_F(StartUp, WithoutAMainWindowItCleansUpAndEnds) {
     wanted.refusesMainWindow = true;
     EXPECT_EQ(Run(), 0U);
     EXPECT_EQ(LogMessages(), kLoaded);
@@ -168,7 +169,7 @@ TEST_F(StartUp, WithoutAWindowItCleansUpAndEnds) {
     EXPECT_EQ(BackgroundBrush, nullptr);
 }
 
-TEST_F(StartUp, ALoopThatBreaksOffStopsTheReceiverAndSavesNothing) {
+TEST_F(StartUp, AFailedMessageLoopStopsTheReceiverAndSavesNothing) {
     wanted.breaksOff = true;
     EXPECT_EQ(Run(), 0U);
     EXPECT_FALSE(ServerState.running.load());
@@ -176,7 +177,7 @@ TEST_F(StartUp, ALoopThatBreaksOffStopsTheReceiverAndSavesNothing) {
 }
 
 // The button has no effect, and the next click tries again.
-TEST_F(StartUp, AToolWindowThatIsRefusedStopsNothing) {
+TEST_F(StartUp, ARefusedToolWindowHasNoOtherEffect) {
     wanted.refusesToolWindows = true;
     wanted.commands = {101, 102, 103, 104, 101};
     EXPECT_EQ(Run(), 0U);
@@ -184,7 +185,7 @@ TEST_F(StartUp, AToolWindowThatIsRefusedStopsNothing) {
     EXPECT_TRUE(LogMessages().ends_with("<Server stopped.><Config saved.>")) << LogMessages();
 }
 
-TEST_F(StartUp, WithoutFontAndBrushItRunsAllTheSame) {
+TEST_F(StartUp, WithoutFontAndBrushItRuns) {
     wanted.refusesFontAndBrush = true;
     wanted.commands = {104};
     EXPECT_EQ(Run(), 0U);

@@ -1,6 +1,6 @@
-// Datagrams that are received and handled together: nobody can tell from the files, the log or the wire.
-// Sockets, clock and files are scripted, so that a line is full, a file is refused or a stop begins at a
-// chosen moment.
+// Datagrams that are received and handled as a batch: files, log and forwarded datagrams are the same as if
+// each were handled alone. Sockets, clock and files are scripted, so that a send buffer is full, a file is
+// refused or a stop begins at a chosen moment.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -84,7 +84,7 @@ class Batches : public ::testing::Test {
     FreshNameStore store_;
 };
 
-// ---- What is received together
+// ---- Receiving
 
 struct CountingBatch : ReceiveBatch {
     std::span<uint8_t> Room() override {
@@ -115,36 +115,24 @@ class Receiving : public Batches {
 
 using Sizes = std::vector<size_t>;
 
-TEST_F(Receiving, QueuedDatagramsAreOneBatchAsFarAsItHasRoom) {
+TEST_F(Receiving, QueuedDatagramsFormBatchesUntilTheSocketIsClosed) {
     batch_.most = 8;
     Queue(20);
     EXPECT_EQ(ReceiveAll(), (Sizes{8, 8, 4}));
 }
 
-TEST_F(Receiving, ADatagramThatWasWaitedForIsABatchOfItsOwn) {
+TEST_F(Receiving, TheFirstDatagramAfterAWaitIsABatchOfOne) {
     Fake.receptions.push_back({ReceiveResult::NothingQueued});
     Queue(3);
     EXPECT_EQ(ReceiveAll(), (Sizes{1, 2}));
     EXPECT_EQ(Fake.steps, Lines{"wait for a datagram"});
 }
 
-TEST_F(Receiving, NothingIsReceivedOnceTheStopBegan) {
+TEST_F(Receiving, NothingIsReceivedAfterAStop) {
     Queue(20);
     StopAfter(3);
     EXPECT_EQ(ReceiveAll(), Sizes{3});
     EXPECT_EQ(Fake.receptions.size(), 17U);
-}
-
-TEST_F(Receiving, AStoppedReceiverReceivesNothing) {
-    ServerState.running = false;
-    Queue(1);
-    EXPECT_EQ(ReceiveAll(), Sizes{});
-    EXPECT_EQ(Fake.receptions.size(), 1U);
-}
-
-TEST_F(Receiving, WhatWasReceivedIsProcessedAlthoughTheSocketWasClosed) {
-    Queue(2);
-    EXPECT_EQ(ReceiveAll(), Sizes{2}) << "and it ended by itself";
 }
 
 TEST_F(Receiving, AReceiveErrorIsRetriedAfterTenMillisecondsWithoutLimitOrLogLine) {
@@ -156,7 +144,7 @@ TEST_F(Receiving, AReceiveErrorIsRetriedAfterTenMillisecondsWithoutLimitOrLogLin
     EXPECT_EQ(LogLines(), Lines{});
 }
 
-TEST_F(Receiving, AWaitThatTheSystemRefusesIsRetriedLikeAnError) {
+TEST_F(Receiving, ARefusedWaitIsRetriedLikeAReceiveError) {
     Fake.receptions.push_back({ReceiveResult::NothingQueued});
     Queue(1);
     Fake.waitsRefused = 1;
@@ -168,7 +156,7 @@ TEST_F(Receiving, AWaitThatTheSystemRefusesIsRetriedLikeAnError) {
 
 class TrapBatches : public Batches {
   protected:
-    // As from the socket: into the batch's room.
+    // As the socket does.
     void Add(size_t count, uint8_t fill, const Ipv4Endpoint& sender = kSender) {
         const std::span<uint8_t> room = batch_->Room();
         ASSERT_GE(room.size(), TrapBatch::kLargestDatagram);
@@ -179,7 +167,7 @@ class TrapBatches : public Batches {
     std::unique_ptr<TrapBatch> batch_ = std::make_unique<TrapBatch>(nullptr);
 };
 
-TEST_F(TrapBatches, KeepEachDatagramWithItsSenderAndTime) {
+TEST_F(TrapBatches, StoreEachDatagramWithItsSenderAndTime) {
     Add(3, 7);
     Add(0, 0, {0x7F000001, 162});
     Add(2, 9);
@@ -195,7 +183,7 @@ TEST_F(TrapBatches, KeepEachDatagramWithItsSenderAndTime) {
     EXPECT_TRUE(batch_->arrivals().empty());
 }
 
-TEST_F(TrapBatches, NoteTheLastTrapAsItArrives) {
+TEST_F(TrapBatches, RecordTheLastTrapOnArrival) {
     ServerState.lastTrapTick = 0;
     Add(1, 0);
     EXPECT_NE(ServerState.lastTrapTick, 0U);
@@ -225,7 +213,7 @@ TEST_F(TrapBatches, AreFullWhenTheLargestDatagramNoLongerFits) {
     }
 }
 
-// ---- What happens to the traps of a batch
+// ---- Recording
 
 class Processing : public Batches {
   protected:
@@ -246,7 +234,7 @@ class Processing : public Batches {
         return samples;
     }
 
-    // So many traps that differ in their last octet.
+    // Traps that differ in their last octet.
     static std::vector<Octets> Numbered(uint8_t count) {
         std::vector<Octets> traps;
         for (uint8_t number = 0; number < count; ++number) {
@@ -276,7 +264,7 @@ class Processing : public Batches {
         return kFrom + octets;
     }
 
-    // "received, failed" for each of so many traps.
+    // Two lines for each of `count` traps.
     static Lines ReceivedAndFailed(size_t count) {
         Lines lines;
         for (size_t trap = 0; trap < count; ++trap) {
@@ -292,7 +280,7 @@ class Processing : public Batches {
     }
 };
 
-TEST_F(Processing, ABatchReadsAsItsTrapsOneByOne) {
+TEST_F(Processing, ABatchIsRecordedAsIfItsTrapsCameOneByOne) {
     std::string expected;
     for (const SampleMessage& sample : SampleMessages()) {
         expected += OnDisk(sample);
@@ -314,12 +302,6 @@ TEST_F(Processing, ABatchOpensEachFileOnce) {
     EXPECT_EQ(Fake.steps, (Lines{"append SNMP.txt", "append log.txt"}));
 }
 
-TEST_F(Processing, NothingReceivedTouchesNoFile) {
-    Process({});
-    EXPECT_FALSE(Files.Has(AppPaths.trapFilePath));
-    EXPECT_FALSE(Files.Has(AppPaths.logFilePath));
-}
-
 TEST_F(Processing, EachTrapIsRecordedAndAnnouncedWithItsOwnSender) {
     Fake.receptions.push_back({ReceiveResult::Datagram, {1}, {0x7F000001, 1}});
     Process({{2}});
@@ -327,8 +309,8 @@ TEST_F(Processing, EachTrapIsRecordedAndAnnouncedWithItsOwnSender) {
     EXPECT_EQ(LogLines(), (Lines{"Trap received (127.0.0.1).", kReceived}));
 }
 
-// The name ends the record at the character that the file cannot represent; the next record continues
-// that line.
+// The name ends the record at the character that the file cannot represent; the next record continues the
+// line.
 TEST_F(Processing, ARecordThatIsCutCutsNoOther) {
     {
         const std::lock_guard lock(MibStoreLock);
@@ -372,29 +354,21 @@ TEST_F(Processing, EachTrapOfABatchIsSentInOrderAndUnchanged) {
     }
 }
 
-TEST_F(Processing, EachFailureLineFollowsTheLineOfItsTrap) {
-    ReplaceForwarding(true, L"10.0.0.7", 9162);
-    Fake.sendResults.assign(4, SendResult::Failed);
-    Process(Numbered(4));
-    EXPECT_EQ(LogLines(), ReceivedAndFailed(4));
-    EXPECT_EQ(TrapFile(), Records(4));
-}
-
-TEST_F(Processing, AFailureInTheMiddleIsReportedInTheMiddle) {
+TEST_F(Processing, AFailureLineFollowsTheLineOfItsTrap) {
     ReplaceForwarding(true, L"10.0.0.7", 9162);
     Fake.sendResults = {SendResult::Sent, SendResult::Failed, SendResult::Sent};
     Process(Numbered(3));
     EXPECT_EQ(LogLines(), (Lines{kReceived, kReceived, kFailed, kReceived}));
 }
 
-TEST_F(Processing, NothingIsUnwrittenWhileASendWaits) {
+TEST_F(Processing, EverythingIsWrittenBeforeASendWaits) {
     ReplaceForwarding(true, L"10.0.0.7", 9162);
     Fake.sendResults = {SendResult::Sent, SendResult::Failed, SendResult::NoRoom, SendResult::NoRoom,
                         SendResult::NoRoom};
     size_t waits = 0;
     Fake.onWaitForRoom = [&] {
         ++waits;
-        EXPECT_EQ(TrapFile(), Records(3)) << "the third trap waits, the others come later";
+        EXPECT_EQ(TrapFile(), Records(3)) << "the third trap waits";
         EXPECT_EQ(LogLines(), (Lines{kReceived, kReceived, kFailed, kReceived}));
         return true;
     };
@@ -413,7 +387,7 @@ TEST_F(Processing, SwitchingForwardingOffWhileASendWaitsAppliesToTheNextTrap) {
         return true;
     };
     Process(Numbered(10));
-    EXPECT_EQ(Fake.attempts.size(), 3U) << "the first, and two attempts for the one that waited";
+    EXPECT_EQ(Fake.attempts.size(), 3U) << "one for the first, two for the one that waited";
     EXPECT_EQ(LogLines(), Lines(10, kReceived));
 }
 
@@ -431,7 +405,7 @@ TEST_F(Processing, ANewTargetWhileASendWaitsAppliesToTheNextTrap) {
     EXPECT_EQ(Fake.attempts[3].target.address, 8U);
 }
 
-TEST_F(Processing, ASendThatFailsAfterItWaitedIsOneFailure) {
+TEST_F(Processing, ASendThatFailsAfterWaitingIsOneFailure) {
     ReplaceForwarding(true, L"10.0.0.7", 9162);
     Fake.sendResults = {SendResult::NoRoom, SendResult::Failed};
     Fake.onWaitForRoom = [] { return true; };
@@ -440,7 +414,7 @@ TEST_F(Processing, ASendThatFailsAfterItWaitedIsOneFailure) {
 }
 
 // The stop begins while the second trap waits; from then on every wait for room ends at once.
-TEST_F(Processing, AStopLeavesAFailureLineAfterEachTrapThatFindsNoRoom) {
+TEST_F(Processing, AStopLogsAFailureForEachTrapWithoutRoom) {
     ReplaceForwarding(true, L"10.0.0.7", 9162);
     Fake.sendResults = {SendResult::Failed, SendResult::NoRoom, SendResult::NoRoom, SendResult::NoRoom};
     Fake.onWaitForRoom = [] {
@@ -456,14 +430,14 @@ TEST_F(Processing, AStopLeavesAFailureLineAfterEachTrapThatFindsNoRoom) {
     EXPECT_EQ(TrapFile(), Records(4));
 }
 
-TEST_F(Processing, ASocketClosedMeanwhileIsNoFailureToReport) {
+TEST_F(Processing, AClosedSocketIsNotAFailure) {
     ReplaceForwarding(true, L"10.0.0.7", 9162);
     Fake.sendResults.assign(2, SendResult::Closed);
     Process(Numbered(2));
     EXPECT_EQ(LogLines(), (Lines{kReceived, kReceived}));
 }
 
-TEST_F(Processing, TheThreadProcessesWhatItReceivedBeforeTheStopAndNoMore) {
+TEST_F(Processing, TheThreadProcessesTheTrapsReceivedBeforeTheStop) {
     Queue(20, Numbered(1)[0]);
     StopAfter(5);
     TrapThread(socket_, nullptr);
@@ -473,7 +447,7 @@ TEST_F(Processing, TheThreadProcessesWhatItReceivedBeforeTheStopAndNoMore) {
 
 // ---- Files that are refused
 
-TEST_F(Processing, ARefusedOpenIsFollowedByOneAttemptForEachTrap) {
+TEST_F(Processing, ARefusedBatchIsWrittenTrapByTrap) {
     for (const std::wstring& refused : {AppPaths.trapFilePath, AppPaths.logFilePath}) {
         Files.Reset();
         Fake.steps.clear();
@@ -496,7 +470,7 @@ TEST_F(Processing, ARefusedOpenIsFollowedByOneAttemptForEachTrap) {
     }
 }
 
-TEST_F(Processing, ARefusedRecordIsNotTriedTwiceForATrapAlone) {
+TEST_F(Processing, ARefusedRecordOfASingleTrapIsNotRetried) {
     size_t attempts = 0;
     Files.refusesAppend = [&](const std::wstring& path) {
         attempts += path == AppPaths.trapFilePath ? 1 : 0;
@@ -537,15 +511,7 @@ TEST_F(Listening, AnIdlePortWritesNothing) {
     EXPECT_EQ(RunListener(), (std::vector<ptrdiff_t>{kStarted, kStopped}));
 }
 
-TEST_F(Listening, NothingIsReceivedOnceTheStopBegan) {
-    Queue(20);
-    StopAfter(2);
-    RunListener();
-    EXPECT_EQ(LogLines(), (Lines{"Listener thread started (UDP 161).", kOn161, kOn161,
-                                 "Listener thread stopped (UDP 161)."}));
-}
-
-TEST_F(Listening, ARefusedLogIsTriedOnceMoreForEachLine) {
+TEST_F(Listening, ARefusedBatchOfLinesIsWrittenLineByLine) {
     Queue(3);
     size_t attempts = 0;
     Files.refusesAppend = [&](const std::wstring&) { return ++attempts == 2; };

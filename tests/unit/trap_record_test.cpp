@@ -12,7 +12,7 @@ std::wstring Compose(const std::vector<VarbindRecord>& bindings) {
 
 const std::wstring kHeaderLine = L"2026-03-07 09:05:02.047       FROM: 10.1.2.3\r\n";
 
-TEST(ComposeTrapRecord, HasAHeaderLineALineABindingAndAnEmptyLine) {
+TEST(ComposeTrapRecord, HasAHeaderLineALineForEachBindingAndAnEmptyLine) {
     EXPECT_EQ(Compose({{L"1.3.6.1.2.1.1.3.0", {}, L"TimeTicks", L"123456"},
                        {L"1.3.6.1.6.3.1.1.4.1.0", L"snmpTrapOID", L"OID", L"1.3.6.1.6.3.1.1.5.3"}}),
               kHeaderLine +
@@ -21,11 +21,7 @@ TEST(ComposeTrapRecord, HasAHeaderLineALineABindingAndAnEmptyLine) {
                   L"\r\n");
 }
 
-TEST(ComposeTrapRecord, HasSevenBlanksBeforeFromAndOneAfterIt) {
-    EXPECT_EQ(Compose({}).substr(23, 21), L"       FROM: 10.1.2.3");
-}
-
-TEST(ComposeTrapRecord, NoBindingsAreRecordedAsNotDecoded) {
+TEST(ComposeTrapRecord, NoBindingsMeansNotDecoded) {
     EXPECT_EQ(Compose({}), kHeaderLine + L"DECODED VARBINDS: (not decoded)\r\n\r\n");
 }
 

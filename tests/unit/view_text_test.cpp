@@ -24,7 +24,7 @@ TEST(BuildViewText, OrdinaryTextIsUnchanged) {
     }
 }
 
-TEST(BuildViewText, ZerosAreBlanks) {
+TEST(BuildViewText, ZerosBecomeBlanks) {
     EXPECT_EQ(BuildViewText(std::wstring(L"\0one\0\0two\n\0", 11)), L" one  two\n ");
 }
 
@@ -65,7 +65,7 @@ TEST(BuildViewText, LongLinesAreBrokenIntoPartsWithoutLosingACharacter) {
     }
 }
 
-TEST(BuildViewText, ALineIsLongFromOneCharacterAboveTheLimitItsEndIncluded) {
+TEST(BuildViewText, TheLimitIncludesTheLineEnd) {
     EXPECT_NE(BuildViewText(Line(1001)), Line(1001));
     EXPECT_NE(BuildViewText(Line(998) + L"\r\r\n"), Line(998) + L"\r\r\n");
 }

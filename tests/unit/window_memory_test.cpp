@@ -1,5 +1,5 @@
-// Windows when memory runs out at each allocation in turn: a click that fails must leave something that the
-// next click can use. The windows are real.
+// Windows when memory runs out at each allocation: after a click that failed the next one works. The windows
+// are real.
 #include "platform/windows/windows_headers.h"
 
 #include <string>
@@ -33,7 +33,7 @@ class WindowsInAShortage : public ::testing::Test {
     AppPathsGuard paths_{folder_};
 };
 
-TEST_F(WindowsInAShortage, AreShownByTheNextClickAtTheLatest) {
+TEST_F(WindowsInAShortage, AreShownByTheNextClick) {
     struct Case {
         const wchar_t* className;
         void (*open)();
@@ -51,7 +51,7 @@ TEST_F(WindowsInAShortage, AreShownByTheNextClickAtTheLatest) {
     }
 }
 
-TEST_F(WindowsInAShortage, AViewShowsItsFileOrHowLargeItIs) {
+TEST_F(WindowsInAShortage, AViewShowsItsFileOrItsSize) {
     constexpr wchar_t className[] = L"SNMP_MON_WND";
     const std::string octets(5000, 'x');
     WriteOctets(AppPaths.trapFilePath, octets);
