@@ -121,6 +121,6 @@ std::vector<std::string> EngineTest::TrapRecords() {
 }
 
 bool EngineTest::WaitForTraps(size_t count) {
-    // The log line follows the record, so whoever sees it sees the record too.
+    // The log line follows the record, so the record exists too.
     return WaitForLogLines("Trap received (127.0.0.1).", count);
 }

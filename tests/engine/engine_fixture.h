@@ -1,5 +1,5 @@
-// The receiver as a whole on its real ports, in a data folder of its own. The ports are fixed, so these
-// programs run where nobody else has them: in a network namespace or a fresh Wine prefix inside one.
+// The receiver as a whole on its real ports, with a separate data folder. The ports are fixed, so these programs run
+// where they are free: in a network namespace or a fresh Wine prefix inside one.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -19,10 +19,10 @@ constexpr uint16_t kListenerPort = 161;
 // The octets of the sample message of that name.
 const Octets& Sample(std::string_view name);
 
-// The sample's lines as SNMP.txt holds them behind the header line, without the empty one at the end.
+// The sample's lines in SNMP.txt after the header line, without the empty one at the end.
 std::string ExpectedLines(std::string_view name);
 
-// A v2c trap of 65,507 octets, the most that a datagram can carry; its last binding is the integer 4711.
+// A v2c trap of 65,507 octets, the largest datagram; its last binding is the integer 4711.
 Octets LargestMessage();
 
 class EngineTest : public ::testing::Test {

@@ -1,5 +1,5 @@
-// Exceptions inside the workers: memory that runs out, a lock that the system refuses. The clock is replaced
-// by linking, because every log line reads it: it throws on demand, on whichever worker comes first.
+// Exceptions inside the workers: memory that runs out, a lock that the system refuses. The clock, which every
+// log line reads, is replaced by linking and throws on demand, in the first worker that reads it.
 #include <atomic>
 #include <new>
 #include <system_error>
@@ -18,11 +18,11 @@ enum class Fault { None, NoMemory, RefusedLock };
 std::atomic<Fault> nextFault{Fault::None};
 std::atomic<int> readingsBefore{0};
 
-// A trap's time of arrival is read before anything that can fail.
+// A trap's time of arrival is read before anything can fail.
 constexpr int kArrivalReadings = 1;
 const std::thread::id kMainThread = std::this_thread::get_id();
 
-void ThrowWhatWasAsked() {
+void ThrowNextFault() {
     if (std::this_thread::get_id() == kMainThread || nextFault == Fault::None || readingsBefore-- > 0) {
         return;
     }
@@ -46,7 +46,7 @@ uint64_t MillisecondsSinceStart() {
 }  // namespace
 
 LocalTime ReadLocalTime() {
-    ThrowWhatWasAsked();
+    ThrowNextFault();
     return {2026, 3, 7, 9, 5, 2, 47};
 }
 
@@ -87,7 +87,7 @@ class Exceptions : public EngineTest, public ::testing::WithParamInterface<Fault
     LoopbackClient client_;
 };
 
-TEST_P(Exceptions, OneWhileATrapIsAnnouncedCostsThatTrapOnly) {
+TEST_P(Exceptions, OneWhileATrapIsLoggedLosesThatTrapOnly) {
     StartAndWaitForBothWorkers();
     ThrowAfter(kArrivalReadings);
     client_.Send(Sample("v2_link_down"));
@@ -100,7 +100,7 @@ TEST_P(Exceptions, OneWhileATrapIsAnnouncedCostsThatTrapOnly) {
     EXPECT_EQ(CountLogLines("Trap received (127.0.0.1)."), 1U);
 }
 
-TEST_P(Exceptions, OneWhileA161DatagramIsLoggedCostsThatLineOnly) {
+TEST_P(Exceptions, OneWhileADatagramOn161IsLoggedLosesThatLineOnly) {
     StartAndWaitForBothWorkers();
     ThrowAfter(0);
     client_.Send({}, kListenerPort);
@@ -108,12 +108,12 @@ TEST_P(Exceptions, OneWhileA161DatagramIsLoggedCostsThatLineOnly) {
     client_.Send({}, kListenerPort);
     ASSERT_TRUE(WaitForLogLines(kOn161));
     client_.Send(Sample("v2_link_down"));
-    ASSERT_TRUE(WaitForTraps(1)) << "the other worker does not notice";
+    ASSERT_TRUE(WaitForTraps(1)) << "the other worker is not affected";
     EXPECT_EQ(CountLogLines(kOn161), 1U);
 }
 
-// The first question for the time on a worker is its starting line.
-TEST_P(Exceptions, OneAtTheStartOfAWorkerCostsItsFirstLineOnly) {
+// A worker's first reading of the clock is for its starting line.
+TEST_P(Exceptions, OneAtTheStartOfAWorkerLosesItsFirstLineOnly) {
     ThrowAfter(0);
     ASSERT_TRUE(StartServer());
     ASSERT_TRUE(WaitForFault());

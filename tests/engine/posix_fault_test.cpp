@@ -1,5 +1,5 @@
-// Faults that a test can bring about on POSIX only: files without permissions, links, pipes, a full disk, and
-// a process that is killed while it writes.
+// Faults that a test can cause on POSIX only: files without permissions, links, pipes, a full disk, and a
+// process that is killed while it writes.
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
@@ -38,8 +38,8 @@ fs::path PosixPath(const std::wstring& path) {
     return spelled;
 }
 
-// The tests run as root of their namespace, to whom permissions mean nothing. This takes that privilege from
-// the calling thread, and from the threads that it starts meanwhile; the one to bind low ports stays.
+// The tests run as root of their namespace, to whom permissions do not apply. This removes that privilege,
+// but not the one to bind low ports, from the calling thread and from those that it starts.
 class WithoutFilePrivileges {
   public:
     WithoutFilePrivileges() {
@@ -83,7 +83,7 @@ class PosixFaults : public EngineTest {
     LoopbackClient target_;
 };
 
-TEST_F(PosixFaults, AReadOnlyDataFolderChangesNoFileAndStopsNothing) {
+TEST_F(PosixFaults, WithAReadOnlyDataFolderTheReceiverRunsAndChangesNoFile) {
     WriteOctets(AppPaths.trapFilePath, "old records");
     WriteOctets(AppPaths.logFilePath, "old lines");
     for (const std::wstring& path : {AppPaths.trapFilePath, AppPaths.logFilePath}) {
@@ -103,25 +103,11 @@ TEST_F(PosixFaults, AReadOnlyDataFolderChangesNoFileAndStopsNothing) {
     EXPECT_FALSE(PathExists(AppPaths.configPath));
 }
 
-TEST_F(PosixFaults, AReadOnlyFileSystemChangesNoFileAndStopsNothing) {
-    WriteOctets(AppPaths.trapFilePath, "old records");
-    const std::string folder = PosixPath(AppPaths.dataDir);
-    if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-        mount(folder.c_str(), folder.c_str(), nullptr, MS_BIND, nullptr) != 0) {
-        GTEST_SKIP() << "This machine does not allow mounts of one's own.";
-    }
-    ASSERT_EQ(mount(nullptr, folder.c_str(), nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr), 0);
-    ASSERT_TRUE(StartServer());
-    ExpectTrapsAreStillHandled();
-    SaveConfig();
-    StopServer();
-    EXPECT_EQ(ReadOctets(AppPaths.trapFilePath), "old records");
-    EXPECT_FALSE(PathExists(AppPaths.configPath));
-    EXPECT_EQ(umount(folder.c_str()), 0);
-}
-
-TEST_F(PosixFaults, SettingsThatMayNotBeReadGiveTheDefaults) {
+TEST_F(PosixFaults, UnreadableSettingsAndMibFilesAreIgnored) {
+    WriteMib("a.mib", "unreadable");
+    WriteMib("b.mib", "readable");
     WriteOctets(AppPaths.configPath, "<forwardingPort>9</forwardingPort>");
+    Allow(AppPaths.mibsDir + L"\\a.mib", 0);
     Allow(AppPaths.configPath, 0);
     ReplaceForwarding(false, L"127.0.0.1", 162);
     const WithoutFilePrivileges asUser;
@@ -130,19 +116,12 @@ TEST_F(PosixFaults, SettingsThatMayNotBeReadGiveTheDefaults) {
     EXPECT_EQ(CopyForwarding().port, 162);
     SaveConfig();
     EXPECT_EQ(CountLogLines("Config saved."), 0U);
-}
-
-TEST_F(PosixFaults, AMibFileThatMayNotBeReadIsPassedOver) {
-    WriteMib("a.mib", "unreadable");
-    WriteMib("b.mib", "readable");
-    Allow(AppPaths.mibsDir + L"\\a.mib", 0);
-    const WithoutFilePrivileges asUser;
     LoadMibFolder();
     EXPECT_EQ(LogLines().back(), "MIBs loaded. OID mappings: 1");
-    EXPECT_EQ(ListMibFiles(), (std::vector<std::wstring>{L"a.mib", L"b.mib"})) << "listed all the same";
+    EXPECT_EQ(ListMibFiles(), (std::vector<std::wstring>{L"a.mib", L"b.mib"})) << "but listed";
 }
 
-TEST_F(PosixFaults, AMibsFolderThatMayNotBeEnteredGivesNoNames) {
+TEST_F(PosixFaults, AnInaccessibleMibsFolderGivesNoNames) {
     WriteMib("a.mib", "hidden");
     for (const unsigned mode : {0000U, 0444U, 0111U}) {
         Allow(AppPaths.mibsDir, mode);
@@ -153,7 +132,7 @@ TEST_F(PosixFaults, AMibsFolderThatMayNotBeEnteredGivesNoNames) {
     Allow(AppPaths.mibsDir, 0755);
 }
 
-TEST_F(PosixFaults, LinksCountAsWhatTheyLeadTo) {
+TEST_F(PosixFaults, LinksCountAsTheirTargets) {
     const fs::path mibs = PosixPath(AppPaths.mibsDir);
     WriteMib("target.doc", "linked");
     fs::create_symlink(mibs / "target.doc", mibs / "file.mib");
@@ -178,7 +157,7 @@ std::string MaskStamp(std::string record) {
                           '#');
 }
 
-// Checks that `octets`, what one process wrote, are whole records and at most one cut one at the end. Returns
+// Checks that `octets`, written by one process, are whole records and at most one cut one at the end. Returns
 // whether there is a cut one.
 bool CheckRecordsOfOneRun(std::string_view octets, const std::string& expected) {
     size_t at = 0;
@@ -191,8 +170,8 @@ bool CheckRecordsOfOneRun(std::string_view octets, const std::string& expected) 
     return !rest.empty();
 }
 
-// A tmpfs of a few pages over the data folder: a disk that is soon full. The mount lives in a namespace of
-// the calling thread and of those that it starts.
+// A small tmpfs over the data folder, mounted in a namespace of the calling thread and of those that it
+// starts.
 class FullDisk : public PosixFaults {
   protected:
     static constexpr size_t kDiskSize = size_t{128} << 10;
@@ -215,14 +194,14 @@ class FullDisk : public PosixFaults {
         }
     }
 
-    // Leaves no room at all; removing the file makes room again.
+    // Leaves no space; removing the file frees it.
     void FillDisk() const {
         std::ofstream filler(folder_ + "/filler", std::ios::binary);
         filler << std::string(2 * kDiskSize, 'x') << std::flush;
-        EXPECT_FALSE(filler.good()) << "the disk is larger than thought";
+        EXPECT_FALSE(filler.good()) << "the disk is larger than expected";
     }
 
-    // Leaves room for a few pages, which a file that exists or is made anew may take.
+    // Leaves space for a few pages.
     void FillDiskExcept(size_t octets) const {
         FillDisk();
         fs::resize_file(folder_ + "/filler", fs::file_size(folder_ + "/filler") - octets);
@@ -235,30 +214,8 @@ class FullDisk : public PosixFaults {
     bool mounted_ = false;
 };
 
-TEST_F(FullDisk, ItCostsWhatDoesNotFitAndTheReceiverGoesOnWhenThereIsRoomAgain) {
-    ASSERT_TRUE(StartServer());
-    ExpectTrapsAreStillHandled();
-    FillDisk();
-    for (int sent = 0; sent < 200; ++sent) {
-        ExpectTrapsAreStillHandled();
-    }
-    EmptyDisk();
-    StopServer();
-    ASSERT_TRUE(StartServer());
-    client_.Send(Sample("v1_link_down"));
-    EXPECT_EQ(target_.Receive(), Sample("v1_link_down"));
-    StopServer();
-    const std::string records = TrapFile();
-    const std::string first = ExpectedLines("v2_link_down") + "\r\r\n\r\r\n";
-    const std::string last = "       FROM: 127.0.0.1\r\r\n" + ExpectedLines("v1_link_down") + "\r\r\n\r\r\n";
-    EXPECT_EQ(records.find(first), kStampLength + std::string("       FROM: 127.0.0.1\r\r\n").size());
-    EXPECT_EQ(records.rfind(last), records.size() - last.size());
-    EXPECT_LT(records.size(), 200 * first.size()) << "the disk was never full";
-}
-
-// The worker is held up by the lock that its lookups need, so that all but the first wait together and are
-// written together.
-TEST_F(FullDisk, InTheMiddleOfATurnItCutsTheRecordThatNoLongerFitsAndAllAreForwarded) {
+// The worker waits for the lock that its lookups need, so that all but the first are written together.
+TEST_F(FullDisk, CutsTheFirstRecordOfABatchThatDoesNotFitAndAllAreForwarded) {
     constexpr size_t kTraps = 100;
     const Octets& trap = Sample("v2_link_down");
     const std::string record = std::string(kStampLength, '#') + "       FROM: 127.0.0.1\r\r\n" +
@@ -266,7 +223,7 @@ TEST_F(FullDisk, InTheMiddleOfATurnItCutsTheRecordThatNoLongerFitsAndAllAreForwa
     ASSERT_TRUE(StartServer());
     FillDiskExcept(size_t{16} << 10);
     {
-        const std::lock_guard holdUp(MibStoreLock);
+        const std::lock_guard lock(MibStoreLock);
         for (size_t sent = 0; sent < kTraps; ++sent) {
             client_.Send(trap);
         }
@@ -276,7 +233,7 @@ TEST_F(FullDisk, InTheMiddleOfATurnItCutsTheRecordThatNoLongerFitsAndAllAreForwa
     }
     const std::string fitted = TrapFile();
     EXPECT_TRUE(CheckRecordsOfOneRun(fitted, record)) << "nothing was cut";
-    EXPECT_GT(fitted.size(), size_t{8} << 10) << "what there was room for was not used";
+    EXPECT_GT(fitted.size(), size_t{8} << 10) << "free space was not used";
     EXPECT_LT(fitted.size(), kTraps * record.size()) << "the disk was never full";
     EmptyDisk();
     ExpectTrapsAreStillHandled();
@@ -287,7 +244,7 @@ TEST_F(FullDisk, InTheMiddleOfATurnItCutsTheRecordThatNoLongerFitsAndAllAreForwa
     EXPECT_FALSE(CheckRecordsOfOneRun(std::string_view(all).substr(fitted.size()), record));
 }
 
-TEST_F(FullDisk, ACopyThatIsCutHasFailed) {
+TEST_F(FullDisk, ACutCopyFails) {
     const std::wstring source = AppPaths.dataDir + L"\\source.mib";
     WriteOctets(source, std::string(size_t{32} << 10, 'x'));
     FillDiskExcept(size_t{16} << 10);
@@ -295,7 +252,7 @@ TEST_F(FullDisk, ACopyThatIsCutHasFailed) {
     EmptyDisk();
 }
 
-TEST_F(FullDisk, SettingsSavedOnAFullDiskAreWhatFitted) {
+TEST_F(FullDisk, SettingsAreCutAndCanBeSavedAgainLater) {
     WriteOctets(AppPaths.configPath, "");
     FillDisk();
     SaveConfig();
@@ -305,10 +262,10 @@ TEST_F(FullDisk, SettingsSavedOnAFullDiskAreWhatFitted) {
     EXPECT_EQ(ReadOctets(AppPaths.configPath).substr(0, 8), "<config>");
 }
 
-// The receiver in a process of its own, killed without warning while traps pour in.
+// The receiver in a child process, killed during a flood of traps.
 class Killed : public EngineTest {
   protected:
-    // The process that receives; returns in the parent only, once both ports are served.
+    // Starts the receiving process; returns in the parent only, once port 162 is served.
     static pid_t StartReceiverProcess(size_t earlierStarts) {
         const pid_t child = fork();
         if (child == 0) {
@@ -321,7 +278,7 @@ class Killed : public EngineTest {
         return child;
     }
 
-    // By text search, since a cut line may stand anywhere in front.
+    // By text search, since a cut line may precede.
     static size_t CountStarts() {
         const std::string log = ReadOctets(AppPaths.logFilePath);
         size_t count = 0;
@@ -338,7 +295,7 @@ class Killed : public EngineTest {
     }
 };
 
-TEST_F(Killed, FiftyTimesInAStormItCutsAtMostTheRecordInFlightAndTheNextStartAppendsBehind) {
+TEST_F(Killed, FiftyTimesInAFloodItCutsAtMostTheLastRecordAndTheNextStartAppends) {
     constexpr int kKills = 50;
     // Records of several pages, so that a kill has a chance to come in the middle of a write.
     const Octets trap = EncodeV2Trap({{"1.3.6.1.4.1.9999.1", EncodeOctetString(std::string(16000, 'x'))}});
@@ -350,8 +307,7 @@ TEST_F(Killed, FiftyTimesInAStormItCutsAtMostTheRecordInFlightAndTheNextStartApp
     int cut = 0;
     for (int round = 0; round < kKills; ++round) {
         const pid_t child = StartReceiverProcess(CountStarts());
-        // The storm goes on up to the kill and over it; how far the receiver gets differs from round
-        // to round.
+        // The flood lasts until after the kill, and how far the receiver gets differs from round to round.
         const size_t enough = before.size() + static_cast<size_t>(1 + round % 5) * expected.size();
         while (QueryFileSize(AppPaths.trapFilePath).value_or(0) < enough) {
             client.Send(trap);
@@ -367,7 +323,7 @@ TEST_F(Killed, FiftyTimesInAStormItCutsAtMostTheRecordInFlightAndTheNextStartApp
         ASSERT_FALSE(HasFailure()) << "round " << round;
         before = after;
         if (round % 10 == 9) {
-            // Not larger than needed: it is read whole in each round.
+            // It is read whole in each round.
             ClearFile(AppPaths.trapFilePath);
             before.clear();
         }

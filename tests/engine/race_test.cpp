@@ -1,6 +1,6 @@
-// Everything at once: the receiver started and stopped over and over with traffic on both ports, while an
-// operator saves settings, reloads the MIB files and looks at what the windows show. The claim is as much the
-// sanitizers' as the assertions': a data race or a use after free ends this program.
+// Everything at once: the receiver started and stopped repeatedly with traffic on both ports, while an
+// operator saves settings, reloads the MIB files and looks at the windows. Under a sanitizer a data race or a
+// use after free ends this program.
 #include <atomic>
 #include <memory>
 #include <thread>
@@ -27,7 +27,7 @@ constexpr std::string_view kMib =
 
 const Octets kTrap = EncodeV2Trap({{"1.3.6.1.4.1.9999.1", EncodeInteger(7)}});
 
-// Runs `step` over and over on a thread of its own until it is told to end.
+// Runs `step` repeatedly on another thread until Stop().
 class Loop {
   public:
     template <typename Step>
@@ -68,9 +68,9 @@ class Races : public EngineTest {
     LoopbackClient forwardingTarget_;
 };
 
-// One turn of what the operator's clicks and the windows' timers do.
-void ActAsOperator(int turn, uint16_t targetPort) {
-    ReplaceForwarding(turn % 4 != 0, turn % 2 == 0 ? L"127.0.0.1" : L"no address", targetPort);
+// One round of the operator's clicks and the windows' timers.
+void ActAsOperator(int round, uint16_t targetPort) {
+    ReplaceForwarding(round % 4 != 0, round % 2 == 0 ? L"127.0.0.1" : L"no address", targetPort);
     SaveConfig();
     LoadMibFolder();
     EXPECT_EQ(CountOidNames(), 2);
@@ -79,20 +79,20 @@ void ActAsOperator(int turn, uint16_t targetPort) {
     const std::wstring sender = CopyLastTrapSender();
     EXPECT_TRUE(sender.empty() || sender.rfind(L"127.0.0.1:", 0) == 0);
     ReadFileFrom(AppPaths.trapFilePath, 0);
-    if (turn % 16 == 15) {
-        // As the clear buttons do; the files also stay small enough to be read whole each turn.
+    if (round % 16 == 15) {
+        // As the clear buttons do; the files also remain small enough to be read whole each time.
         ClearFile(AppPaths.trapFilePath);
     }
 }
 
-// In the program all of this happens on the one GUI thread; here the operator has a thread of his own, which
-// is harder on the locks.
-TEST_F(Races, TwoHundredStartsAndStopsUnderTrafficWithABusyOperatorEndInOrder) {
+// In the program all of this happens on the one GUI thread; here the operator has another thread, which tests
+// the locks harder.
+TEST_F(Races, TwoHundredStartsAndStopsUnderTrafficWithABusyOperatorAreLoggedWhole) {
     LoopbackClient trapSender;
     LoopbackClient listenerSender;
     Loop traps([&] { trapSender.Send(kTrap); });
     Loop requests([&] { listenerSender.Send({0x30, 0x00}, kListenerPort); });
-    Loop operatorActions([this, turn = 0]() mutable { ActAsOperator(turn++, forwardingTarget_.port()); });
+    Loop operatorActions([this, round = 0]() mutable { ActAsOperator(round++, forwardingTarget_.port()); });
     for (int round = 0; round < kRounds; ++round) {
         ASSERT_TRUE(StartServer()) << "round " << round;
         // Half of the rounds are stopped while their workers are still starting.
@@ -119,7 +119,6 @@ TEST_F(Races, TwoHundredStartsAndStopsUnderTrafficWithABusyOperatorEndInOrder) {
     }
 }
 
-// What was recorded was logged, and in the same number.
 TEST_F(Races, RecordsAndLogLinesAgreeWhateverTheOperatorDoes) {
     constexpr size_t kTraps = 1000;
     constexpr size_t kPortion = 50;
@@ -130,8 +129,8 @@ TEST_F(Races, RecordsAndLogLinesAgreeWhateverTheOperatorDoes) {
     const uint64_t recordSize = TrapFile().size();
     {
         Loop requests([client = std::make_shared<LoopbackClient>()] { client->Send({}, kListenerPort); });
-        Loop operatorActions([this, turn = 0]() mutable {
-            ReplaceForwarding(turn++ % 2 == 0, L"127.0.0.1", forwardingTarget_.port());
+        Loop operatorActions([this, round = 0]() mutable {
+            ReplaceForwarding(round++ % 2 == 0, L"127.0.0.1", forwardingTarget_.port());
             SaveConfig();
             LoadMibFolder();
         });

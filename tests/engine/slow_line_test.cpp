@@ -1,6 +1,5 @@
-// Forwarding over lines that are slower than the receiver, and stops meanwhile: no network may
-// hold up a stop, and nothing may be lost that a send which waits would have sent. The lines are
-// made by scripts/with_slow_lines.sh.
+// Forwarding over lines that are slower than the receiver, and stops meanwhile: no network may delay a stop,
+// and a send that waits for room loses nothing. scripts/with_slow_lines.sh creates the lines.
 #include <atomic>
 #include <chrono>
 #include <fstream>
@@ -35,7 +34,7 @@ constexpr char kLineCounters[] = "Z:/proc/net/dev";
 constexpr char kLineCounters[] = "/proc/net/dev";
 #endif
 
-// What left over the line so far, in octets; -1: there is no such line.
+// The octets sent over the line so far; -1: there is no such line.
 int64_t OctetsSent(const std::string& line) {
     std::ifstream counters(kLineCounters);
     for (std::string name; counters >> name;) {
@@ -67,8 +66,8 @@ class Stops : public EngineTest {
         }
     }
 
-    // With what nobody waits for: from then on the worker's next send waits for room, and the slow line takes
-    // a quarter of a minute to make any.
+    // From then on the worker's next send waits for room, which the slow line needs a quarter of a minute to
+    // make.
     static void FillSendBuffer() {
         const Octets large(60'000, 0x30);
         const Octets small(1, 0x30);
@@ -79,8 +78,7 @@ class Stops : public EngineTest {
         }
     }
 
-    // A bound that the receiver promises, not a measurement: the stop has it however slow the machine is, and
-    // a machine on which this fails is one on which the window was frozen.
+    // The limit applies however slow the machine is: the window does not respond for longer.
     static void ExpectStopInTime() {
         const auto begin = std::chrono::steady_clock::now();
         StopServer();
@@ -89,7 +87,7 @@ class Stops : public EngineTest {
         EXPECT_EQ(LogLines().back(), "Server stopped.");
     }
 
-    // The stop waited for the workers and they ended: none was let go.
+    // The stop waited for the workers and they ended.
     static void ExpectWorkersEnded() {
         EXPECT_EQ(CountLogLines("Trap thread stopped."), 1U);
         EXPECT_EQ(CountLogLines("Listener thread stopped (UDP 161)."), 1U);
@@ -109,7 +107,7 @@ class SlowLines : public Stops {
     }
 };
 
-TEST_F(SlowLines, AFullSendBufferDoesNotHoldUpAStop) {
+TEST_F(SlowLines, AFullSendBufferDoesNotDelayAStop) {
     ForwardTo(kSlowHost);
     Send(12, LargestMessage());
     ASSERT_TRUE(WaitForTraps(1));
@@ -118,7 +116,7 @@ TEST_F(SlowLines, AFullSendBufferDoesNotHoldUpAStop) {
     ExpectWorkersEnded();
 }
 
-TEST_F(SlowLines, WhatAStopLeavesUnsentIsALineForEach) {
+TEST_F(SlowLines, TrapsUnsentAtAStopAreLoggedEach) {
     ForwardTo(kSlowHost);
     FillSendBuffer();
     Send(8, Sample("v2_link_down"));
@@ -134,7 +132,7 @@ TEST_F(SlowLines, WhatAStopLeavesUnsentIsALineForEach) {
     }
 }
 
-TEST_F(SlowLines, ADeadNeighbourDoesNotHoldUpAStop) {
+TEST_F(SlowLines, ADeadNeighbourDoesNotDelayAStop) {
     ForwardTo(kDeadNeighbour);
     Send(400, Octets(1400, 0x30));
     ASSERT_TRUE(WaitForTraps(1));
@@ -142,7 +140,7 @@ TEST_F(SlowLines, ADeadNeighbourDoesNotHoldUpAStop) {
     ExpectWorkersEnded();
 }
 
-TEST_F(SlowLines, AnUnreachableTargetIsALineForEachTrapAndDoesNotHoldUpAStop) {
+TEST_F(SlowLines, AnUnreachableTargetIsLoggedForEachTrapAndDoesNotDelayAStop) {
     ForwardTo(kUnreachable);
     Send(50, Sample("v2_link_down"));
     ASSERT_TRUE(WaitForLogLines(kFailed, 50));
@@ -151,7 +149,7 @@ TEST_F(SlowLines, AnUnreachableTargetIsALineForEachTrapAndDoesNotHoldUpAStop) {
     EXPECT_EQ(CountLogLines(kFailed), 50U);
 }
 
-TEST_F(SlowLines, NothingThatFitsTheLineInTimeIsLost) {
+TEST_F(SlowLines, ALineThatIsFastEnoughLosesNothing) {
     const int64_t before = OctetsSent("quick");
     ForwardTo(kQuickHost);
     constexpr size_t kTraps = 40;
@@ -163,9 +161,9 @@ TEST_F(SlowLines, NothingThatFitsTheLineInTimeIsLost) {
     EXPECT_EQ(CountLogLines(kFailed), 0U);
 }
 
-// ---- Stops while something else holds a worker
+// ---- Stops while a worker is busy otherwise
 
-TEST_F(Stops, AFloodDoesNotHoldUpAStop) {
+TEST_F(Stops, AFloodDoesNotDelayAStop) {
     std::atomic<bool> end{false};
     std::thread flood([&] {
         LoopbackClient flooder;
@@ -181,9 +179,9 @@ TEST_F(Stops, AFloodDoesNotHoldUpAStop) {
     ExpectWorkersEnded();
 }
 
-TEST_F(Stops, AWorkerThatWaitsForNamesIsLetGo) {
+TEST_F(Stops, AWorkerThatWaitsForNamesIsNotWaitedForLonger) {
     {
-        const std::lock_guard holdUp(MibStoreLock);
+        const std::lock_guard lock(MibStoreLock);
         client_.Send(Sample("v2_link_down"));
         ASSERT_TRUE(WaitUntil([] { return ServerState.lastTrapTick != 0; }));
         ExpectStopInTime();
@@ -191,8 +189,8 @@ TEST_F(Stops, AWorkerThatWaitsForNamesIsLetGo) {
     EXPECT_TRUE(WaitForLogLines("Trap thread stopped.")) << "it ends by itself";
 }
 
-// As when SNMP.txt lies in a folder that hangs: whoever uses it holds FileLock so long.
-TEST_F(Stops, AFileThatHangsForASecondDelaysAStopBySoMuch) {
+// As when SNMP.txt is on a drive that does not respond: its user holds FileLock meanwhile.
+TEST_F(Stops, AFileThatBlocksForASecondDelaysAStopByThatSecond) {
     std::atomic<bool> held{false};
     std::thread hanging([&] {
         const std::lock_guard lock(FileLock);

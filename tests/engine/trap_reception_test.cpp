@@ -1,9 +1,4 @@
 // Datagrams on UDP 162: recorded, announced, never answered.
-#include <algorithm>
-#include <thread>
-
-#include "config/config_file.h"
-#include "config/forwarding_settings.h"
 #include "core/app_paths.h"
 #include "core/data_files.h"
 #include "mib/mib_folder.h"
@@ -54,7 +49,7 @@ TEST_F(TrapReception, NothingIsEverAnsweredNotEvenAnInform) {
     EXPECT_EQ(client.Receive(), marker) << "something came back before the marker";
 }
 
-TEST_F(TrapReception, AZeroLengthDatagramIsATrapThatDoesNotDecode) {
+TEST_F(TrapReception, AZeroLengthDatagramIsRecordedAsNotDecoded) {
     client.Send({});
     ASSERT_TRUE(WaitForTraps(1));
     EXPECT_EQ(TrapRecords(), std::vector<std::string>{std::string(kFrom) + kNotDecoded});
@@ -76,7 +71,7 @@ TEST_F(TrapReception, TheLargestDatagramArrivesWhole) {
         << "the last octets did not arrive";
 }
 
-TEST_F(TrapReception, TwoPortsOfOneHostShareTheAddressAndTheLastPortIsKept) {
+TEST_F(TrapReception, TwoPortsOfOneHostGiveTheSameFromTextAndTheLastPortIsShown) {
     LoopbackClient other;
     client.Send(Sample("v2_link_down"));
     ASSERT_TRUE(WaitForTraps(1));
@@ -88,17 +83,7 @@ TEST_F(TrapReception, TwoPortsOfOneHostShareTheAddressAndTheLastPortIsKept) {
     EXPECT_EQ(records.at(0), records.at(1));
 }
 
-TEST_F(TrapReception, ABurstIsRecordedWithoutLossOneLogLineEach) {
-    constexpr size_t kBurst = 150;  // what the smallest default buffer holds with room to spare
-    for (size_t sent = 0; sent < kBurst; ++sent) {
-        client.Send(Sample("v2_link_down"));
-    }
-    ASSERT_TRUE(WaitForTraps(kBurst));
-    EXPECT_EQ(TrapRecords().size(), kBurst);
-    EXPECT_EQ(CountLogLines("Trap received (127.0.0.1)."), kBurst);
-}
-
-TEST_F(TrapReception, NamesComeWithTheNextTrapAfterALoadAndGoWithTheFiles) {
+TEST_F(TrapReception, TrapsAreNamedFromTheNextLoadOfMibFilesOn) {
     const std::wstring mib = AppPaths.mibsDir + L"\\named.mib";
     AppendToFile(mib, L"linkDownName OBJECT IDENTIFIER ::= { mib-2 77 }\n");
     LoadMibFolder();
@@ -112,32 +97,6 @@ TEST_F(TrapReception, NamesComeWithTheNextTrapAfterALoadAndGoWithTheFiles) {
     client.Send(message);
     ASSERT_TRUE(WaitForTraps(2));
     EXPECT_EQ(TrapRecords().at(1), kFrom + std::string("---> [1] 1.3.6.1.2.1.77  INTEGER = 5"));
-}
-
-// What a storm does while the operator works: every shared thing is touched from both sides. ThreadSanitizer
-// is the judge; the counts show that nothing was lost on the way.
-TEST_F(TrapReception, TrafficWhileTheOperatorReloadsSavesAndLooksLosesNothing) {
-    constexpr size_t kTraps = 400;
-    std::thread sender([] {
-        LoopbackClient source;
-        for (size_t sent = 1; sent <= kTraps; ++sent) {
-            source.Send(sent % 2 == 0 ? Sample("v2_link_down") : Sample("v1_two_bindings"));
-            source.Send({0x30}, kListenerPort);
-            if (sent % 50 == 0) {
-                EXPECT_TRUE(WaitForTraps(sent));
-            }
-        }
-    });
-    AppendToFile(AppPaths.mibsDir + L"\\small.mib", L"x OBJECT IDENTIFIER ::= { mib-2 1 }\n");
-    while (CountLogLines("Trap received (127.0.0.1).") < kTraps && !HasFailure()) {
-        LoadMibFolder();
-        ReplaceForwarding(!ForwardingSettings.forwardingEnabled, L"not an address", 9);
-        SaveConfig();
-        EXPECT_LE(CopyLastTrapSender().size(), 15U);
-        ReadFileFrom(AppPaths.trapFilePath, ServerState.lastTrapTick % 1000);
-    }
-    sender.join();
-    EXPECT_EQ(TrapRecords().size(), kTraps);
 }
 
 }  // namespace

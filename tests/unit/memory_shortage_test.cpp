@@ -1,4 +1,4 @@
-// Memory that runs out at each request of a load, of a decoding, of a turn.
+// Memory that runs out at each request of a load and of a batch of traps.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -32,19 +32,6 @@
 
 namespace {
 
-TEST(MemoryShortage, RefusesWhatItIsToldToRefuse) {
-    const auto askTwice = [] {
-        delete[] new (std::nothrow) char[100];
-        std::string().reserve(100);
-    };
-    EXPECT_EQ(Try(askTwice).requests, 2U);
-    EXPECT_EQ(Try(askTwice).outcome, Outcome::Returned);
-    EXPECT_EQ(Try(askTwice, 0, Shortage::OneRequest).outcome, Outcome::Returned);
-    EXPECT_EQ(Try(askTwice, 0, Shortage::ThatAndAllLater).outcome, Outcome::NoMemory);
-    EXPECT_EQ(Try(askTwice, 1, Shortage::OneRequest).outcome, Outcome::NoMemory);
-    EXPECT_FALSE(Try(askTwice, 2, Shortage::ThatAndAllLater).refused);
-}
-
 // ---- The tables
 
 // The table of names and the pending definitions, as text.
@@ -74,7 +61,7 @@ MibTables CopyMibTables() {
     return tables;
 }
 
-// Enough for every table and list to grow several times, and values of every kind.
+// Values of every kind, and enough of them for every table to grow several times.
 std::wstring MakeModule() {
     std::wstring text;
     for (int number = 0; number < 30; ++number) {
@@ -93,7 +80,7 @@ void LoadText(std::wstring_view text) {
     StoreResolvedDefinitions();
 }
 
-TEST(MemoryShortage, LoadLeavesTheTablesWhole) {
+TEST(MemoryShortage, ALoadThatRunsOutLeavesUsableTables) {
     const std::lock_guard lock(MibStoreLock);
     const std::wstring text = MakeModule();
     const auto loadAndCopy = [&] {
@@ -108,7 +95,7 @@ TEST(MemoryShortage, LoadLeavesTheTablesWhole) {
         RefuseEachRequest(Shortage::OneRequest, ClearNameStore, load, [&](const Attempt& attempt, size_t) {
             EXPECT_EQ(attempt.outcome, Outcome::NoMemory);
             CopyMibTables();
-            // What is left must be fit to be built on, and must not outlive a clearing.
+            // The tables can be loaded again, and can be cleared.
             EXPECT_EQ(loadAndCopy(), whole);
             ClearNameStore();
             EXPECT_EQ(loadAndCopy(), whole);
@@ -118,8 +105,8 @@ TEST(MemoryShortage, LoadLeavesTheTablesWhole) {
     ClearNameStore();
 }
 
-// All the memory that a load of the text asks for, in octets for each character. A load that copied, hashed
-// or formatted the long part of these texts for every value would not end in time.
+// The memory that a load of the text requests, in octets for each character. A load that copied, hashed or
+// formatted the long part of these texts for every value would not end in time.
 size_t LoadedOctetsPerCharacter(const std::wstring& text, size_t expectedNames) {
     const std::lock_guard lock(MibStoreLock);
     ClearNameStore();
@@ -144,48 +131,54 @@ std::wstring Repeat(std::wstring_view part, size_t times) {
     return text;
 }
 
-TEST(MemoryShortage, ManyValuesOfALongNameCostNoMoreThanTheirText) {
-    const std::wstring text =
-        std::wstring(kLong, L'n') + L" OBJECT-TYPE\n" + Repeat(L"::= { mgmt 1 }\n", kMany);
-    EXPECT_LT(LoadedOctetsPerCharacter(text, 1), kMostOctetsPerCharacter);
+std::wstring LongIdentifier() {
+    return L"big OBJECT IDENTIFIER ::= {" + Repeat(L" 1", kManyArcs) + L" -1 }\n";
 }
 
-TEST(MemoryShortage, ManyValuesBelowALongNameCostNoMoreThanTheirText) {
-    std::wstring text = std::wstring(kLong, L'n') + L" OBJECT-TYPE ::= { mgmt 1 }\n" +
-                        L"a OBJECT-TYPE ::= { " + std::wstring(kLong, L'n') + L" 1 }\n";
-    text += L"b OBJECT-TYPE\n" + Repeat(L"::= { a -1 }\n", kMany);
-    EXPECT_LT(LoadedOctetsPerCharacter(text, 2), kMostOctetsPerCharacter);
-}
-
-TEST(MemoryShortage, ManyValuesOfALongIdentifierCostNoMoreThanTheirText) {
-    const std::wstring text = L"big OBJECT IDENTIFIER ::= {" + Repeat(L" 1", kManyArcs) + L" -1 }\n" +
-                              Repeat(L"::= { big -1 }\n", kSome);
-    EXPECT_LT(LoadedOctetsPerCharacter(text, 1), kMostOctetsPerCharacter);
-}
-
-TEST(MemoryShortage, ManyChildrenOfALongIdentifierCostNoMoreThanTheirText) {
-    std::wstring text = L"big OBJECT IDENTIFIER ::= {" + Repeat(L" 1", kManyArcs) + L" -1 }\n";
-    for (int child = 0; child < kSome; ++child) {
-        const std::wstring number = std::to_wstring(child);
-        text += L"c" + number + L" OBJECT-TYPE ::= { big " + number + L" }\n";
+// `row` for 0 to kSome - 1.
+template <typename Row>
+std::wstring Rows(const Row& row) {
+    std::wstring text;
+    for (int number = 0; number < kSome; ++number) {
+        text += row(number);
     }
-    EXPECT_LT(LoadedOctetsPerCharacter(text, 1 + kSome), kMostOctetsPerCharacter);
+    return text;
 }
 
-TEST(MemoryShortage, ManyValuesEachBelowTheOneBeforeCostNoMoreThanTheirText) {
-    std::wstring text = L"c0 OBJECT IDENTIFIER ::= { mgmt 1 -1 }\n";
-    for (int place = 1; place < kSome; ++place) {
-        text += L"c" + std::to_wstring(place) + L" OBJECT IDENTIFIER ::= { c" + std::to_wstring(place - 1) +
-                L" 1 -1 }\n";
+TEST(MemoryShortage, LoadsNeedMemoryInProportionToTheirText) {
+    const std::wstring longName(kLong, L'n');
+    const auto child = [](int number) {
+        const std::wstring text = std::to_wstring(number);
+        return L"c" + text + L" OBJECT-TYPE ::= { big " + text + L" }\n";
+    };
+    const auto link = [](int number) {
+        const std::wstring parent = number == 0 ? L"mgmt" : L"c" + std::to_wstring(number - 1);
+        return L"c" + std::to_wstring(number) + L" OBJECT IDENTIFIER ::= { " + parent + L" 1 -1 }\n";
+    };
+    struct Case {
+        const char* why;
+        std::wstring text;
+        size_t names;
+    };
+    for (const Case& row :
+         {Case{"many values of a long name",
+               longName + L" OBJECT-TYPE\n" + Repeat(L"::= { mgmt 1 }\n", kMany), 1},
+          Case{"many values below a long name",
+               longName + L" OBJECT-TYPE ::= { mgmt 1 }\na OBJECT-TYPE ::= { " + longName +
+                   L" 1 }\nb OBJECT-TYPE\n" + Repeat(L"::= { a -1 }\n", kMany),
+               2},
+          Case{"many values of a long identifier", LongIdentifier() + Repeat(L"::= { big -1 }\n", kSome), 1},
+          Case{"many children of a long identifier", LongIdentifier() + Rows(child), 1 + kSome},
+          Case{"many values, each below the last", Rows(link), kSome}}) {
+        EXPECT_LT(LoadedOctetsPerCharacter(row.text, row.names), kMostOctetsPerCharacter) << row.why;
     }
-    EXPECT_LT(LoadedOctetsPerCharacter(text, kSome), kMostOctetsPerCharacter);
 }
 
 // ---- The folder and the receiver, which write files
 
 class FilesInAShortage : public testing::TestWithParam<Shortage> {
   protected:
-    // The file without the stamps its lines or records begin with; gone afterwards.
+    // The file without the stamps of its lines or records; removes it.
     static std::string TakeFile(const std::wstring& path) {
         const std::string octets = ReadOctets(path);
         RemoveFile(path);
@@ -202,7 +195,7 @@ class FilesInAShortage : public testing::TestWithParam<Shortage> {
     FreshNameStore store_;
 };
 
-// Asked on another thread: the one that holds a lock may not try it.
+// Tried on another thread: the one that holds a lock may not try it.
 bool IsFree(std::mutex& lock) {
     bool free = false;
     std::thread([&] {
@@ -223,7 +216,7 @@ std::string LogLineOfALoad() {
     return "  MIBs loaded. OID mappings: " + std::to_string(CountOidNames()) + "\r\r\n";
 }
 
-TEST_P(FilesInAShortage, LoadOfTheFolderEndsInItsLogLineAndThrowsNothing) {
+TEST_P(FilesInAShortage, LoadOfTheFolderThrowsNothingAndLogsItsLine) {
     WriteOctets(AppPaths.mibsDir + L"\\a module with a long name.mib",
                 "demo OBJECT IDENTIFIER ::= { enterprises 77 }\nname OBJECT-TYPE\n ::= { demo 1 }\n"
                 "zero OBJECT IDENTIFIER ::= { internet }\n");
@@ -259,7 +252,7 @@ TEST_P(FilesInAShortage, LoadOfTheFolderEndsInItsLogLineAndThrowsNothing) {
 
 TEST_P(FilesInAShortage, SettingsThatWereNotLoadedAreNotLoggedAsLoaded) {
     WriteOctets(AppPaths.configPath,
-                "<forwardingIp>an address that is too long to be held without memory</forwardingIp>"
+                "<forwardingIp>an address that is too long to be stored without memory</forwardingIp>"
                 "<forwardingPort>9162</forwardingPort>");
     const auto forget = [] {
         ReplaceForwarding(false, L"127.0.0.1", 162);
@@ -274,14 +267,14 @@ TEST_P(FilesInAShortage, SettingsThatWereNotLoadedAreNotLoggedAsLoaded) {
     forget();
 }
 
-constexpr Ipv4Endpoint kSender = {0xFFFEFDFC, 65535};  // longer than what a text holds without asking
+constexpr Ipv4Endpoint kSender = {0xFFFEFDFC, 65535};  // a text that is too long to be stored without memory
 
 std::vector<Octets> TrapsOfEveryKind() {
-    const Octets giant = EncodeV2Trap(std::vector<Binding>(
+    const Octets large = EncodeV2Trap(std::vector<Binding>(
         40, {"1.3.6.1.2.1.2.2.1.2.7", EncodeOctetString("an interface with a description that is long")}));
-    EXPECT_GT(giant.size(), 1500U);
+    EXPECT_GT(large.size(), 1500U);
     return {FindSample("v2_eight_bindings").octets, FindSample("v2_every_value_type").octets,
-            FindSample("v2_empty_pdu").octets, giant};
+            FindSample("v2_empty_pdu").octets, large};
 }
 
 std::vector<TrapArrival> ArriveTogether(const std::vector<Octets>& traps) {
@@ -292,7 +285,7 @@ std::vector<TrapArrival> ArriveTogether(const std::vector<Octets>& traps) {
     return arrivals;
 }
 
-// What the trap file holds, without stamps, record by record.
+// The records of the trap file without stamps; removes it.
 std::vector<std::string> TakeRecords() {
     constexpr std::string_view end = "\r\r\n\r\r\n";
     std::vector<std::string> records;
@@ -329,8 +322,7 @@ bool IsAllBut(size_t most, const std::vector<std::string>& some, const std::vect
     return found == some.end() && some.size() + most >= all.size();
 }
 
-// What fails for one trap of a batch costs at most that trap.
-TEST_P(FilesInAShortage, TrapsOfABatchAreEachRecordedWholeOrNotAtAll) {
+TEST_P(FilesInAShortage, EachTrapOfABatchIsRecordedWholeOrNotAtAll) {
     {
         const std::lock_guard lock(MibStoreLock);
         StoreNamedOid(L"a name that is too long to be stored without memory", L"1.3.6.1.2.1.2.2.1.2.7");
@@ -366,7 +358,7 @@ TEST_P(FilesInAShortage, TrapsOfABatchAreEachRecordedWholeOrNotAtAll) {
     EXPECT_GT(refused, 10U);
 }
 
-TEST_P(FilesInAShortage, AnArrivalWhoseSenderTextFindsNoMemoryCountsAllTheSame) {
+TEST_P(FilesInAShortage, AnArrivalCountsEvenWithoutMemoryForItsSender) {
     std::unique_ptr<TrapBatch> batch;
     const auto startAnew = [&] {
         batch = std::make_unique<TrapBatch>(nullptr);
