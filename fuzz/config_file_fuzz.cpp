@@ -1,6 +1,5 @@
-// Promises about a config.xml: whatever it holds, the port stays in its range; a file that reads as
-// empty changes nothing; the same file gives the same settings; and what was loaded is saved so that it
-// loads again.
+// Promises about a config.xml: whatever it contains, the port is in its range; an empty file changes nothing;
+// the same file gives the same settings; and loaded settings can be saved and loaded again.
 #include "config/config_file.h"
 
 #include <string>
@@ -26,38 +25,37 @@ void Apply(const ForwardingValues& values) {
     ReplaceForwarding(values.enabled, values.ip, values.port);
 }
 
-// What a load makes of the file that is there, over settings that tell whether it changed any.
+// Loads the file over settings that show whether it changed any.
 ForwardingValues Load() {
     Apply(kBefore);
     LoadConfig();
     return CopyForwarding();
 }
 
-// The file is on disk for every input; the log is nowhere, since an open that fails costs next to nothing.
+// The file is on disk for every input; the log cannot be opened, which is faster than writing it.
 void UseScratchFolder() {
     static const ScratchFolder folder;
     AppPaths.configPath = folder.Join(L"config.xml");
     AppPaths.logFilePath = folder.Join(L"no folder\\log.txt");
 }
 
-// An address that holds a marker of its own is saved as it is and then found instead of the program's
-// own markers.
+// An address that contains a marker is saved unchanged, and the next load finds that marker first.
 void CheckSavingAndLoading(const ForwardingValues& loaded) {
     Apply(loaded);
     SaveConfig();
     if (loaded.ip.find(L'<') == std::wstring::npos) {
-        Promise(Load() == loaded, "what was loaded is saved so that it loads again");
+        Promise(Load() == loaded, "loaded settings can be saved and loaded again");
     }
 }
 
 void CheckSettings(const ForwardingValues& loaded, const std::wstring& document) {
-    Promise(loaded.port >= 1 && loaded.port <= 65535, "the port stays in its range");
+    Promise(loaded.port >= 1 && loaded.port <= 65535, "the port is in its range");
     const bool hasMarkers = document.find(L"</") != std::wstring::npos;
     Promise(hasMarkers || loaded == (document.empty() ? kBefore : kDefaults),
             "an empty file changes nothing, one without markers gives the defaults");
     Promise(loaded.ip == kBefore.ip || loaded.ip == kDefaults.ip ||
                 document.find(L"<forwardingIp>" + loaded.ip + L"</forwardingIp>") != std::wstring::npos,
-            "the address is what stands between its markers");
+            "the address is the text between its markers");
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
-// Promises about the octets of the data files: what is written reads back; the cut and the line end stand
-// where the format says; decoding gives no more characters than there are octets; UTF-8 is taken exactly when
-// it is valid.
+// Promises about the octets of the data files: written text reads back; cut and line end are where the format
+// says; decoding gives no more characters than there are octets; octets are read as UTF-8 exactly if they are
+// valid.
 #include <algorithm>
 #include <string>
 
@@ -24,7 +24,7 @@ std::wstring MakeWideText(std::string_view octets) {
     return text;
 }
 
-// What the encoder should leave of a text, said in another way.
+// The expected octets of a text, written differently from the code under test.
 std::string EncodePlainly(std::wstring_view text, bool endLine) {
     std::wstring whole(text);
     if (endLine && !text.empty() && text.back() != L'\n') {
@@ -50,7 +50,7 @@ void CheckEncoding(const std::wstring& text) {
             "a line end is added to an uncut text that has none");
 }
 
-// A text that came out of a file has no character that cannot go back into one.
+// A text that was read from a file has only characters that can be written.
 void CheckReadingBack(std::string_view octets) {
     std::wstring text = L"leftover";
     DecodeFileText(octets, text);
@@ -60,11 +60,10 @@ void CheckReadingBack(std::string_view octets) {
     EncodeFileText(text, written);
     std::wstring again;
     DecodeFileText(written, again);
-    Promise(again == text, "what is written reads back");
+    Promise(again == text, "written text reads back");
 }
 
-// UTF-8 of the wide text, by the definition of the encoding; surrogate pairs count as one where they
-// are used.
+// The UTF-8 of the wide text; a surrogate pair is one character.
 std::string EncodeAsUtf8(const std::wstring& text) {
     std::string octets;
     for (size_t index = 0; index < text.size(); ++index) {
@@ -84,7 +83,7 @@ std::string EncodeAsUtf8(const std::wstring& text) {
     return octets;
 }
 
-bool HoldsNoLoneSurrogate(const std::wstring& text) {
+bool HasNoLoneSurrogate(const std::wstring& text) {
     bool highBefore = false;
     for (const wchar_t character : text) {
         const auto code = static_cast<uint32_t>(character);
@@ -104,10 +103,10 @@ void CheckUtf8OrAnsi(std::string_view octets) {
     const bool valid = DecodeUtf8(octets, strict);
     DecodeUtf8OrAnsi(octets, either);
     DecodeAnsi(octets, ansi);
-    Promise(either == (valid ? strict : ansi), "UTF-8 exactly when it is valid, else the ANSI code page");
+    Promise(either == (valid ? strict : ansi), "UTF-8 exactly if valid, else the ANSI code page");
     Promise(either.size() <= octets.size(), "no more wide characters than octets");
     if (valid) {
-        Promise(HoldsNoLoneSurrogate(strict), "only scalar values come out of UTF-8");
+        Promise(HasNoLoneSurrogate(strict), "UTF-8 gives only scalar values");
         Promise(EncodeAsUtf8(strict) == octets, "only the shortest form is UTF-8");
     }
 }

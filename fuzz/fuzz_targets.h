@@ -1,7 +1,6 @@
-// What is done with octets that come from outside, one function for each of their kinds. Each keeps nothing
-// from one call to the next and ends the process, saying why, when a promise that the engine makes is not
-// kept. A fuzzer calls one of them with what it thinks up; the replay calls all of them with the files of
-// the corpora.
+// One check for each kind of input from outside. A check has no state between calls and aborts with a message
+// when the engine breaks one of its promises. A fuzzer calls one of them with its inputs; the replay calls
+// all of them with the files of the corpora.
 #pragma once
 
 #include <cstddef>
@@ -16,5 +15,5 @@ void CheckMibText(const uint8_t* octets, size_t size);
 // A config.xml, loaded, saved and loaded again.
 void CheckConfigFile(const uint8_t* octets, size_t size);
 
-// A data file as the viewers decode it, and a text as the data files hold it.
+// A data file as the viewers decode it, and a text as it is written to the data files.
 void CheckFileText(const uint8_t* octets, size_t size);

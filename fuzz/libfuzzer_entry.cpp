@@ -1,4 +1,4 @@
-// The one function that libFuzzer asks for; the build says which check is behind it.
+// The function that libFuzzer calls; the build defines which check it runs.
 #include "fuzz/fuzz_targets.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* octets, size_t size) {

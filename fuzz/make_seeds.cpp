@@ -1,6 +1,6 @@
-// Writes the seed corpora: small octets of every kind that the fuzzers start from and the replay runs. Run it
-// after changing a seed here or a sample message, and commit what it wrote; what a fuzzer found is added by
-// hand. Usage: quillmont_make_seeds CORPUS_FOLDER
+// Writes the seed corpora: small inputs of every kind, from which the fuzzers start and which the replay
+// runs. Run it after changing a seed here or a sample message and commit the result; findings of a fuzzer are
+// added by hand. Usage: quillmont_make_seeds CORPUS_FOLDER
 #include <cstdio>
 #include <string>
 #include <string_view>

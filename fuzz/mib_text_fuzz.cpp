@@ -61,7 +61,7 @@ bool LiesWithin(std::wstring_view part, std::wstring_view whole) {
            (part.data() >= whole.data() && part.data() + part.size() <= whole.data() + whole.size());
 }
 
-// The tools under the parser, on a whole text as one line.
+// The functions below the parser, on a whole text as one line.
 void CheckLineTools(std::wstring_view line) {
     Promise(StripComment(line).find(L"--") == std::wstring_view::npos, "no comment is left");
     Promise(LiesWithin(LeadingIdentifier(line), line), "an identifier is in its line");

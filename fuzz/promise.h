@@ -1,12 +1,12 @@
-// How a check says that a promise was broken.
+// How a check reports a broken promise.
 #pragma once
 
 #include <cstdio>
 #include <cstdlib>
 
-// Ends the process unless `kept`. An abort, since that is what a fuzzer takes for a finding.
-inline void Promise(bool kept, const char* promise) {
-    if (!kept) {
+// Aborts, which a fuzzer counts as a finding, unless `isTrue`.
+inline void Promise(bool isTrue, const char* promise) {
+    if (!isTrue) {
         std::fprintf(stderr, "Promise broken: %s\n", promise);
         std::fflush(stderr);
         std::abort();

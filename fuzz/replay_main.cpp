@@ -1,6 +1,5 @@
-// Runs the checks over the committed corpora, and over the octets that broke one: what the fuzzers found once
-// stays found in every build, also in those that have no fuzzer. Usage: quillmont_corpus_replay CORPUS_FOLDER
-// [TARGET...]; each target has a folder of its name in there.
+// Runs the checks on the committed corpora, which include former findings, in builds without a fuzzer. Usage:
+// quillmont_corpus_replay CORPUS_FOLDER [TARGET...]; each target has a folder of its name in there.
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -35,7 +34,7 @@ void CheckCopy(const FuzzTarget& target, const std::string& octets, size_t size)
     target.check(fenced.data(), fenced.size());
 }
 
-// The whole file, and its first half, which mostly ends in the middle of something.
+// The whole file, and its first half, which usually ends inside an element.
 bool ReplayFile(const FuzzTarget& target, const std::wstring& path) {
     std::string octets;
     if (!ReadOctetsFrom(path, 0, octets)) {

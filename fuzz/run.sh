@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Runs every fuzzer, or those named, for a while, two at a time, and reports executions, coverage and new findings.
 # Usage: fuzz/run.sh MINUTES [FUZZER...]        (minutes for each fuzzer, so twice as long for all four)
-# What the fuzzers learnt stays in build/fuzz/run for the next run. Exit code 1: there is a new finding.
+# The corpora grown by the fuzzers remain in build/fuzz/run for the next run. Exit code 1: there is a new finding.
 set -euo pipefail
 
 minutes="${1:-}"
@@ -23,11 +23,11 @@ if [[ $# -gt 0 ]]; then
 fi
 run=build/fuzz/run
 
-# The directory for files that live for one input only: in memory where there is such a place.
+# For temporary files: in memory if possible.
 scratch="$(mktemp -d -p "$([[ -w /dev/shm ]] && echo /dev/shm || echo "${TMPDIR:-/tmp}")")"
 trap 'kill $(jobs -p) 2>/dev/null || true; rm -rf "$scratch"' EXIT
 export TMPDIR="$scratch"
-# Little memory kept back to catch late uses: clearing it would take most of the time.
+# A small quarantine: clearing a large one would take most of the time.
 export ASAN_OPTIONS="quarantine_size_mb=8:${ASAN_OPTIONS:-}"
 
 scripts/packages.sh build test check
@@ -37,7 +37,7 @@ CountFindings() {
     find "$run/findings/$1" -type f | wc -l
 }
 
-# FuzzOne TARGET: what it prints goes to a file; a finding ends it early, with octets in the findings folder.
+# FuzzOne TARGET: its output goes to a file; a finding ends it early and is written to the findings folder.
 FuzzOne() {
     "build/fuzz/fuzz/quillmont_$1_fuzz" "$run/corpus/$1" "fuzz/corpus/$1" \
         -dict="fuzz/dictionaries/$1.dict" -artifact_prefix="$run/findings/$1/" \
@@ -71,6 +71,6 @@ for target in "${targets[@]}"; do
 done
 
 if [[ $findings -gt 0 ]]; then
-    echo "New findings are in $run/findings, what the fuzzers said of them in $run/*.log." >&2
+    echo "New findings are in $run/findings, the fuzzers' output in $run/*.log." >&2
     exit 1
 fi

@@ -1,6 +1,6 @@
-// Promises about a datagram: it decodes exactly when there is a record; the same octets give the same
-// records; octets behind the message change nothing; there are no more records than the octets have room for;
-// and the record text has the shape that docs/file-formats.md states and stays in proportion to the datagram.
+// Promises about a datagram: it decodes exactly if there is a record; the same octets give the same records;
+// octets after the message change nothing; there are no more records than fit into the octets; and the record
+// text has the shape that docs/file-formats.md states and a length in proportion to the datagram.
 #include <algorithm>
 #include <cwchar>
 #include <string>
@@ -42,8 +42,8 @@ bool AreEqual(const std::vector<VarbindRecord>& first, const std::vector<Varbind
                       [](const auto& one, const auto& other) { return AreEqual(one, other); });
 }
 
-// Where the message ends by its own outer length; the whole size when that says nothing usable. Written
-// without the reader under test.
+// The end of the message by its outer length; the whole size if that is unusable. Written without the reader
+// under test.
 size_t FindMessageEnd(const uint8_t* octets, size_t size) {
     if (size < 2 || octets[1] < 0x80) {
         return size < 2 ? size : std::min<size_t>(size, 2U + octets[1]);
@@ -64,14 +64,14 @@ void CheckTrailingOctets(const uint8_t* octets, size_t size, const std::vector<V
     std::vector<VarbindRecord> again;
     const std::vector<uint8_t> cut(octets, octets + end);
     DecodeSnmpMessage(cut.data(), cut.size(), again);
-    Promise(AreEqual(again, records), "octets behind the message change nothing (without them)");
+    Promise(AreEqual(again, records), "octets after the message change nothing (without them)");
     if (records.empty()) {
         return;  // a message cut short may become one with what follows
     }
     std::vector<uint8_t> longer(octets, octets + size);
     longer.insert(longer.end(), {0x30, 0x06, 0x06, 0x01, 0x2B, 0x02, 0x01, 0x01});
     DecodeSnmpMessage(longer.data(), longer.size(), again);
-    Promise(AreEqual(again, records), "octets behind the message change nothing (with more of them)");
+    Promise(AreEqual(again, records), "octets after the message change nothing (with more of them)");
 }
 
 bool IsDottedDecimal(std::wstring_view text) {
@@ -107,7 +107,7 @@ void CheckRecord(const VarbindRecord& record) {
     }
 }
 
-// What a line of the text is to be, put together in another way than by the code under test.
+// The expected line of the text, built differently from the code under test.
 std::wstring BuildLine(size_t number, const VarbindRecord& record) {
     std::wstring line = L"---> [" + std::to_wstring(number) + L"] " + record.oid;
     line += record.name.empty() ? L"" : L" (" + record.name + L")";
@@ -132,7 +132,7 @@ void CheckSnmpMessage(const uint8_t* octets, size_t size) {
     std::vector<VarbindRecord> records;
     const bool decoded = DecodeSnmpMessage(octets, size, records);
     Promise(decoded == !records.empty(), "true exactly when a record exists");
-    Promise(records.size() <= size / kSmallestBinding, "no more records than the octets have room for");
+    Promise(records.size() <= size / kSmallestBinding, "no more records than fit into the octets");
     std::vector<VarbindRecord> reused = records;
     Promise(DecodeSnmpMessage(octets, size, reused) == decoded, "the same octets give the same result");
     Promise(AreEqual(reused, records), "the same octets give the same records");

@@ -144,7 +144,7 @@ TEST_F(PosixFaults, LinksCountAsTheirTargets) {
     EXPECT_EQ(ListMibFiles(), std::vector<std::wstring>{L"file.mib"});
 }
 
-// Opening a pipe that nobody writes to would wait for ever.
+// Opening a pipe without a writer would never return.
 TEST_F(PosixFaults, APipeNamedLikeAMibFileIsNotOpened) {
     ASSERT_EQ(mkfifo((PosixPath(AppPaths.mibsDir) / "pipe.mib").c_str(), 0600), 0);
     WriteMib("real.mib", "real");

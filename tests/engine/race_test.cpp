@@ -35,7 +35,7 @@ class Loop {
         : thread_([this, step]() mutable {
               while (!end_) {
                   step();
-                  ++turns_;
+                  ++rounds_;
                   std::this_thread::yield();
               }
           }) {}
@@ -43,7 +43,7 @@ class Loop {
     Loop(const Loop&) = delete;
     Loop& operator=(const Loop&) = delete;
 
-    int turns() const { return turns_; }
+    int rounds() const { return rounds_; }
     void Stop() {
         end_ = true;
         if (thread_.joinable()) {
@@ -53,7 +53,7 @@ class Loop {
 
   private:
     std::atomic<bool> end_{false};
-    std::atomic<int> turns_{0};
+    std::atomic<int> rounds_{0};
     std::thread thread_;  // last: it uses the others
 };
 
@@ -111,7 +111,7 @@ TEST_F(Races, TwoHundredStartsAndStopsUnderTrafficWithABusyOperatorAreLoggedWhol
         EXPECT_TRUE(WaitForLogLines(message, kRounds)) << message;
         EXPECT_EQ(CountLogLines(message), static_cast<size_t>(kRounds)) << message;
     }
-    EXPECT_EQ(CountLogLines("Config saved."), static_cast<size_t>(operatorActions.turns()));
+    EXPECT_EQ(CountLogLines("Config saved."), static_cast<size_t>(operatorActions.rounds()));
     EXPECT_GE(CountLogLines("Trap received (127.0.0.1)."), static_cast<size_t>(kRounds / 2));
     EXPECT_GT(CountLogLines("Datagram on UDP 161 from 127.0.0.1."), 0U);
     for (const std::string& record : TrapRecords()) {

@@ -1,6 +1,6 @@
-// The file of names that comes with the program, standard-names.mib: that it names what it is for, that no
-// other file can spoil it, and that it spoils no other. QUILLMONT_MIB_FOLDER names other MIB files to hold
-// it beside.
+// The file of names that comes with the program, standard-names.mib: it names the bindings of standard traps,
+// no other file can break it, and it breaks no other. QUILLMONT_MIB_FOLDER is a folder of other MIB files to
+// load with it.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -126,8 +126,8 @@ void SortAsWindowsReads(Paths& files) {
               [&](const auto& left, const auto& right) { return key(left) < key(right); });
 }
 
-// The bindings that a notification has, with what an agent or a forwarder adds in front and behind, and the
-// names that they should get.
+// The bindings of a notification, with those that an agent or a forwarder adds before and after them, and
+// their expected names.
 struct Notification {
     std::vector<Binding> bindings;
     Paths names;
@@ -208,10 +208,10 @@ TEST_F(StandardNamesTest, EveryInstanceOfTheTableHasItsNameAndNothingElseHasOne)
     }
 }
 
-TEST_F(StandardNamesTest, NoOtherFileBreaksThem) {
+TEST_F(StandardNamesTest, OtherFilesDoNotBreakThem) {
     const ScratchFolder folder;
-    // What real files do: a sequence that takes the entry's place, a column of that name elsewhere, built-in
-    // names defined anew.
+    // As in real files: a sequence that replaces the entry, a column of that name elsewhere, redefined
+    // built-in names.
     const std::wstring other = folder.Join(L"OTHER-MIB.mib");
     WriteOctets(other,
                 "interfaces OBJECT IDENTIFIER ::= { enterprises 1 }\n"
@@ -230,8 +230,8 @@ TEST_F(StandardNamesTest, NoOtherFileBreaksThem) {
     }
 }
 
-// Which of two names an identifier gets is decided by the order: a file that is read earlier gives its own.
-// So the steps can show where a folder's order puts the file in front of the object's own.
+// The first file that names an identifier wins, so the steps are shown if the folder's order puts the file
+// before the object's own.
 TEST_F(StandardNamesTest, StepsGiveAnObjectItsNameOnlyWhenReadBeforeItsFile) {
     const ScratchFolder folder;
     const std::wstring interfaces = folder.Join(L"IF-MIB.txt");
@@ -247,8 +247,8 @@ TEST_F(StandardNamesTest, StepsGiveAnObjectItsNameOnlyWhenReadBeforeItsFile) {
     EXPECT_EQ(NameOf(L"1.3.6.1.2.1.33.1.2.2.0"), L"upsSecondsOnBattery-0");
 }
 
-// Holds the file beside those of a folder.
-class BesideOtherFiles : public StandardNamesTest {
+// Loads the file with those of a folder.
+class WithOtherFiles : public StandardNamesTest {
   protected:
     void SetUp() override {
         const char* folder = std::getenv("QUILLMONT_MIB_FOLDER");
@@ -265,8 +265,8 @@ class BesideOtherFiles : public StandardNamesTest {
         before_ = StoredNames();
     }
 
-    // The identifiers whose name is another one beside the file. Fails for one that has lost its name,
-    // for one that got a name which is not the file's, and for one of the file's that has none.
+    // The identifiers whose name changes with the file. Fails for one that lost its name, for one whose new
+    // name is not the file's, and for one of the file's without a name.
     std::set<std::wstring> ChangedIn(const Paths& order) {
         Load(order);
         Names together = StoredNames();
@@ -295,7 +295,7 @@ class BesideOtherFiles : public StandardNamesTest {
     Names before_;
 };
 
-TEST_F(BesideOtherFiles, NoIdentifierLosesItsNameWhateverTheOrder) {
+TEST_F(WithOtherFiles, NoIdentifierLosesItsNameInAnyOrder) {
     Paths order = others_;
     order.push_back(StandardNames());
     EXPECT_EQ(ChangedIn(order), std::set<std::wstring>());

@@ -13,7 +13,7 @@ template <typename Action>
 bool WaitsFor(std::mutex& lock, Action action) {
     std::atomic<bool> started{false};
     std::atomic<bool> ended{false};
-    std::unique_lock hold(lock);
+    std::unique_lock held(lock);
     std::thread other([&] {
         started = true;
         action();
@@ -27,7 +27,7 @@ bool WaitsFor(std::mutex& lock, Action action) {
         std::this_thread::yield();
     }
     const bool waited = !ended;
-    hold.unlock();
+    held.unlock();
     other.join();
     return waited;
 }

@@ -10,7 +10,7 @@ constexpr uint32_t kLoopback = 0x7F000001;
 constexpr uint16_t kTrapPort = 162;
 
 // Bound to 127.0.0.1 and a port that the system chooses: Windows' firewall asks about a program that
-// listens on all addresses. Needs StartSocketLibrary. Whatever fails here fails the test.
+// listens on all addresses. Needs StartSocketLibrary. Every failure here fails the test.
 class LoopbackClient {
   public:
     LoopbackClient();

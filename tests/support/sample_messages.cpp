@@ -127,11 +127,11 @@ SampleMessage LongLengths() {
 SampleMessage TrailingOctetsEverywhere() {
     const Octets junk = {0xFF};
     const Octets binding = EncodeSequence(
-        {EncodeOid(TwoBindings()[0].oid), TwoBindings()[0].value, EncodeOctetString("behind the value")});
+        {EncodeOid(TwoBindings()[0].oid), TwoBindings()[0].value, EncodeOctetString("after the value.")});
     const Octets list = EncodeElement(ber::kSequence, Concatenate({binding, junk}));
     const Octets pdu = EncodeV2Pdu(ber::kV2TrapPdu, Concatenate({list, junk}));
     const Octets message = EncodeSequence({EncodeInteger(1), EncodeOctetString("public"), pdu, junk});
-    return {"v2_octets_behind_everything", Concatenate({message, {0xDE, 0xAD}}), {TwoLines()[0]}};
+    return {"v2_octets_after_everything", Concatenate({message, {0xDE, 0xAD}}), {TwoLines()[0]}};
 }
 
 SampleMessage ManyBindings() {
@@ -157,7 +157,7 @@ std::vector<SampleMessage> BuildMalformedSamples() {
         {"text_instead_of_a_message", EncodeOctetString("this is not a message"), {}},
         {"v2_empty_binding_list", EncodeV2Trap({}), {}},
         {"v1_empty_binding_list", EncodeV1Trap({}), {}},
-        {"v2_null_behind_the_list",
+        {"v2_null_after_the_list",
          EncodeMessage(1, EncodeV2Pdu(ber::kV2TrapPdu, Concatenate({list, EncodeNull()}))),
          {}},
         {"v2_empty_pdu", EncodeMessage(1, {ber::kV2TrapPdu, 0}), {}},

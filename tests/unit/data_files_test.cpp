@@ -140,7 +140,7 @@ TEST_F(ActivityLogTest, LineIsStampTwoBlanksMessageAndThreeOctetLineEnd) {
     const std::string log = ReadOctets(AppPaths.logFilePath);
     ASSERT_TRUE(IsStamp(log.substr(0, kStampLength))) << log;
     EXPECT_EQ(log.substr(kStampLength, 18), "  Config saved.\r\r\n");
-    EXPECT_EQ(log.substr(18 + 2 * kStampLength), "  one\r\n\r\r\n") << "gets its own line end all the same";
+    EXPECT_EQ(log.substr(18 + 2 * kStampLength), "  one\r\n\r\r\n") << "a line end is always added";
 }
 
 TEST_F(ActivityLogTest, CharacterAbove0xFFCutsTheLineAndTheNextOneContinuesIt) {

@@ -1,5 +1,5 @@
 // Files that another program has open: an editor, a log shipper, a backup. Built for Windows only, where a
-// program that does not share a file keeps the others out.
+// program can open a file without sharing it.
 #include <gtest/gtest.h>
 
 #include <string>

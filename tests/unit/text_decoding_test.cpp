@@ -22,7 +22,7 @@ std::wstring DecodeEither(std::string_view octets) {
     return text;
 }
 
-// The octets of a code point, whether UTF-8 may hold it or not.
+// The octets of a code point, valid in UTF-8 or not.
 std::string EncodeCodePoint(uint32_t codePoint, int size) {
     const uint32_t leads[] = {0, 0x00, 0xC0, 0xE0, 0xF0};
     std::string octets;
