@@ -1,5 +1,5 @@
-// The receiver as a whole on its real ports, with a separate data folder. The ports are fixed, so these programs run
-// where they are free: in a network namespace or a fresh Wine prefix inside one.
+// The receiver as a whole on its real ports, with a separate data folder. The ports are fixed, so these
+// programs run where they are free: in a network namespace or a fresh Wine prefix inside one.
 #pragma once
 
 #include <gtest/gtest.h>

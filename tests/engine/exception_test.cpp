@@ -8,7 +8,6 @@
 #include "platform/clock.h"
 #include "tests/engine/engine_fixture.h"
 #include "trap/server_control.h"
-#include "trap/server_state.h"
 
 namespace {
 
@@ -124,20 +123,6 @@ TEST_P(Exceptions, OneAtTheStartOfAWorkerLosesItsFirstLineOnly) {
     EXPECT_EQ(
         CountLogLines("Trap thread started (UDP 162).") + CountLogLines("Listener thread started (UDP 161)."),
         1U);
-}
-
-TEST_P(Exceptions, ManyInARowEndNothing) {
-    StartAndWaitForBothWorkers();
-    for (int count = 0; count < 100; ++count) {
-        ThrowAfter(kArrivalReadings);
-        client_.Send(Sample("v2_link_down"));
-        ASSERT_TRUE(WaitForFault()) << count;
-    }
-    client_.Send(Sample("v2_link_down"));
-    EXPECT_TRUE(WaitForTraps(1));
-    StopServer();
-    EXPECT_EQ(CountLogLines("Trap thread stopped."), 1U);
-    EXPECT_EQ(CountLogLines("Listener thread stopped (UDP 161)."), 1U);
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, Exceptions, ::testing::Values(Fault::NoMemory, Fault::RefusedLock),

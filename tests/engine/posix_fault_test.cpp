@@ -2,7 +2,6 @@
 // process that is killed while it writes.
 #include <algorithm>
 #include <csignal>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -16,7 +15,6 @@
 
 #include "config/config_file.h"
 #include "config/forwarding_settings.h"
-#include "core/activity_log.h"
 #include "core/app_paths.h"
 #include "core/data_files.h"
 #include "mib/mib_folder.h"
@@ -26,7 +24,6 @@
 #include "tests/engine/engine_fixture.h"
 #include "tests/support/stamps.h"
 #include "trap/server_control.h"
-#include "trap/server_state.h"
 
 namespace {
 

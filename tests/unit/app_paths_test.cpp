@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "core/data_files.h"
 #include "platform/files.h"
 #include "platform/folders.h"
 #include "tests/support/scratch_folder.h"

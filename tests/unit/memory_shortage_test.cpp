@@ -3,10 +3,9 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
+#include <map>
 #include <memory>
 #include <mutex>
-#include <new>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -16,7 +15,6 @@
 #include "config/forwarding_settings.h"
 #include "core/activity_log.h"
 #include "core/app_paths.h"
-#include "core/file_text.h"
 #include "mib/mib_folder.h"
 #include "mib/mib_parser.h"
 #include "mib/name_store.h"

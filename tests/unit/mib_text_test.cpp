@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <limits>
 #include <string>
-#include <vector>
 
 #include "tests/support/mib_tables.h"
 #include "tests/support/scratch_folder.h"

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cwchar>
 #include <utility>
 
 #include "tests/support/ber_encoder.h"
@@ -415,7 +414,6 @@ Octets Cut(const Octets& octets, size_t size) {
 constexpr size_t kSmallestBinding = 4;
 
 constexpr int kDownToTheList = 3;
-constexpr int kDownToTheBinding = 4;
 
 TEST(CutMessage, IsNotDecodedAtAnyLength) {
     for (const SampleMessage& sample : SampleMessages()) {
@@ -458,25 +456,6 @@ TEST(CutMessage, WithRepairedOuterLengthsDecodesItsWholeBindings) {
         }
         EXPECT_EQ(most, whole.size() - 1) << "the cuts did not reach the list";
     }
-}
-
-TEST(CutMessage, WithRepairedBindingLosesAtMostItsValue) {
-    const SampleMessage& sample = FindSample("v2_eight_bindings");
-    const Lines whole = Decode(sample.octets);
-    size_t withoutValue = 0;
-    for (size_t size = 0; size < sample.octets.size(); ++size) {
-        Octets cut = Cut(sample.octets, size);
-        RepairLengths(cut, 0, kDownToTheBinding);
-        Lines left = Decode(cut);
-        if (!left.empty() && left.back().ends_with(L"||(no value)|")) {
-            const std::wstring oid = left.back().substr(0, left.back().find(L'|') + 1);
-            EXPECT_TRUE(whole[left.size() - 1].starts_with(oid)) << "cut at " << size;
-            left.pop_back();
-            ++withoutValue;
-        }
-        EXPECT_TRUE(std::equal(left.begin(), left.end(), whole.begin())) << "cut at " << size;
-    }
-    EXPECT_GE(withoutValue, whole.size()) << "the cuts did not reach the bindings";
 }
 
 }  // namespace

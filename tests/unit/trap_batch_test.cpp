@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -183,15 +182,6 @@ TEST_F(TrapBatches, StoreEachDatagramWithItsSenderAndTime) {
     EXPECT_TRUE(batch_->arrivals().empty());
 }
 
-TEST_F(TrapBatches, RecordTheLastTrapOnArrival) {
-    ServerState.lastTrapTick = 0;
-    Add(1, 0);
-    EXPECT_NE(ServerState.lastTrapTick, 0U);
-    EXPECT_EQ(CopyLastTrapSender(), L"10.1.2.3:49152");
-    Add(1, 0, {0x7F000001, 162});
-    EXPECT_EQ(CopyLastTrapSender(), L"127.0.0.1:162");
-}
-
 TEST_F(TrapBatches, AreFullAt256Datagrams) {
     for (int count = 0; count < 256; ++count) {
         EXPECT_FALSE(batch_->Room().empty()) << count;
@@ -262,15 +252,6 @@ class Processing : public Batches {
             octets.append(character == L'\n' ? "\r" : "").push_back(static_cast<char>(character));
         }
         return kFrom + octets;
-    }
-
-    // Two lines for each of `count` traps.
-    static Lines ReceivedAndFailed(size_t count) {
-        Lines lines;
-        for (size_t trap = 0; trap < count; ++trap) {
-            lines.insert(lines.end(), {kReceived, kFailed});
-        }
-        return lines;
     }
 
     static void NoteAppends() {
@@ -379,30 +360,21 @@ TEST_F(Processing, EverythingIsWrittenBeforeASendWaits) {
     EXPECT_EQ(LogLines(), (Lines{kReceived, kReceived, kFailed, kReceived, kReceived, kReceived, kReceived}));
 }
 
-TEST_F(Processing, SwitchingForwardingOffWhileASendWaitsAppliesToTheNextTrap) {
-    ReplaceForwarding(true, L"10.0.0.7", 9162);
-    Fake.sendResults = {SendResult::Sent, SendResult::NoRoom};
-    Fake.onWaitForRoom = [] {
-        ReplaceForwarding(false, L"10.0.0.7", 9162);
-        return true;
-    };
-    Process(Numbered(10));
-    EXPECT_EQ(Fake.attempts.size(), 3U) << "one for the first, two for the one that waited";
-    EXPECT_EQ(LogLines(), Lines(10, kReceived));
-}
-
-TEST_F(Processing, ANewTargetWhileASendWaitsAppliesToTheNextTrap) {
-    ReplaceForwarding(true, L"10.0.0.7", 9162);
-    Fake.sendResults = {SendResult::NoRoom};
-    Fake.onWaitForRoom = [] {
-        ReplaceForwarding(true, L"10.0.0.8", 162);
-        return true;
-    };
-    Process(Numbered(3));
-    ASSERT_EQ(Fake.attempts.size(), 4U);
-    EXPECT_EQ(Fake.attempts[1].target.address, 7U) << "the send that waited";
-    EXPECT_EQ(Fake.attempts[2].target.address, 8U);
-    EXPECT_EQ(Fake.attempts[3].target.address, 8U);
+TEST_F(Processing, SettingsChangedWhileASendWaitsApplyToTheNextTrap) {
+    for (const bool enabled : {true, false}) {
+        ReplaceForwarding(true, L"10.0.0.7", 9162);
+        Fake.attempts.clear();
+        Fake.sendResults = {SendResult::NoRoom};
+        Fake.onWaitForRoom = [enabled] {
+            ReplaceForwarding(enabled, L"10.0.0.8", 162);
+            return true;
+        };
+        Process(Numbered(3));
+        ASSERT_EQ(Fake.attempts.size(), enabled ? 4U : 2U);
+        EXPECT_EQ(Fake.attempts[1].target.address, 7U) << "the send that waited";
+        EXPECT_EQ(Fake.attempts.back().target.address, enabled ? 8U : 7U);
+    }
+    EXPECT_EQ(LogLines(), Lines(6, kReceived));
 }
 
 TEST_F(Processing, ASendThatFailsAfterWaitingIsOneFailure) {
@@ -426,7 +398,8 @@ TEST_F(Processing, AStopLogsAFailureForEachTrapWithoutRoom) {
     EXPECT_EQ(Fake.attempts.size(), 4U) << "one attempt each";
     EXPECT_EQ(std::count(Fake.steps.begin(), Fake.steps.end(), "append log.txt"), 2)
         << "before the wait, and the rest together";
-    EXPECT_EQ(LogLines(), ReceivedAndFailed(4));
+    EXPECT_EQ(LogLines(),
+              (Lines{kReceived, kFailed, kReceived, kFailed, kReceived, kFailed, kReceived, kFailed}));
     EXPECT_EQ(TrapFile(), Records(4));
 }
 
