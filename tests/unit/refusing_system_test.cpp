@@ -29,7 +29,8 @@ struct System {
     int transferThatFails = 0;      // 1: the first; 0: none
     int transferThatMovesNothing = 0;
     bool refusesToCut = false;
-    int searches = 0;  // for the next entry of a folder
+    bool claimsFourGibibytes = false;  // for each file, and 5 octets
+    int searches = 0;                  // for the next entry of a folder
     int searchThatFails = 0;
     bool refusesThreads = false;
     bool waitsFail = false;
@@ -105,6 +106,17 @@ BOOL WINAPI Cut(HANDLE file) {
     return wanted.refusesToCut ? Refuse(ERROR_USER_MAPPED_FILE) : real(file);
 }
 
+BOOL WINAPI QueryAttributes(LPCWSTR path, GET_FILEEX_INFO_LEVELS level, LPVOID attributes) {
+    static const auto real = RealFunction<decltype(&GetFileAttributesExW)>("GetFileAttributesExW");
+    const BOOL known = real(path, level, attributes);
+    if (known && wanted.claimsFourGibibytes) {
+        auto* data = static_cast<WIN32_FILE_ATTRIBUTE_DATA*>(attributes);
+        data->nFileSizeHigh = 1;
+        data->nFileSizeLow = 5;
+    }
+    return known;
+}
+
 BOOL WINAPI FindNext(HANDLE search, LPWIN32_FIND_DATAW data) {
     static const auto real = RealFunction<decltype(&FindNextFileW)>("FindNextFileW");
     return ++wanted.searches == wanted.searchThatFails ? Refuse(ERROR_NETNAME_DELETED) : real(search, data);
@@ -132,6 +144,7 @@ decltype(&DeleteFileW) __imp_DeleteFileW = Delete;
 decltype(&WriteFile) __imp_WriteFile = Write;
 decltype(&ReadFile) __imp_ReadFile = Read;
 decltype(&SetEndOfFile) __imp_SetEndOfFile = Cut;
+decltype(&GetFileAttributesExW) __imp_GetFileAttributesExW = QueryAttributes;
 decltype(&FindNextFileW) __imp_FindNextFileW = FindNext;
 decltype(&CreateThread) __imp_CreateThread = MakeThread;
 decltype(&WaitForSingleObject) __imp_WaitForSingleObject = Wait;
@@ -276,6 +289,11 @@ TEST_F(RefusingSystem, AFileThatShrinksDuringTheReadIsReadToItsEnd) {
     std::string octets;
     EXPECT_TRUE(ReadOctetsFrom(file_, 0, octets));
     EXPECT_EQ(octets, kText.substr(0, size_t{2} * kPart));
+}
+
+TEST_F(RefusingSystem, ASizeHasMoreThan32Bits) {
+    wanted.claimsFourGibibytes = true;
+    EXPECT_EQ(QueryFileSize(file_), 0x100000005U);
 }
 
 TEST_F(RefusingSystem, ASearchThatBreaksOffFails) {
