@@ -1,6 +1,7 @@
 #include "mib/mib_folder.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cwchar>
 #include <cwctype>
 
@@ -47,7 +48,9 @@ void LoadMibFolder() {
     } catch (...) {
         // Out of memory. The names stored so far are valid and remain.
     }
-    RunGuarded([] { LogMessage(L"MIBs loaded. OID mappings: " + std::to_wstring(OidNameMap.size())); });
+    RunGuarded([] {
+        LogMessage(L"MIBs loaded. OID mappings: " + std::to_wstring(static_cast<int32_t>(OidNameMap.size())));
+    });
 }
 
 std::vector<std::wstring> ListMibFiles() {

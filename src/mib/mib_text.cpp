@@ -45,9 +45,11 @@ std::vector<std::wstring_view> SplitBracedWords(std::wstring_view statement) {
 
 std::wstring ReadMibText(const std::wstring& path) {
     std::string octets;
-    // The size is checked first: a trap file imported by mistake can be larger than the memory.
-    if (QueryFileSize(path).value_or(0) <= kMaxOctets) {
-        ReadOctetsFrom(path, 0, octets);
+    // The size is checked first: a trap file imported by mistake can be larger than the memory. Then the open
+    // file's own: a folder lists 0 for a symbolic link.
+    if (QueryFileSize(path).value_or(0) <= kMaxOctets &&
+        ReadOctetsFrom(path, 0, octets, kMaxOctets).value_or(0) > kMaxOctets) {
+        octets.clear();
     }
     std::wstring text;
     DecodeUtf8OrAnsi(octets, text);

@@ -16,11 +16,6 @@ namespace {
 
 constexpr size_t kMaxParentSteps = 64;
 
-struct OidHash {
-    size_t operator()(const Oid& oid) const {
-        return std::hash<const Oid*>{}(oid.parent) * 1'000'003 + static_cast<uint32_t>(oid.arc);
-    }
-};
 std::unordered_set<Oid, OidHash> Oids;
 
 struct BuiltinName {
@@ -60,11 +55,24 @@ const Oid* StoreBuiltinOid(std::wstring_view name) {
     return oid;
 }
 
-// Whether `text` is `arc` in plain decimal: without leading zeros and not clamped by ParseDecimalInt.
-bool IsWrittenAs(int32_t arc, std::wstring_view text) {
-    std::wstring digits;
-    AppendSignedDecimal(digits, arc);
-    return text == digits;
+// Parses an arc in plain decimal. False if `text` is anything else: with leading zeros, out of range, empty.
+bool ReadExactArc(std::wstring_view text, int32_t& arc) {
+    constexpr size_t kMostDigits = 10;
+    const bool negative = text.starts_with(L'-');
+    const std::wstring_view digits = text.substr(negative ? 1 : 0);
+    if (digits.empty() || digits.size() > kMostDigits || (digits.front() == L'0' && text != L"0")) {
+        return false;
+    }
+    int64_t value = 0;
+    for (const wchar_t digit : digits) {
+        if (digit < L'0' || digit > L'9') {
+            return false;
+        }
+        value = value * 10 + (digit - L'0');
+    }
+    value = negative ? -value : value;
+    arc = static_cast<int32_t>(value);
+    return arc == value;
 }
 
 // Returns the stored identifier with exactly this text, or null.
@@ -72,10 +80,12 @@ const Oid* FindOid(std::wstring_view text) {
     const Oid* oid = nullptr;
     for (size_t start = 0, end = 0; start <= text.size(); start = end + 1) {
         end = std::min(text.find(L'.', start), text.size());
-        const std::wstring_view piece = text.substr(start, end - start);
-        const int32_t arc = ParseDecimalInt(piece);
+        int32_t arc = 0;
+        if (!ReadExactArc(text.substr(start, end - start), arc)) {
+            return nullptr;
+        }
         const auto found = Oids.find({oid, arc});
-        if (found == Oids.end() || !IsWrittenAs(arc, piece)) {
+        if (found == Oids.end()) {
             return nullptr;
         }
         oid = &*found;
@@ -84,6 +94,13 @@ const Oid* FindOid(std::wstring_view text) {
 }
 
 }  // namespace
+
+size_t OidHash::operator()(const Oid& oid) const {
+    // Windows chooses the lock's address anew, mostly at each start of the computer.
+    const uintptr_t words[] = {reinterpret_cast<uintptr_t>(&MibStoreLock),
+                               reinterpret_cast<uintptr_t>(oid.parent), static_cast<uint32_t>(oid.arc)};
+    return std::hash<std::string_view>{}({reinterpret_cast<const char*>(words), sizeof(words)});
+}
 
 void LookupOidName(std::wstring_view oid, std::wstring& name) {
     const std::lock_guard lock(MibStoreLock);
@@ -156,12 +173,10 @@ void StoreNamedOid(MibName& name, const Oid* oid) {
     OidNameMap.try_emplace(oid, &name);
 }
 
-// Intentional: the identifiers found here are not stored with their names. Otherwise the order of the
-// definitions would decide which names are within kMaxParentSteps.
 void StoreResolvedDefinitions() {
-    for (const MibName* name : PendingDefinitions) {
+    for (MibName* name : PendingDefinitions) {
         if (const Oid* oid = ResolveName(*name)) {
-            OidNameMap.try_emplace(oid, name);
+            StoreNamedOid(*name, oid);
         }
     }
 }

@@ -27,6 +27,12 @@ struct Oid {
     bool operator==(const Oid&) const = default;
 };
 
+// Hashes parent and arc together with a value that differs in each process, so that no file can choose arcs
+// that share a bucket.
+struct OidHash {
+    size_t operator()(const Oid& oid) const;
+};
+
 struct MibName;
 
 // Defines a name as the arc `subId` below `parent`, which may not be resolved yet.
@@ -88,8 +94,9 @@ void StoreDefinition(MibName& name, MibName& parent, int32_t subId);
 // Sets the identifier of `name`, unless it is built in, and the name of `oid`, unless it has one.
 void StoreNamedOid(MibName& name, const Oid* oid);
 
-// Resolves all pending definitions and names their identifiers. Definitions that do not resolve are ignored.
-// If two names resolve to the same identifier, the one defined first is used.
+// Resolves all pending definitions in their order, stores the identifiers with their names, so that later
+// definitions can build on them, and names them. Definitions that do not resolve are ignored. If two names
+// resolve to the same identifier, the one defined first is used.
 void StoreResolvedDefinitions();
 
 // Empties the tables and frees their memory.

@@ -10,6 +10,7 @@ namespace {
 
 std::map<std::wstring, std::string> contents;
 std::map<std::wstring, uint64_t> claimedSizes;
+std::map<std::wstring, uint64_t> claimedOpenSizes;
 
 void NoteOpening(const std::wstring& path) {
     if (Files.onOpen) {
@@ -23,9 +24,14 @@ void WatchedFiles::ClaimSize(const std::wstring& path, uint64_t size) {
     claimedSizes[path] = size;
 }
 
+void WatchedFiles::ClaimOpenSize(const std::wstring& path, uint64_t size) {
+    claimedOpenSizes[path] = size;
+}
+
 void WatchedFiles::Reset() {
     contents.clear();
     claimedSizes.clear();
+    claimedOpenSizes.clear();
     onAppend = nullptr;
     refusesAppend = nullptr;
     onOpen = nullptr;
@@ -68,7 +74,8 @@ std::optional<uint64_t> ReadOctetsFrom(const std::wstring& path, uint64_t offset
     }
     const std::string& content = file->second;
     octets = content.substr(offset > content.size() ? 0 : offset, most);
-    return content.size();
+    const auto claimed = claimedOpenSizes.find(path);
+    return claimed == claimedOpenSizes.end() ? content.size() : claimed->second;
 }
 
 std::optional<uint64_t> QueryFileSize(const std::wstring& path) {

@@ -20,6 +20,9 @@ struct WatchedFiles {
     // The folder lists the file with that size; its octets are unchanged.
     void ClaimSize(const std::wstring& path, uint64_t size);
 
+    // The open file has that size, whatever the folder lists.
+    void ClaimOpenSize(const std::wstring& path, uint64_t size);
+
     void Reset();                                              // no files, no callbacks
     std::string ReadOctetsOf(const std::wstring& path) const;  // empty when there is no such file
     bool Has(const std::wstring& path) const;

@@ -265,6 +265,15 @@ TEST_F(FileLayer, AMibFileIsReadIfSmallerThanTwoGibibytes) {
     }
 }
 
+// As of a symbolic link, for which the folder lists 0.
+TEST_F(FileLayer, AMibFileThatIsLargerThanListedIsNotRead) {
+    AppendOctets(L"large.mib", "text");
+    Files.ClaimSize(L"large.mib", 0);
+    EXPECT_EQ(ReadMibText(L"large.mib"), L"text");
+    Files.ClaimOpenSize(L"large.mib", uint64_t{1} << 31);
+    EXPECT_EQ(ReadMibText(L"large.mib"), L"");
+}
+
 TEST_F(FileLayer, WithoutAnApplicationDataFolderTheDataAreAtTheRootOfTheDrive) {
     applicationData.clear();
     InitAppPaths();

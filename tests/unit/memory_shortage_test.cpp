@@ -172,6 +172,20 @@ TEST(MemoryShortage, LoadsNeedMemoryInProportionToTheirText) {
     }
 }
 
+// The most memory that a file can ask for: each line of seven characters makes "z" longer by 63 arcs, because
+// its chain ends at "a" and the line gives "a" the identifier of "z".
+TEST(MemoryShortage, ValuesThatEachLengthenAChainNeedMemoryForAtMost63ArcsEach) {
+    constexpr int kChain = 63;
+    std::wstring text = L"c1 OBJECT-TYPE::={a 1}\n";
+    for (int place = 2; place < kChain; ++place) {
+        text += L"c" + std::to_wstring(place) + L" OBJECT-TYPE::={c" + std::to_wstring(place - 1) + L" 1}\n";
+    }
+    text += L"z OBJECT-TYPE::={c" + std::to_wstring(kChain - 1) + L" 1}\n";
+    text += L"a OBJECT-TYPE::={iso 5}\n" + Repeat(L"::={z}\n", kSome);
+    constexpr size_t kMostOctetsOfAnArc = 64;
+    EXPECT_LT(LoadedOctetsPerCharacter(text, kChain + kSome), kChain * kMostOctetsOfAnArc / 7);
+}
+
 // ---- The folder and the receiver, which write files
 
 class FilesInAShortage : public testing::TestWithParam<Shortage> {
