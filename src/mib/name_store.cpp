@@ -96,7 +96,7 @@ const Oid* FindOid(std::wstring_view text) {
 }  // namespace
 
 size_t OidHash::operator()(const Oid& oid) const {
-    // Windows chooses the lock's address anew, mostly at each start of the computer.
+    // Windows loads the program at a random address.
     const uintptr_t words[] = {reinterpret_cast<uintptr_t>(&MibStoreLock),
                                reinterpret_cast<uintptr_t>(oid.parent), static_cast<uint32_t>(oid.arc)};
     return std::hash<std::string_view>{}({reinterpret_cast<const char*>(words), sizeof(words)});

@@ -27,8 +27,8 @@ struct Oid {
     bool operator==(const Oid&) const = default;
 };
 
-// Hashes parent and arc together with a value that differs in each process, so that no file can choose arcs
-// that share a bucket.
+// Hashes parent and arc together with an address that no file can know, so that no file can choose arcs that
+// share a bucket.
 struct OidHash {
     size_t operator()(const Oid& oid) const;
 };

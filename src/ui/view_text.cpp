@@ -29,7 +29,7 @@ std::wstring BuildViewText(std::wstring_view fileText) {
     text.reserve(fileText.size());
     while (!fileText.empty()) {
         const std::wstring_view line =
-            fileText.substr(0, std::min(fileText.find(L'\n'), fileText.size() - 1) + 1);
+            fileText.substr(0, std::min(fileText.find(kLineEnd), fileText.size()) + kLineEnd.size());
         AppendLine(text, line);
         fileText.remove_prefix(line.size());
     }

@@ -10,8 +10,11 @@
 // - Each character 0 becomes a blank. The control would end its text at the first one, and a power cut can
 //   leave runs of them in the file.
 // - A line of more than 1,000 characters, including its line end, is split into lines of 100, which fit into
-//   the view. The control's layout time is at least quadratic in the length of a line, and one datagram can
-//   cause a line of 260,000 characters.
+//   the view. A line ends at CR LF; a line feed alone is an ordinary character, as it is for the control. The
+//   control's layout time is at least quadratic in the length of a line, and one datagram can cause a line of
+//   260,000 characters. The limit bounds that: a view full of lines just below it is laid out in about two
+//   seconds.
+// Each text is split on its own: a line that arrives in two texts counts as two.
 std::wstring BuildViewText(std::wstring_view fileText);
 
 // Returns the sentence, with a line end, that is shown instead of a file of `size` octets that is too large.

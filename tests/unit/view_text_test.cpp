@@ -19,7 +19,8 @@ std::wstring Line(size_t length) {
 TEST(BuildViewText, OrdinaryTextIsUnchanged) {
     for (const std::wstring& text :
          {std::wstring(), std::wstring(L"one"), std::wstring(L"one\r\r\ntwo\r\nthree\n\n\rfour\r"),
-          std::wstring(L"\r\r\n"), Line(1000), Line(997) + L"\r\r\n" + Line(998) + L"\r\n" + Line(1000)}) {
+          std::wstring(L"\r\r\n"), Line(1000), Line(997) + L"\r\r\n" + Line(998) + L"\r\n" + Line(1000),
+          Line(499) + L"\n" + Line(500)}) {
         EXPECT_EQ(BuildViewText(text), text);
     }
 }
@@ -44,7 +45,7 @@ std::vector<std::wstring> SplitLines(const std::wstring& text) {
 TEST(BuildViewText, LongLinesAreBrokenIntoPartsWithoutLosingACharacter) {
     for (const size_t length :
          {1001U, 1002U, 1097U, 1098U, 1099U, 1100U, 1101U, 1102U, 1103U, 1104U, 260000U}) {
-        for (const std::wstring end : {L"", L"\n", L"\r\n", L"\r\r\n"}) {
+        for (const std::wstring end : {L"", L"\r\n", L"\r\r\n"}) {
             const std::wstring line = Line(length);
             const std::wstring text = BuildViewText(L"before\r\n" + line + end);
             EXPECT_TRUE(text.ends_with(line.substr(line.size() - 1) + end)) << length;
@@ -63,6 +64,17 @@ TEST(BuildViewText, LongLinesAreBrokenIntoPartsWithoutLosingACharacter) {
             EXPECT_TRUE(joined == line) << length;
         }
     }
+}
+
+// The control does not end a line at a line feed alone, as in a file that was saved again by another program.
+TEST(BuildViewText, LineFeedsAloneDoNotEndALine) {
+    const std::wstring text = Line(600) + L"\n" + Line(600) + L"\n";
+    std::wstring joined = BuildViewText(text);
+    EXPECT_EQ(joined.find(L"\r\n"), 100U);
+    for (size_t end = joined.find(L"\r\n"); end != std::wstring::npos; end = joined.find(L"\r\n")) {
+        joined.erase(end, 2);
+    }
+    EXPECT_EQ(joined, text);
 }
 
 TEST(BuildViewText, TheLimitIncludesTheLineEnd) {
