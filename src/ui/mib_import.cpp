@@ -11,6 +11,7 @@
 
 #include "core/activity_log.h"
 #include "core/app_paths.h"
+#include "core/run_guarded.h"
 #include "mib/mib_folder.h"
 #include "platform/files.h"
 #include "platform/folders.h"
@@ -104,7 +105,9 @@ bool DeleteAllMibs(HWND owner) {
     if (MessageBoxW(owner, kDeleteQuestion, L"Delete MIBs", MB_YESNO | MB_ICONWARNING) != IDYES) {
         return false;
     }
-    LogMessage(RemoveMibFiles() ? L"All MIB files deleted." : L"Delete MIBs failed.");
+    bool removed = false;
+    RunGuarded([&removed] { removed = RemoveMibFiles(); });
+    LogMessage(removed ? L"All MIB files deleted." : L"Delete MIBs failed.");
     LoadMibFolder();
     return true;
 }

@@ -14,10 +14,9 @@
 #include "ui/status_text.h"
 #include "ui/window_helpers.h"
 
-HWND StatusWindowHandle = nullptr;
-
 namespace {
 
+HWND StatusWindowHandle = nullptr;  // null while the window is closed
 HWND StatusServerLabel = nullptr;
 HWND StatusListenLabel = nullptr;
 HWND StatusForwardLabel = nullptr;
@@ -90,8 +89,7 @@ void ShowLastTrap() {
     SetWindowTextW(StatusLastTrapLabel, BuildLastTrapText(tick, sender, ReadTickCount()).c_str());
 }
 
-}  // namespace
-
+// Updates every text and the whole list. Does nothing while the window is closed.
 void RefreshStatus() {
     if (!StatusWindowHandle) {
         return;
@@ -102,8 +100,6 @@ void RefreshStatus() {
     ShowMibs();
     ShowLastTrap();
 }
-
-namespace {
 
 void OnTimer(WPARAM timer) {
     if (timer == kRefreshTimer) {
@@ -176,7 +172,8 @@ void OpenStatusWindow() {
         return;
     }
     ApplyUiFont(StatusWindowHandle);
-    RefreshStatus();
+    // First the timer: if memory runs out below, the next click still shows a window that refreshes.
     SetTimer(StatusWindowHandle, kRefreshTimer, kRefreshMilliseconds, nullptr);
+    RefreshStatus();
     ShowWindow(StatusWindowHandle, SW_SHOW);
 }

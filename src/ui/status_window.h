@@ -2,12 +2,5 @@
 // thread only.
 #pragma once
 
-#include "platform/windows/windows_headers.h"
-
-extern HWND StatusWindowHandle;  // null while the window is closed
-
 // Opens the window, or raises the one that is open.
 void OpenStatusWindow();
-
-// Updates every text and the whole list. Does nothing while the window is closed.
-void RefreshStatus();

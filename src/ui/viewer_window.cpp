@@ -237,8 +237,9 @@ void OpenViewer(const ViewerKind& kind) {
     // stop showing new text.
     SendMessageW(*kind.edit, EM_SETLIMITTEXT, 0, 0);
     ApplyUiFont(window);
-    ShowWholeFile(kind);
+    // First the timer: if memory runs out below, the next click still shows a view that polls.
     SetTimer(window, kind.pollTimer, kPollMilliseconds, nullptr);
+    ShowWholeFile(kind);
     ShowWindow(window, SW_SHOW);
 }
 
