@@ -92,6 +92,9 @@ const Seed kMibSeeds[] = {
     {"long_name", std::string(1000, 'n') + " OBJECT-TYPE\n" + Repeat("::= { b 1 }\n", 80)},
     {"long_identifier",
      "big OBJECT IDENTIFIER ::= {" + Repeat(" 1", 500) + " -1 }\n" + Repeat("::= { big -1 }\n", 60)},
+    {"chain_lengthened_by_each_value",
+     "c OBJECT-TYPE::={a 1}\nb OBJECT-TYPE::={c 1}\nz OBJECT-TYPE::={b 1}\na OBJECT-TYPE::={iso 5}\n" +
+         Repeat("::={z}\n", 60) + Repeat("a OBJECT-TYPE::={mgmt 5}\n::={z -1}\n", 20)},
     {"long_identifier_with_children",
      "big OBJECT IDENTIFIER ::= {" + Repeat(" 1", 500) +
          " -1 }\na OBJECT-TYPE ::= { big 1 }\nb OBJECT-TYPE ::= { big 2 }\nc OBJECT-TYPE ::= { b 3 -1 }\n"},
