@@ -1,14 +1,19 @@
 #!/usr/bin/env bash
-# Makes the pictures of the user guide and of README.md anew (docs/pictures/), from the real program with real traps.
-# Usage: scripts/make_pictures.sh. Builds the program when needed; asks nothing and leaves nothing running.
+# Makes the pictures of the user guide and README.md (docs/pictures/) from the real program with real traps.
+# Usage: scripts/make_pictures.sh. Builds the program if needed. Asks nothing and leaves nothing running.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 if [[ ${1:-} != --inside ]]; then
     scripts/packages.sh build run picture
     scripts/build.sh windows Quillmont quillmont_desktop_driver
-    exec scripts/run_on_private_desktop.sh scripts/make_pictures.sh --inside
+    exec scripts/in_private_network.sh scripts/make_pictures.sh --inside
 fi
+
+source scripts/wine.sh
+trap 'StopWine; StopDisplay; RemoveTemporaryPrefix' EXIT
+StartDisplay
+UseTemporaryPrefix
 
 # The devices that make_pictures.py sends as, and the forwarding target.
 for address in 10.20.0.5 10.20.0.7 10.20.0.11 10.20.0.40; do
@@ -53,4 +58,5 @@ mkdir -p "$WINEPREFIX/drive_c/users/Operator/AppData/Local"
 # Windows writes Users and Wine users. The harness looks for the folder with the name in the registry.
 ln -s users "$WINEPREFIX/drive_c/Users"
 
+StartDesktop
 /usr/bin/python3 -B scripts/make_pictures.py

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs a command with a network, a virtual display and a Wine prefix of its own (DISPLAY and WINEPREFIX are set
-# for it), clears everything away and returns the command's exit code.
+# Runs a command with its own private network, virtual display and Wine prefix (DISPLAY and WINEPREFIX are set), then
+# removes them. Returns the command's exit code.
 # Usage: run_on_private_desktop.sh COMMAND [ARGUMENT...]
 set -euo pipefail
 
@@ -14,4 +14,5 @@ source "$here/wine.sh"
 trap 'StopWine; StopDisplay; RemoveTemporaryPrefix' EXIT
 StartDisplay
 UseTemporaryPrefix
+StartDesktop
 "$@"

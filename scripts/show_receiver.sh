@@ -34,6 +34,7 @@ else
     show=()
     StartDisplay
     UseTemporaryPrefix
+    StartDesktop
 fi
 code=0
 /usr/bin/python3 -B scripts/show_receiver.py "${show[@]}" 8>&- || code=$?

@@ -1,26 +1,26 @@
-# Shell pieces for running a Windows program: a Wine prefix, a virtual display, and the end of both. For sourcing;
-# the caller has set -euo pipefail and calls StopWine and StopDisplay from its exit trap.
+# Shell functions for running a Windows program: a Wine prefix, a virtual display, and the cleanup of both. To be
+# sourced; the caller has set -euo pipefail and calls StopWine and StopDisplay from its exit trap.
 #
-# A prefix belongs to one network: Wine's sockets live in the prefix's server process, so a run in a private
-# network needs a prefix whose server was started inside it.
+# A prefix belongs to one network: Wine's sockets are in the prefix's server process, so a run in a private
+# network needs a prefix whose server was started in that network.
 
 project_root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
-# Of one user: Wine refuses another's prefix, and in a private network everybody goes by the name of root.
+# One folder for each user: Wine refuses a prefix of another user, and in a private network every user is root.
 wine_folder="${QUILLMONT_WINE_FOLDER:-$project_root/build/wine/${QUILLMONT_USER:-$EUID}}"
 
 # Where every Python script finds the harness package.
 export PYTHONPATH="$project_root/tests"
-# Wine names no file beyond ASCII in a system without a locale, as a bare container is; this one is always there.
+# Without a locale, as in a bare container, Wine cannot name files beyond ASCII. Debian always has this one.
 export LC_ALL=C.UTF-8
 if [[ "$(locale charmap 2>/dev/null)" != UTF-8 ]]; then
     echo "This system lacks the locale C.UTF-8: names beyond ASCII will fail under Wine." >&2
 fi
 export WINEDEBUG="${WINEDEBUG:--all}"
-# Without these a fresh prefix asks to install .NET and a browser engine, programs make menu entries, and a crashed one
-# is ended by the debugger, one time in ten with the exit code 0: a test program that crashed had passed.
+# Otherwise a new prefix asks to install .NET and a browser engine, programs make menu entries, and the debugger ends a
+# crashed program, sometimes with exit code 0, so that a crashed test program passes.
 export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe,winedbg.exe=d"
 
-# Makes the prefix that all others are copied from, once. About ten seconds.
+# Makes the prefix that all others are copied from, once. Needs about ten seconds.
 MakeTemplatePrefix() {
     mkdir -p "$wine_folder"
     (
@@ -33,18 +33,18 @@ MakeTemplatePrefix() {
         export WINEPREFIX="$wine_folder/template.part"
         unset DISPLAY
         wine wineboot --init >/dev/null 2>&1
-        # Segoe UI is not to be had here; Open Sans is the closest in Debian.
+        # Segoe UI is not free; Open Sans is the closest font in Debian.
         wine reg add 'HKCU\Software\Wine\Fonts\Replacements' /v 'Segoe UI' /d 'Open Sans' /f >/dev/null 2>&1
         wineserver -w
-        # The signs on the caption's buttons. Debian's Wine does not look where Debian's fonts-wine puts its fonts.
+        # The symbols of the caption buttons. Debian's Wine does not search the folder of Debian's fonts-wine.
         mkdir -p "$WINEPREFIX/drive_c/windows/Fonts"
         cp /usr/share/wine/fonts/marlett.ttf "$WINEPREFIX/drive_c/windows/Fonts"
         mv "$WINEPREFIX" "$wine_folder/template"
     ) 9>"$wine_folder/lock"
 }
 
-# CopyPrefix FOLDER: a prefix of its own in FOLDER, which must not exist. The system's own files are hard links
-# (they are hundreds of megabytes and nobody writes them); what a program may change is copied.
+# CopyPrefix FOLDER: makes a prefix in FOLDER, which must not exist. The system's files are hard links (they are
+# hundreds of megabytes, and nothing writes to them); whatever a program may change is copied.
 CopyPrefix() {
     local template="$wine_folder/template"
     mkdir -p "$1/drive_c"
@@ -53,7 +53,7 @@ CopyPrefix() {
     cp -a "$template/drive_c/users" "$template/drive_c/ProgramData" "$1/drive_c"
 }
 
-# UsePrefix FOLDER: programs started from now on run in it; made when missing.
+# UsePrefix FOLDER: programs started from now on run in this prefix, which is made if it is missing.
 UsePrefix() {
     MakeTemplatePrefix
     if [[ ! -d "$1" ]]; then
@@ -63,8 +63,8 @@ UsePrefix() {
     prefix_in_use="$1"
 }
 
-# UseTemporaryPrefix: the same with a folder that RemoveTemporaryPrefix deletes. Its windows live inside Wine's own
-# desktop, where they get a frame and can be brought to the front without a window manager.
+# UseTemporaryPrefix: the same with a folder that RemoveTemporaryPrefix deletes. Its windows are inside Wine's own
+# desktop, where they have a frame and can become the foreground window without a window manager.
 UseTemporaryPrefix() {
     mkdir -p "$wine_folder"
     temporary_prefix="$(mktemp -d "$wine_folder/run.XXXXXX")"
@@ -85,8 +85,7 @@ RemoveTemporaryPrefix() {
     fi
 }
 
-# Ends every Windows process of the prefix and waits until they are gone. Not those of a prefix that was the caller's
-# before.
+# Ends every Windows process of the prefix that UsePrefix chose and waits until they are gone.
 StopWine() {
     if [[ -n "${prefix_in_use:-}" ]]; then
         wineserver -k >/dev/null 2>&1 || true
@@ -94,19 +93,34 @@ StopWine() {
     fi
 }
 
-# Starts a virtual display on a free number and exports DISPLAY. Without a socket or a lock file in /tmp: a display of
-# a private network is nobody else's, and its server, which sees no process but its own, would take those of the
-# user's display for abandoned and replace them.
+# Starts a virtual display on a free number and exports DISPLAY. Without a socket or a lock file in /tmp: the server sees
+# only the processes of its private network, so it would replace the socket and the lock of the user's own display as
+# abandoned. Without a reset when the last window closes: it drops programs that connect at that moment.
 StartDisplay() {
     local channel
     channel="$(mktemp -u)"
     mkfifo "$channel"
-    Xvfb -displayfd 7 -screen 0 1280x900x24 -nolisten tcp -nolisten unix -nolock 7>"$channel" >/dev/null 2>&1 &
+    Xvfb -displayfd 7 -screen 0 1280x900x24 -nolisten tcp -nolisten unix -nolock -noreset 7>"$channel" >/dev/null 2>&1 &
     display_pid=$!
     local number
     read -r number <"$channel"
     rm -f "$channel"
     export DISPLAY=":$number"
+}
+
+# Starts the desktop of the temporary prefix and waits for it; it stays open until StopWine. Without this the first
+# program with a window starts it and waits for ten seconds only: on a slower machine no program can open a window.
+StartDesktop() {
+    wine explorer /desktop=Default,1280x900 </dev/null >/dev/null 2>&1 &
+    disown  # the shell must not report that StopWine killed it
+    local end=$((SECONDS + 120))
+    until xwd -silent -name "Default - Wine desktop" >/dev/null 2>&1; do
+        if ((SECONDS > end)); then
+            echo "Wine's desktop did not appear within two minutes." >&2
+            return 1
+        fi
+        sleep 0.1
+    done
 }
 
 StopDisplay() {

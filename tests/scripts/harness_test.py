@@ -1,11 +1,12 @@
-"""The harness itself, for whoever runs it: an ordinary user, whose private network calls everybody root, in an
-environment that holds nothing but PATH, HOME and a name, no locale."""
+"""The harness as root and as an ordinary user, who is root inside a private network, in an environment with nothing but
+PATH, HOME and USER: no locale."""
 
 import pytest
 
 from harness.places import windows_path
 
-FIRST_START = ["tests/desktop/startup_test.py", "-k", "first_start_logs"]
+PYTEST = ["/usr/bin/python3", "-B", "-m", "pytest", "-q"]
+FIRST_START = [*PYTEST, "tests/desktop/startup_test.py", "-k", "first_start_logs"]
 
 
 @pytest.mark.parametrize("user", ["ordinary"], indirect=True)
@@ -13,8 +14,27 @@ FIRST_START = ["tests/desktop/startup_test.py", "-k", "first_start_logs"]
 def test_a_desktop_test_finds_the_data_folder(ready, name):
     if name is None:
         del ready.environment["USER"]
-    pytest_command = ["/usr/bin/python3", "-B", "-m", "pytest", "-q", *FIRST_START]
-    code, output = ready.run("scripts/run_on_private_desktop.sh", *pytest_command)
+    code, output = ready.run("scripts/run_on_private_desktop.sh", *FIRST_START)
+    assert code == 0
+    assert "1 passed" in output
+
+
+# Stops the real server for longer than Wine waits for its desktop.
+SLOW_DISPLAY = """\
+/usr/bin/Xvfb "$@" &
+trap "kill $!" TERM
+sleep 0.5
+kill -STOP $!
+sleep 20
+kill -CONT $!
+wait"""
+
+
+@pytest.mark.parametrize("user", ["ordinary"], indirect=True)
+def test_a_slow_display_delays_the_desktop_tests_and_fails_none(ready):
+    ready.run("scripts/run_under_wine.sh", "cmd", "/c", "exit")  # makes the first Wine prefix, which needs time too
+    ready.add_command("Xvfb", SLOW_DISPLAY)
+    code, output = ready.run("scripts/run_on_private_desktop.sh", *FIRST_START)
     assert code == 0
     assert "1 passed" in output
 
@@ -35,7 +55,7 @@ def test_each_user_has_a_place_of_their_own_for_wine_prefixes(clone, user):
 
 
 def test_a_private_display_is_reached_from_its_own_network_only(ready, user):
-    """A socket in the file system would be everybody's, and would take the place of one of the user's own."""
+    """A socket in the file system could be reached by all, and could replace the socket of the user's own display."""
     user.need_private_network(ready.folder)
     command = ["grep", "--only-matching", "@*/tmp/.X11-unix/.*", "/proc/net/unix"]
     code, output = ready.run("scripts/run_on_private_desktop.sh", *command)
