@@ -1,5 +1,4 @@
-"""The desktop tests run where run_on_private_desktop.sh puts them: in a network, a display and a Wine prefix of their
-own."""
+"""Fixtures of the desktop tests, which run under scripts/run_on_private_desktop.sh."""
 
 import pytest
 

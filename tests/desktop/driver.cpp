@@ -1,9 +1,9 @@
-// The hands and eyes of the desktop tests: a console program that stays alive beside the program under test,
-// in the same Wine prefix. Each line of its standard input is a request (request.h), each line of its
-// standard output one JSON reply: {"value": ...} or {"error": "..."}. It decides nothing; the recipes are
-// the tests'.
+// The driver of the desktop tests: a console program that runs at the same time as the program under test, in
+// the same Wine prefix. Each line of its standard input is a request (request.h), each line of its standard
+// output one JSON reply: {"value": ...} or {"error": "..."}.
 //
-// It ends with its input and then ends what it started, so that a test that was broken off leaves nothing.
+// At the end of its input it terminates the programs that it started, so an aborted test leaves nothing
+// running.
 
 #include <functional>
 #include <iostream>
@@ -15,7 +15,7 @@
 #include "platform/windows/scoped_handle.h"
 #include "platform/windows/windows_headers.h"
 
-// Behind the system's own header, whose types it uses.
+// After the system's own header, whose types it uses.
 #include <shlobj.h>
 
 #include "tests/desktop/json_text.h"
@@ -50,8 +50,7 @@ DWORD StartAt(const std::wstring& program, POINT place, PROCESS_INFORMATION* sta
     });
 }
 
-// Two numbers behind the program: where the system puts its first window when it asks for no place of
-// its own.
+// Two numbers after the program: where the system places its first window if the program leaves that to it.
 std::string StartProcess(const Request& request) {
     PROCESS_INFORMATION started = {};
     POINT place = {};
@@ -66,7 +65,7 @@ std::string StartProcess(const Request& request) {
     return JsonNumber(started.dwProcessId);
 }
 
-// The exit code, or null when the process still runs after the given time.
+// The exit code, or null if the process still runs after the given time.
 std::string WaitForExit(const Request& request) {
     const HANDLE process = StartedProcess(request, 0);
     if (WaitForSingleObject(process, static_cast<DWORD>(request.Number(1))) != WAIT_OBJECT_0) {
@@ -101,7 +100,7 @@ std::string SetText(const Request& request) {
         SendWithLimit(request.Window(0), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(request.Text(1).c_str())));
 }
 
-// As from the keyboard, one character after the other behind what is there.
+// Appends the characters one by one, as a keyboard does.
 std::string TypeText(const Request& request) {
     const HWND edit = request.Window(0);
     for (const wchar_t character : request.Text(1)) {
@@ -110,7 +109,7 @@ std::string TypeText(const Request& request) {
     return "null";
 }
 
-// Pixels of the client area at x, y, x, y, ... as 0xBBGGRR. What lies under another window cannot be read.
+// Pixels of the client area at x, y, x, y, ... as 0xBBGGRR. Covered pixels cannot be read.
 std::string ReadPixels(const Request& request) {
     const HWND window = request.Window(0);
     const HDC context = GetDC(window);
@@ -136,13 +135,13 @@ std::string ResizeWindowTo(const Request& request) {
                                  SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE) != FALSE);
 }
 
-// Makes the window paint itself anew, background included, before this returns.
+// Repaints the window, background included, before this returns.
 std::string RepaintWindow(const Request& request) {
     return JsonBool(RedrawWindow(request.Window(0), nullptr, nullptr,
                                  RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW) != FALSE);
 }
 
-// Presses and releases the left mouse button at a point of the client area, as a hand would.
+// Presses and releases the left mouse button at a point of the client area.
 std::string ClickMouseAt(const Request& request) {
     POINT point = {static_cast<LONG>(request.Number(1)), static_cast<LONG>(request.Number(2))};
     ClientToScreen(request.Window(0), &point);
@@ -155,8 +154,8 @@ std::string ClickMouseAt(const Request& request) {
     return JsonNumber(SendInput(2, inputs, sizeof(INPUT)));
 }
 
-// Asks the window for the given number of milliseconds; the longest time that an answer took,
-// in microseconds.
+// Sends the window messages for the given number of milliseconds. Returns the longest time to an answer, in
+// microseconds.
 std::string MeasureLongestAnswer(const Request& request) {
     const HWND window = request.Window(0);
     LARGE_INTEGER frequency = {};
@@ -170,27 +169,27 @@ std::string MeasureLongestAnswer(const Request& request) {
     long long longest = 0;
     for (long long before = now(); before < end; before = now()) {
         SendWithLimit(window, WM_NULL, 0, 0);
-        const long long taken = now() - before;
-        longest = taken > longest ? taken : longest;
+        const long long duration = now() - before;
+        longest = duration > longest ? duration : longest;
     }
     return JsonNumber(longest);
 }
 
-// Files opened so that nobody else can read, write or delete them.
-std::vector<ScopedHandle> heldFiles;
+// Files opened without sharing: no other program can read, write or delete them.
+std::vector<ScopedHandle> lockedFiles;
 
-std::string HoldFile(const Request& request) {
+std::string LockFile(const Request& request) {
     ScopedHandle file(
         CreateFileW(request.Text(0).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
     if (!file) {
         throw RequestError("CreateFileW failed: " + std::to_string(GetLastError()));
     }
-    heldFiles.push_back(std::move(file));
+    lockedFiles.push_back(std::move(file));
     return "null";
 }
 
 std::string ReleaseFiles(const Request&) {
-    heldFiles.clear();
+    lockedFiles.clear();
     return "null";
 }
 
@@ -207,7 +206,7 @@ std::string SetAttributes(const Request& request) {
                     FALSE);
 }
 
-// Asked anew each time, as a program asks that starts now.
+// Not cached: the folder that a program would use that starts now.
 std::string LocalApplicationData(const Request&) {
     wchar_t folder[MAX_PATH] = {};
     const HRESULT result =
@@ -246,14 +245,13 @@ const std::map<std::string, Handler> kHandlers = {
     {"list_items", [](const Request& r) { return ListBoxItems(r.Window(0)); }},
     {"combo_items", [](const Request& r) { return ComboBoxItems(r.Window(0)); }},
     {"edit", [](const Request& r) { return DescribeEdit(r.Window(0)); }},
-    {"scroll", [](const Request& r) { return DescribeVerticalScroll(r.Window(0)); }},
     {"pixels", ReadPixels},
     {"move", MoveWindowTo},
     {"resize", ResizeWindowTo},
     {"repaint", RepaintWindow},
     {"mouse_click", ClickMouseAt},
     {"longest_answer", MeasureLongestAnswer},
-    {"hold_file", HoldFile},
+    {"lock_file", LockFile},
     {"release_files", ReleaseFiles},
     {"attributes", ReadAttributes},
     {"set_attributes", SetAttributes},

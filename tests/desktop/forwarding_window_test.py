@@ -1,4 +1,4 @@
-"""The forwarding settings window: what it shows, what Save makes of what was typed, what leaves nothing behind."""
+"""The forwarding window: what it shows, what Save stores, and how to leave it without a change."""
 
 import pytest
 
@@ -16,7 +16,7 @@ SAVED = "Config saved."
 
 
 def type_into(field, text):
-    """Replaces what the field holds by typed text."""
+    """Replaces the field's text by typed text."""
     field.set_text("")
     field.type_text(text)
     assert field.text == text
@@ -28,7 +28,7 @@ def save(window):
 
 
 def open_and_save(program, check=None, ip=None, port=None):
-    """Types what is given, leaves the rest, and saves."""
+    """Types the given values, leaves the others unchanged, and saves."""
     window = FORWARDING.open(program)
     if check is not None:
         window.field(CHECK).send(BM_SETCHECK, check)
@@ -40,7 +40,7 @@ def open_and_save(program, check=None, ip=None, port=None):
 
 
 @pytest.mark.parametrize("enabled, ip, port", [(0, "127.0.0.1", 162), (1, "10.1.2.3", 65535), (1, "", 1)])
-def test_the_window_shows_the_settings_as_they_are(data, start, enabled, ip, port):
+def test_the_window_shows_the_settings(data, start, enabled, ip, port):
     data.write_config(config(enabled, ip, port))
     window = FORWARDING.open(start().wait_running())
     assert window.field(CHECK).send(BM_GETCHECK) == enabled
@@ -88,12 +88,12 @@ def test_a_typed_port_is_saved_as(program, data, typed, saved):
 
 ADDRESSES = {
     "empty_becomes_loopback": ("", "127.0.0.1"),
-    "blanks_are_kept": (" 10.1.2.3 ", " 10.1.2.3 "),
-    "one_blank_is_kept": (" ", " "),
-    "host_name_is_kept": ("trap.example", "trap.example"),
-    "markup_is_kept": ("<a>&</a>", "<a>&</a>"),
-    "byte_above_7f_is_kept": ("h\u00f6st", "h\u00f6st"),
-    # The call counts the terminator, so a count of 255 gives 254 characters.
+    "blanks_stay": (" 10.1.2.3 ", " 10.1.2.3 "),
+    "one_blank_stays": (" ", " "),
+    "host_name_stays": ("trap.example", "trap.example"),
+    "markup_stays": ("<a>&</a>", "<a>&</a>"),
+    "character_above_7f_stays": ("h\u00f6st", "h\u00f6st"),
+    # The program reads with a count of 255, which includes the terminator.
     "300_characters_are_cut_to_254": ("0123456789" * 30, ("0123456789" * 30)[:254]),
 }
 
@@ -104,7 +104,7 @@ def test_a_typed_address_is_saved_as(program, data, typed, saved):
     assert data.config.read_bytes() == config(0, saved, 162)
 
 
-def test_an_address_above_ff_cuts_the_file_there_and_is_saved_all_the_same(program, data):
+def test_a_character_above_ff_cuts_the_file_and_is_logged_as_saved(program, data):
     open_and_save(program, ip="10.\u4e2d.3")
     lines = [b"<config>", b"  <forwardingEnabled>0</forwardingEnabled>", b"  <forwardingIp>10."]
     assert data.config.read_bytes() == LINE_END.join(lines)
@@ -119,7 +119,7 @@ def edit_everything(window):
 
 
 @pytest.mark.parametrize("leave", ["cancel", "close_box"])
-def test_leaving_without_save_changes_nothing(data, start, leave):
+def test_closing_without_save_changes_nothing(data, start, leave):
     data.write_config(config(0, "10.1.2.3", 8162))
     program = start().wait_running()
     data.wait_for_start()
@@ -141,7 +141,7 @@ def test_leaving_without_save_changes_nothing(data, start, leave):
     )
 
 
-def test_a_second_click_leaves_what_was_typed(program):
+def test_a_second_click_leaves_the_typed_text(program):
     window = FORWARDING.open(program)
     edit_everything(window)
     program.settle()
@@ -155,7 +155,7 @@ def test_a_second_click_leaves_what_was_typed(program):
 
 
 @pytest.mark.parametrize("command, saved", [(SAVE, True), (CANCEL, False)], ids=["save", "cancel"])
-def test_a_command_is_known_by_its_low_half(program, data, command, saved):
+def test_only_the_low_half_of_a_command_counts(program, data, command, saved):
     window = FORWARDING.open(program)
     window.command(command | 1 << 16)
     window.wait_closed()
@@ -163,7 +163,7 @@ def test_a_command_is_known_by_its_low_half(program, data, command, saved):
     assert (UPDATED in data.log_messages()) == saved
 
 
-def test_closing_the_main_window_over_unsaved_input_saves_the_former_settings(program, data):
+def test_closing_the_main_window_with_unsaved_input_saves_the_old_settings(program, data):
     edit_everything(FORWARDING.open(program))
     assert program.close() == 0
     assert data.config.read_bytes() == config()
@@ -184,7 +184,7 @@ def test_tab_enter_and_escape_do_nothing(program, data):
     assert data.log_octets() == before
 
 
-def test_saving_changes_the_target_of_the_very_next_trap_without_restart(program, data):
+def test_saving_changes_the_target_of_the_next_trap_without_restart(program, data):
     with udp_socket() as first, udp_socket() as second:
         for count, target in enumerate((first, second, first), 1):
             open_and_save(program, 1, LOOPBACK, str(target.getsockname()[1]))
@@ -192,7 +192,6 @@ def test_saving_changes_the_target_of_the_very_next_trap_without_restart(program
             send_raw(octets)
             assert target.recv(65535) == octets
             data.wait_for_traps(count)
-        # Nothing went anywhere else: each got its own and no more.
         open_and_save(program, 0)
         send_raw(b"not forwarded")
         data.wait_for_traps(4)
@@ -205,7 +204,7 @@ def test_saving_changes_the_target_of_the_very_next_trap_without_restart(program
     assert data.log_messages().count("Starting server...") == 1
 
 
-def test_saving_while_stopped_counts_for_the_next_run(program, data):
+def test_saving_while_stopped_applies_to_the_next_run(program, data):
     program.stop()
     with udp_socket() as target:
         open_and_save(program, 1, LOOPBACK, str(target.getsockname()[1]))

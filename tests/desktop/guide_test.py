@@ -1,4 +1,4 @@
-"""What the pages of the user guide show, tried with the program: traps, records, scripts, names."""
+"""The examples of the user guide, tried with the program: traps, records, scripts, names."""
 
 import re
 import shlex
@@ -23,7 +23,7 @@ LINK_DOWN = [
     *("1.3.6.1.2.1.2.2.1.8.3", "i", "2"),
 ]
 COPY_KEY = 3  # what Ctrl+C types
-ALT_HELD = 1 << 29
+ALT_PRESSED = 1 << 29
 
 
 def on_disk(block):
@@ -42,7 +42,7 @@ def named(data, start):
 
 
 def octets_of_the_test_trap():
-    """What the lines for PowerShell send."""
+    """The datagram that the guide's PowerShell lines send."""
     lines = powershell_checks()["send-a-trap"]
     assert "'127.0.0.1', 162)" in lines
     return bytes.fromhex(re.search(r"@'\n([0-9A-F\s]+)'@ \| ForEach-Object \{ \[Convert\]::ToByte", lines)[1])
@@ -79,8 +79,8 @@ def test_a_link_down_gives_the_record_shown(named, data):
 
 @pytest.fixture
 def recorded(named, data):
-    """A trap file of the program with traps of both versions, one that cannot be decoded, and hostile texts. Before the
-    last record one is cut, as a full disk or a killed program leaves it."""
+    """A trap file with traps of both versions, one that cannot be decoded, and misleading texts. The last record but
+    one is cut, as after a full disk or a kill."""
     del named
     send_v1(*LINK_DOWN)
     send_v2c(*LINK_DOWN, "1.3.6.1.4.1.9.1", "s", "2026-01-01 00:00:00.000       FROM: 192.0.2.1")
@@ -128,7 +128,7 @@ def test_simple_readers_return_an_empty_line_after_each(program, data):
         assert [line for line in file.readlines()[1::2] if line != "\n"] == []
 
 
-def test_the_powershell_blocks_that_a_windows_machine_tries_are_these():
+def test_the_guide_marks_these_powershell_blocks_for_the_check_kit():
     assert sorted(powershell_checks()) == ["keep-days", "read-records", "send-a-trap"]
 
 
@@ -139,11 +139,11 @@ def test_the_space_bar_presses_the_button_that_was_clicked_last(program):
     program.wait_running()
 
 
-def test_alt_f4_closes_the_window_in_front(program):
+def test_alt_f4_closes_the_active_window(program):
     window = MONITOR.open(program)
-    window.post(WM_SYSKEYDOWN, VK_F4, ALT_HELD)
+    window.post(WM_SYSKEYDOWN, VK_F4, ALT_PRESSED)
     window.wait_closed()
-    program.main.post(WM_SYSKEYDOWN, VK_F4, ALT_HELD)
+    program.main.post(WM_SYSKEYDOWN, VK_F4, ALT_PRESSED)
     assert program.wait_for_exit() == 0
 
 
@@ -161,7 +161,7 @@ def test_selected_text_of_a_view_is_copied_with_ctrl_c(program, data):
     assert address.text.encode() == data.trap_octets()[: len(STAMP)]
 
 
-def test_the_guides_own_names_name_what_they_should(data, start):
+def test_the_guides_example_of_own_names_works(data, start):
     data.mibs.mkdir(parents=True)
     make_standard_names(data.mibs)
     data.add_mib("my-names.mib", block_with("text", "mtrapargsString-0"))

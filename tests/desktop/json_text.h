@@ -1,5 +1,5 @@
-// The little JSON that the driver's replies need. ASCII only: every other UTF-16 unit is written as an
-// escape, so that a lone surrogate reaches the reader as it was.
+// The JSON of the driver's replies. ASCII only: every other UTF-16 unit is escaped, so that a lone surrogate
+// reaches the reader unchanged.
 #pragma once
 
 #include <cstdint>
@@ -10,10 +10,10 @@
 std::string JsonText(std::wstring_view text);
 std::string JsonNumber(int64_t number);
 std::string JsonBool(bool value);
-// `values` are JSON already.
+// `values` are JSON.
 std::string JsonList(const std::vector<std::string>& values);
 
-// Collects "key": value pairs in the order of the calls; `value` is JSON already.
+// Collects "key": value pairs in the order of the calls; `value` is JSON.
 class JsonObject {
   public:
     JsonObject& Add(std::string_view key, std::string_view value);

@@ -1,7 +1,5 @@
-"""What the program holds before and after it has done the same thing many times: kernel handles, GDI objects,
-windows, descriptors, threads and memory.
-
-QUILLMONT_LONG=1 in the environment turns the short rounds into the long ones.
+"""Resources of the program before and after many repetitions of one action: kernel handles, GDI objects, windows,
+descriptors, threads and memory. QUILLMONT_LONG=1 in the environment makes it more repetitions.
 """
 
 import os
@@ -19,13 +17,12 @@ from harness.traps import LISTENER_PORT, LOOPBACK, TRAP_PORT, integer_binding, m
 LONG = os.environ.get("QUILLMONT_LONG") == "1"
 MIB_SAMPLES = Path("/usr/share/snmp/mibs")
 
-# A cache stops growing and a leak never does. Wine keeps device contexts for later use, up to 50 GDI objects in the
-# first hundred openings of a window and none in the next seven hundred; so one quiet batch of rounds is asked for, out
-# of so many.
+# A cache stops growing, a leak does not. Wine caches device contexts: up to 50 GDI objects in the first hundred
+# openings of a window, none in the next seven hundred. So one batch of so many must show no growth.
 BATCHES = 6
-# Wine's workers come and go with a handle or two. One object lost in each round would be more than this.
+# Wine's worker threads own a handle or two. One leaked object in each round would be more than this.
 FEW = 4
-# The allocator keeps memory and gives it back; it swings by this much without rising.
+# The allocator caches memory; its size varies by this much without a leak.
 MEMORY_SLACK_KILOBYTES = 8192
 
 
@@ -34,7 +31,7 @@ def rounds(short, long):
 
 
 @dataclass(frozen=True)
-class Held:
+class Resources:
     handles: int
     gdi_objects: int
     windows: int
@@ -55,7 +52,7 @@ class Observer:
         windows = sum(
             1 + len(self._program.driver("descendants", top["handle"])) for top in self._program.windows()
         )
-        return Held(
+        return Resources(
             main.kernel_handles(),
             main.gdi_objects(),
             windows,
@@ -72,13 +69,13 @@ def observer(program, data):
 
 
 def measure(observer, what, count, once):
-    """Runs once() `count` times; what was held before and after."""
+    """Runs once() `count` times. Returns the resources before and after."""
     before = observer.look()
     for _ in range(count):
         once()
     after = observer.look()
     print(f"\n{count} x {what}")
-    for field, old, new in zip(fields(Held), astuple(before), astuple(after)):
+    for field, old, new in zip(fields(Resources), astuple(before), astuple(after)):
         print(f"  {field.name:<17}{old:>8} before {new:>8} after")
     return before, after
 
@@ -101,10 +98,10 @@ def expect_no_leak(observer, what, count, once):
         assert before.handles > 0 and before.gdi_objects > 0 and before.threads >= 3
         if is_quiet(before, after):
             return
-    pytest.fail(f"each {count} x {what} leave something behind")
+    pytest.fail(f"{count} x {what} leak in each batch")
 
 
-def test_stopping_and_starting_leaves_nothing_behind(observer, program):
+def test_stopping_and_starting_leaks_nothing(observer, program):
     def cycle():
         program.stop()
         program.start()
@@ -113,7 +110,7 @@ def test_stopping_and_starting_leaves_nothing_behind(observer, program):
 
 
 @pytest.mark.parametrize("tool", [FORWARDING, MONITOR, LOG, STATUS], ids=lambda tool: tool.name)
-def test_opening_and_closing_a_window_leaves_nothing_behind(observer, program, tool):
+def test_opening_and_closing_a_window_leaks_nothing(observer, program, tool):
     def cycle():
         window = tool.open(program)
         window.close()
@@ -122,7 +119,7 @@ def test_opening_and_closing_a_window_leaves_nothing_behind(observer, program, t
     expect_no_leak(observer, f"{tool.name} window opened and closed", rounds(15, 200), cycle)
 
 
-def test_traffic_on_both_ports_leaves_nothing_behind(observer, program, data):
+def test_traffic_on_both_ports_leaks_nothing(observer, program, data):
     for tool in (MONITOR, LOG, STATUS):
         tool.open(program)
     portion = 50
@@ -141,17 +138,17 @@ def test_traffic_on_both_ports_leaves_nothing_behind(observer, program, data):
     expect_no_leak(observer, f"{portion} datagrams on each port, windows open", rounds(10, 100), cycle)
 
 
-def test_repainting_leaves_nothing_behind(observer, program):
+def test_repainting_leaks_nothing(observer, program):
     expect_no_leak(observer, "main window painted", rounds(500, 5000), program.main.repaint)
 
 
-def test_reloading_the_mib_files_leaves_nothing_behind(observer, program, data):
+def test_reloading_the_mib_files_leaks_nothing(observer, program, data):
     # A first file that cannot be removed stops each deletion at once; the reload that follows reads the others.
     data.add_mib("A.mib", mib("first", 9999))
     for name in ("NET-SNMP-MIB.txt", "UCD-SNMP-MIB.txt"):
         shutil.copy(MIB_SAMPLES / name, data.mibs)
     status = STATUS.open(program)
-    program.driver("hold_file", data.windows_path(data.mibs / "A.mib"))
+    program.driver("lock_file", data.windows_path(data.mibs / "A.mib"))
     try:
         expect_no_leak(observer, "reload of the MIB files", rounds(10, 50), lambda: delete_all(program, status))
     finally:
@@ -160,14 +157,13 @@ def test_reloading_the_mib_files_leaves_nothing_behind(observer, program, data):
     assert data.log_messages().count("Delete MIBs failed.") > rounds(10, 50)
 
 
-def test_an_import_leaves_no_more_behind_than_the_dialog_of_the_system_does(observer, program, samples):
+def test_an_import_leaks_no_more_than_the_systems_dialog(observer, program, samples):
     status = STATUS.open(program)
     path = samples.add("one.mib", mib("one", 9999))
     import_files(program, status, path)
     count = rounds(10, 50)
     before, after = measure(observer, "file imported", count, lambda: import_files(program, status, path))
-    # Wine's file dialog loses one handle whenever a file is chosen: a program that does nothing but show the dialog
-    # loses as many. Copying and reloading add none.
+    # Wine's file dialog leaks one handle for each chosen file, in any program. Copying and reloading add none.
     assert after.handles <= before.handles + count + FEW
     assert after.gdi_objects <= before.gdi_objects + FEW
     assert after.windows == before.windows

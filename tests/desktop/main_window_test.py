@@ -1,11 +1,9 @@
-"""The main window: its frame, its five buttons, its indicator, and what the first button does."""
-
-import pytest
+"""The main window: its frame, its buttons, its indicator, and what the first button does."""
 
 from harness.data_folder import config
 from harness.program import MAIN_CLASS, START_LINES, STOP_LINES, TITLE
 from harness.tool_windows import MONITOR, TOOL_WINDOWS
-from harness.traps import LISTENER_PORT, TRAP_PORT, hold_port, send_raw
+from harness.traps import LISTENER_PORT, TRAP_PORT, occupy_port, send_raw
 from harness.waiting import wait_until
 from harness.win32 import (
     SC_MINIMIZE,
@@ -33,11 +31,11 @@ BUTTONS = [
     ("Button", "Status", BUTTON_STYLE, 0, (584, 10, 80, 32), 104),
 ]
 
-# Well inside the disc, which fills the box from (16, 18) to (34, 36).
+# Inside the disc, which fills the box from (16, 18) to (34, 36).
 DISC_POINTS = [(25, 27), (20, 27), (30, 27), (25, 22), (25, 32)]
 # The outline's four extreme points; the right and lower edges of the box are outside.
 OUTLINE_POINTS = [(16, 26), (33, 26), (24, 18), (24, 35)]
-# The corners of the box and its surroundings.
+# The corners of the box, and points around it.
 OUTSIDE_POINTS = [(16, 18), (33, 18), (16, 35), (33, 35), (15, 27), (34, 27), (25, 17), (25, 36), (4, 4)]
 
 
@@ -48,8 +46,11 @@ def wait_for_disc(program, colour):
     )
 
 
-def test_the_frame_has_caption_system_menu_and_minimize_box_only(program):
+def test_the_frame_has_its_title_its_size_and_no_maximize_box(program):
     facts = program.main.facts
+    assert facts.text == TITLE
+    left, top, right, bottom = facts.rect
+    assert (right - left, bottom - top) == (694, 90)
     assert facts.__dict__["class"] == MAIN_CLASS
     assert facts.style & ~(SYSTEM_STYLES | WS_VISIBLE) == 0x00CA0000
     assert facts.exstyle & ~SYSTEM_EXSTYLES == 0
@@ -57,17 +58,7 @@ def test_the_frame_has_caption_system_menu_and_minimize_box_only(program):
     assert not facts.menu
 
 
-def test_the_title_is_exact(program):
-    assert program.main.facts.text == TITLE
-    assert program.main.text == TITLE
-
-
-def test_the_outer_size_is_694_by_90(program):
-    left, top, right, bottom = program.main.facts.rect
-    assert (right - left, bottom - top) == (694, 90)
-
-
-def test_its_place_is_left_to_the_system(data, start):
+def test_the_system_chooses_its_place(data, start):
     left, top, _, _ = start(place=(123, 77)).main.facts.rect
     assert (left, top) == (123, 77)
 
@@ -87,7 +78,7 @@ def test_every_button_uses_the_one_interface_font(program):
         assert button.font.handle == font.handle
 
 
-def test_the_receiver_starts_by_itself_once_and_the_disc_is_green(program, data):
+def test_the_receiver_starts_once_without_a_click_and_the_disc_is_green(program, data):
     data.wait_for_start()
     assert sorted(data.log_messages()[2:]) == START_LINES
     assert program.start_button.text == "Stop server"
@@ -137,14 +128,14 @@ def test_two_quick_clicks_while_stopped_start_and_then_stop(program, data):
     wait_for_disc(program, RED)
 
 
-def test_the_flag_and_not_the_button_text_decides_what_a_click_does(program, data):
+def test_a_click_depends_on_the_receivers_state_and_not_on_the_button_text(program, data):
     program.start_button.set_text("Start server")
     program.toggle()
     data.wait_for_log("Server stopped.")
     assert data.log_messages().count("Starting server...") == 1
 
 
-def test_a_command_is_known_by_its_low_16_bits(program, data):
+def test_only_the_low_16_bits_of_a_command_count(program, data):
     program.main.command(0x70000 | 100)
     data.wait_for_log("Server stopped.")
     program.wait_stopped()
@@ -166,8 +157,8 @@ def test_an_unknown_command_does_nothing(program, data):
     assert len([facts for facts in program.windows() if facts["visible"]]) == windows
 
 
-def test_a_start_with_port_162_taken_stays_red_and_says_why(data, start):
-    with hold_port(TRAP_PORT):
+def test_a_start_with_port_162_in_use_stays_red_and_logs_why(data, start):
+    with occupy_port(TRAP_PORT):
         program = start()
         data.wait_for_log("Bind failed on UDP 162 (Traps). Run as admin or free the port.")
         program.settle()
@@ -177,14 +168,14 @@ def test_a_start_with_port_162_taken_stays_red_and_says_why(data, start):
             "Starting server...",
             "Bind failed on UDP 162 (Traps). Run as admin or free the port.",
         ]
-        # Nothing of the failed start keeps the other port.
-        hold_port(LISTENER_PORT).close()
+        # The failed start has closed the other port.
+        occupy_port(LISTENER_PORT).close()
     program.start()
     wait_for_disc(program, GREEN)
 
 
-def test_a_start_with_port_161_taken_warns_and_runs(data, start):
-    with hold_port(LISTENER_PORT):
+def test_a_start_with_port_161_in_use_warns_and_runs(data, start):
+    with occupy_port(LISTENER_PORT):
         program = start().wait_running()
         data.wait_for_log("Trap thread started (UDP 162).")
         wait_for_disc(program, GREEN)
@@ -218,7 +209,7 @@ def test_closing_while_running_stops_saves_and_exits_with_0(program, data):
     assert data.config.read_bytes() == config()
 
 
-def test_closing_while_stopped_saves_all_the_same_and_exits_with_0(program, data):
+def test_closing_while_stopped_saves_too_and_exits_with_0(program, data):
     program.stop()
     data.wait_for_log("Server stopped.")
     before = len(data.log_messages())
@@ -228,7 +219,7 @@ def test_closing_while_stopped_saves_all_the_same_and_exits_with_0(program, data
 
 
 def test_closing_after_a_failed_start_saves_and_exits_with_0(data, start):
-    with hold_port(TRAP_PORT):
+    with occupy_port(TRAP_PORT):
         program = start()
         data.wait_for_log("Bind failed on UDP 162 (Traps). Run as admin or free the port.")
         assert program.close() == 0
@@ -236,18 +227,18 @@ def test_closing_after_a_failed_start_saves_and_exits_with_0(data, start):
     assert data.log_messages().count("Server stopped.") == 0
 
 
-def test_the_tool_windows_minimise_and_come_back_with_the_main_window(program, data):
+def test_the_tool_windows_are_minimised_and_restored_with_the_main_window(program, data):
     windows = [tool.open(program) for tool in TOOL_WINDOWS]
     program.main.post(WM_SYSCOMMAND, SC_MINIMIZE)
-    wait_until(lambda: program.main.facts.style & WS_MINIMIZE, "the main window as an icon")
-    wait_until(lambda: not any(window.facts.visible for window in windows), "the tool windows gone with it")
+    wait_until(lambda: program.main.facts.style & WS_MINIMIZE, "the main window to be minimised")
+    wait_until(lambda: not any(window.facts.visible for window in windows), "the tool windows to be hidden")
     send_raw(b"")
     data.wait_for_traps(1)
     program.main.post(WM_SYSCOMMAND, SC_RESTORE)
-    wait_until(lambda: not program.main.facts.style & WS_MINIMIZE, "the main window back")
-    wait_until(lambda: all(window.facts.visible for window in windows), "the tool windows back")
+    wait_until(lambda: not program.main.facts.style & WS_MINIMIZE, "the main window to be restored")
+    wait_until(lambda: all(window.facts.visible for window in windows), "the tool windows to be shown")
     assert [program.find_windows(tool.class_name) for tool in TOOL_WINDOWS] == [[window] for window in windows]
     wait_for_disc(program, GREEN)
     monitor = windows[TOOL_WINDOWS.index(MONITOR)]
-    wait_until(lambda: "(not decoded)" in monitor.only("Edit").text, "the trap that came meanwhile")
+    wait_until(lambda: "(not decoded)" in monitor.only("Edit").text, "the trap received meanwhile")
     assert program.close() == 0

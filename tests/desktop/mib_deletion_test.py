@@ -1,4 +1,4 @@
-"""Deleting the MIB files: the question, its answers, and what is left."""
+"""Deleting the MIB files: the question, its answers, and the files that are left."""
 
 from harness.mib_dialogs import (
     MAPPINGS,
@@ -37,7 +37,7 @@ def test_the_question_has_its_exact_text_two_buttons_and_the_status_window_as_ow
     assert [facts.id for facts in children if facts.__dict__["class"] == "Button"] == [ID_YES, ID_NO]
     texts = [facts.text for facts in children if facts.__dict__["class"] == "Static"]
     assert QUESTION in texts
-    # The icon is a static control of its own.
+    # The other one is the icon.
     assert len(texts) == 2
     question.control(ID_NO).click()
     question.wait_closed()
@@ -62,7 +62,7 @@ def test_answering_no_changes_nothing(program, data, status):
     assert (data.mibs / "one.mib").exists()
 
 
-def test_deletion_takes_mib_files_and_leaves_other_files_and_folders(program, data, status):
+def test_only_mib_files_are_deleted_and_no_folders(program, data, status):
     for name in ("a.MIB", "b.txt", "c.my", "d.xml"):
         data.add_mib(name, mib("x", 9991))
     (data.mibs / "folder").mkdir()
@@ -77,7 +77,7 @@ def test_deletion_takes_mib_files_and_leaves_other_files_and_folders(program, da
     assert counts(status) == "Loaded MIB files: 0  |  OID mappings: 0"
 
 
-def test_deleting_from_an_empty_folder_still_logs(program, data, status):
+def test_deleting_from_an_empty_folder_is_logged_too(program, data, status):
     before = len(data.log_messages())
     delete_all(program, status)
     assert new_messages(data, before) == ["All MIB files deleted.", MAPPINGS + "0"]
@@ -93,7 +93,7 @@ def test_a_missing_folder_is_a_failed_deletion(program, data, status):
 def test_a_file_that_cannot_be_removed_stops_the_deletion_there(program, data, status, driver):
     for number, name in enumerate(("a.mib", "b.mib", "c.mib")):
         data.add_mib(name, mib(name[0], 9990 + number))
-    driver("hold_file", data.windows_path(data.mibs / "b.mib"))
+    driver("lock_file", data.windows_path(data.mibs / "b.mib"))
     before = len(data.log_messages())
     try:
         delete_all(program, status)
@@ -103,26 +103,26 @@ def test_a_file_that_cannot_be_removed_stops_the_deletion_there(program, data, s
     messages = new_messages(data, before)
     assert messages[0] == "Delete MIBs failed."
     assert messages[1].startswith(MAPPINGS)
-    # Wine lists a folder by name: what came before the held file is gone, the rest stays.
+    # Wine lists a folder by name: the files before the locked one are deleted, the others are not.
     assert left == ["b.mib", "c.mib"]
 
 
-def test_the_status_window_goes_on_refreshing_behind_the_question(program, data, status):
+def test_the_status_window_is_refreshed_while_the_question_is_open(program, data, status):
     question = ask_to_delete(program, status)
     assert status.line("Last trap:").text == "Last trap:             (none)"
     send_raw(message(integer_binding(1)))
     data.wait_for_traps(1)
-    wait_until(lambda: status.line("Last trap:").text.endswith("s ago)"), "a refresh behind the question")
+    wait_until(lambda: status.line("Last trap:").text.endswith("s ago)"), "a refresh while the question is open")
     question.control(ID_NO).click()
     question.wait_closed()
 
 
-def test_closing_the_main_window_over_an_open_question_ends_the_program_with_0(program, status):
+def test_closing_the_main_window_while_the_question_is_open_exits_with_0(program, status):
     ask_to_delete(program, status)
     assert program.close() == 0
 
 
-def test_the_status_window_closed_behind_the_question_leaves_a_working_program(program, data, status):
+def test_the_program_works_after_the_status_window_is_closed_during_the_question(program, data, status):
     data.add_mib("one.mib", mib("one", 9991))
     ask_to_delete(program, status)
     status.close()

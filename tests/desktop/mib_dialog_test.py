@@ -1,4 +1,4 @@
-"""The system's file dialog as the program shows it, and what may happen behind it."""
+"""The system's file dialog as the program shows it, and events while it is open."""
 
 import pytest
 
@@ -19,7 +19,7 @@ def test_the_dialog_has_its_title_its_filters_and_the_status_window_as_owner(pro
 
 
 @pytest.mark.parametrize("leave", ["choose", "cancel"])
-def test_the_dialog_leaves_the_program_in_the_folder_where_it_was(program, status, samples, leave):
+def test_the_dialog_does_not_change_the_current_folder(program, status, samples, leave):
     program.attach_spy()
     before = program.driver("spy_folder", program.main.handle)["currentFolder"]
     dialog = FileDialog(program, status)
@@ -33,7 +33,7 @@ def test_the_dialog_leaves_the_program_in_the_folder_where_it_was(program, statu
     assert before != samples.windows_folder
 
 
-def test_the_dialog_is_asked_for_with_exactly_this_record(program, status):
+def test_the_dialog_is_opened_with_exactly_this_record(program, status):
     program.attach_spy()
     FileDialog(program, status).cancel()
     flags = 0x00080000 | 0x00000200 | 0x00001000  # explorer, several files, the file must exist
@@ -44,23 +44,23 @@ def test_the_dialog_is_asked_for_with_exactly_this_record(program, status):
     ]
 
 
-def test_the_status_window_goes_on_refreshing_behind_the_dialog(program, data, status):
+def test_the_status_window_is_refreshed_while_the_dialog_is_open(program, data, status):
     dialog = FileDialog(program, status)
     assert status.line("Last trap:").text == "Last trap:             (none)"
     send_raw(message(integer_binding(1)))
     data.wait_for_traps(1)
-    wait_until(lambda: status.line("Last trap:").text.endswith("s ago)"), "a refresh behind the dialog")
+    wait_until(lambda: status.line("Last trap:").text.endswith("s ago)"), "a refresh while the dialog is open")
     dialog.cancel()
 
 
-def test_closing_the_main_window_over_an_open_dialog_ends_the_program_with_0(program, data, status):
+def test_closing_the_main_window_while_the_dialog_is_open_exits_with_0(program, data, status):
     FileDialog(program, status)
     assert program.close() == 0
     assert data.log_messages()[-1] == "Config saved."
     assert list(data.mibs.iterdir()) == []
 
 
-def test_the_status_window_closed_behind_the_dialog_leaves_a_working_program(program, data, status, samples):
+def test_the_program_works_after_the_status_window_is_closed_during_the_dialog(program, data, status, samples):
     dialog = FileDialog(program, status)
     before = data.log_octets()
     status.close()
@@ -89,12 +89,12 @@ def test_a_missing_file_cannot_be_chosen(program, data, status, samples):
     dialog = FileDialog(program, status)
     dialog.type_name(samples.path("missing.mib"))
     dialog.press_open()
-    complaint = wait_until(
+    warning = wait_until(
         lambda: [w for w in program.find_windows(DIALOG_CLASS) if w != dialog.window],
-        "the dialog to complain",
+        "the message that the file is missing",
     )[0]
-    complaint.close()
-    complaint.wait_closed()
+    warning.close()
+    warning.wait_closed()
     dialog.cancel()
     program.settle()
     assert data.log_octets() == before
@@ -107,7 +107,7 @@ def test_a_selection_beyond_the_buffer_crashes_nothing(program, data, status, sa
     dialog = FileDialog(program, status)
     dialog.choose(samples.windows_folder, *names)
     program.settle()
-    # Windows refuses such a selection; Wine writes it past the size it was given and reports success.
+    # Windows refuses such a selection; Wine ignores the size of the buffer and reports success.
     imported = len(list(data.mibs.iterdir()))
     print(f"{imported} of {len(names)} files were imported: Windows would import none")
     assert imported in (0, len(names))
@@ -115,7 +115,7 @@ def test_a_selection_beyond_the_buffer_crashes_nothing(program, data, status, sa
 
 
 @pytest.mark.parametrize("command, title", [(IMPORT_BUTTON, IMPORT_TITLE), (DELETE_BUTTON, QUESTION_TITLE)])
-def test_a_command_is_known_by_its_low_half(program, status, command, title):
+def test_only_the_low_half_of_a_command_counts(program, status, command, title):
     status.command(command | 1 << 16)
     dialog = program.wait_for_window(DIALOG_CLASS, title)
     dialog.close()

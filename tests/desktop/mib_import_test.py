@@ -1,4 +1,4 @@
-"""Importing MIB files through the real dialog: what is copied, logged, loaded and listed."""
+"""Importing MIB files through the real dialog: the copies, the log, the names and the list."""
 
 from harness.data_folder import record
 from harness.mib_dialogs import (
@@ -115,7 +115,7 @@ def test_several_files_are_imported_in_the_order_of_the_dialog(program, data, st
 
 def test_one_file_that_cannot_be_read_is_logged_as_failed(program, data, status, samples, driver):
     path = samples.add("held.mib", mib("held", 9991))
-    driver("hold_file", path)
+    driver("lock_file", path)
     before = len(data.log_messages())
     try:
         import_files(program, status, path)
@@ -125,7 +125,7 @@ def test_one_file_that_cannot_be_read_is_logged_as_failed(program, data, status,
     assert list(data.mibs.iterdir()) == []
 
 
-def test_a_file_of_the_folder_itself_cannot_be_imported_and_stays(program, data, status):
+def test_a_file_of_the_mibs_folder_cannot_be_imported_and_stays(program, data, status):
     data.add_mib("one.mib", mib("one", 9991))
     before = len(data.log_messages())
     import_files(program, status, data.windows_path(data.mibs / "one.mib"))
@@ -133,7 +133,7 @@ def test_a_file_of_the_folder_itself_cannot_be_imported_and_stays(program, data,
     assert (data.mibs / "one.mib").read_bytes() == mib("one", 9991)
 
 
-def test_a_folder_of_its_name_is_in_a_files_way(program, data, status, samples):
+def test_a_folder_with_the_name_of_the_file_makes_the_import_fail(program, data, status, samples):
     (data.mibs / "one.mib").mkdir()
     before = len(data.log_messages())
     import_files(program, status, samples.add("one.mib", mib("one", 9991)))
@@ -154,11 +154,11 @@ def test_without_the_folder_imports_fail_until_the_next_start(program, data, sta
     assert new_messages(data, before) == ["MIB imported: one.mib", MAPPINGS + "1"]
 
 
-def test_the_unreadable_one_of_three_is_passed_over_in_silence(program, data, status, samples, driver):
+def test_an_unreadable_file_among_three_is_skipped_without_a_log_line(program, data, status, samples, driver):
     samples.add("a.mib", mib("a", 9991))
-    held = samples.add("b.mib", mib("b", 9992))
+    locked = samples.add("b.mib", mib("b", 9992))
     samples.add("c.mib", mib("c", 9993))
-    driver("hold_file", held)
+    driver("lock_file", locked)
     before = len(data.log_messages())
     try:
         import_files(program, status, samples.windows_folder, "a.mib", "b.mib", "c.mib")
@@ -174,7 +174,7 @@ def test_a_name_outside_ascii_is_imported_and_cuts_its_log_line(program, data, s
     before = len(data.log_octets())
     import_files(program, status, samples.add("gr\u00fcn-\u4e2d.mib", mib("one", 9991)))
     assert (data.mibs / "gr\u00fcn-\u4e2d.mib").read_bytes() == mib("one", 9991)
-    # A character above 0xFF ends what is written of that line, its line end included.
+    # A character above 0xFF cuts the line in the file, its line end included.
     assert b"  MIB imported: gr\xfcn-2" in data.log_octets()[before:]
     assert listed(status) == ["gr\u00fcn-\u4e2d.mib"]
 

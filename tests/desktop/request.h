@@ -1,5 +1,5 @@
-// One request line of the driver: a verb and its arguments, separated by tabs. ASCII; a character that is not
-// plain comes as \uXXXX (the backslash too).
+// One request line of the driver: a verb and its arguments, separated by tabs. ASCII; all other characters
+// and the backslash are written as \uXXXX.
 #pragma once
 
 #include <stdexcept>
@@ -9,7 +9,7 @@
 
 #include "platform/windows/windows_headers.h"
 
-// Ends the request; its text becomes the reply's "error".
+// Its text becomes the reply's "error".
 class RequestError : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
@@ -19,10 +19,10 @@ struct Request {
     std::string verb;
     std::vector<std::wstring> arguments;
 
-    // These throw RequestError when the argument is missing or is not what is asked for.
+    // These throw RequestError if the argument is missing or of another kind.
     const std::wstring& Text(size_t index) const;
     long long Number(size_t index) const;
-    // A handle of a window that exists.
+    // The handle of an existing window.
     HWND Window(size_t index) const;
 };
 

@@ -15,7 +15,7 @@ SpyMemory* memory = nullptr;
 HHOOK sentHook = nullptr;
 HHOOK fetchedHook = nullptr;
 
-// Before the library is loaded anywhere, since it opens the memory when it is.
+// Must run before the library is loaded, which opens the memory.
 void CreateSharedMemory() {
     if (memory != nullptr) {
         return;
@@ -112,7 +112,7 @@ std::string AttachSpy(HWND window) {
     memory->program = process;
     sentHook = SetHook(library, WH_CALLWNDPROC, "SeeSentMessage", thread);
     fetchedHook = SetHook(library, WH_GETMESSAGE, "SeeFetchedMessage", thread);
-    SendWithLimit(window, WM_NULL, 0, 0);  // the first message that is seen loads the library
+    SendWithLimit(window, WM_NULL, 0, 0);  // the first hooked message loads the library
     return "null";
 }
 
@@ -156,31 +156,31 @@ std::string ReadSpyCalls() {
     return JsonList(calls);
 }
 
-// The texts one behind the other, each with its zero, and one more zero.
+// The texts in a row, each with its terminator, and one more terminator.
 std::string ChooseInNextDialog(const std::vector<std::wstring>& texts) {
     SpyMemory& spy = AttachedMemory();
     std::wstring buffer;
     for (const std::wstring& text : texts) {
         buffer += text + L'\0';
     }
-    if (buffer.size() >= std::size(spy.wishes.choice)) {
+    if (buffer.size() >= std::size(spy.orders.choice)) {
         throw RequestError("too many files to choose");
     }
-    std::fill(std::begin(spy.wishes.choice), std::end(spy.wishes.choice), L'\0');
-    buffer.copy(spy.wishes.choice, buffer.size());
-    spy.wishes.choiceIsReady = 1;
+    std::fill(std::begin(spy.orders.choice), std::end(spy.orders.choice), L'\0');
+    buffer.copy(spy.orders.choice, buffer.size());
+    spy.orders.choiceIsReady = 1;
     return "null";
 }
 
 std::string GrowAtNextReading(const std::wstring& path, const std::wstring& octets) {
-    SpyWishes& wishes = AttachedMemory().wishes;
-    if (path.size() >= std::size(wishes.growingFile) || octets.size() >= std::size(wishes.growth)) {
+    SpyOrders& orders = AttachedMemory().orders;
+    if (path.size() >= std::size(orders.growingFile) || octets.size() >= std::size(orders.growth)) {
         throw RequestError("too long");
     }
-    wishes.growingFile[path.copy(wishes.growingFile, path.size())] = L'\0';
-    std::transform(octets.begin(), octets.end(), wishes.growth,
+    orders.growingFile[path.copy(orders.growingFile, path.size())] = L'\0';
+    std::transform(octets.begin(), octets.end(), orders.growth,
                    [](wchar_t character) { return static_cast<char>(character); });
-    wishes.growth[octets.size()] = '\0';
-    wishes.growthIsReady = 1;
+    orders.growth[octets.size()] = '\0';
+    orders.growthIsReady = 1;
     return "null";
 }

@@ -17,7 +17,7 @@ namespace {
 
 SpyMemory* memory = nullptr;
 
-// A second program under test has the spy to itself.
+// The spy is also loaded into other programs with hooked threads; it must not log their calls.
 bool IsWatched() {
     return memory->program == GetCurrentProcessId();
 }
@@ -81,13 +81,13 @@ BOOL WINAPI SeeGetOpenFileNameW(LPOPENFILENAMEW dialog) {
          L" size=" + std::to_wstring(dialog->lStructSize == sizeof(*dialog)) + L" file=" +
          TextOrNone(dialog->lpstrFile) + L" folder=" + TextOrNone(dialog->lpstrInitialDir) + L" extension=" +
          TextOrNone(dialog->lpstrDefExt));
-    SpyWishes& wishes = memory->wishes;
-    if (wishes.choiceIsReady == 0 || !IsWatched()) {
+    SpyOrders& orders = memory->orders;
+    if (orders.choiceIsReady == 0 || !IsWatched()) {
         return GetOpenFileNameW(dialog);
     }
-    wishes.choiceIsReady = 0;
-    const size_t size = std::min(std::size(wishes.choice), static_cast<size_t>(dialog->nMaxFile));
-    std::copy_n(wishes.choice, size, dialog->lpstrFile);
+    orders.choiceIsReady = 0;
+    const size_t size = std::min(std::size(orders.choice), static_cast<size_t>(dialog->nMaxFile));
+    std::copy_n(orders.choice, size, dialog->lpstrFile);
     return TRUE;
 }
 
@@ -101,11 +101,11 @@ void AppendTo(const wchar_t* path, const char* octets) {
 
 HANDLE WINAPI SeeCreateFileW(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
                              DWORD disposition, DWORD attributes, HANDLE pattern) {
-    SpyWishes& wishes = memory->wishes;
-    if (wishes.growthIsReady != 0 && IsWatched() && access == GENERIC_READ &&
-        _wcsicmp(path, wishes.growingFile) == 0) {
-        wishes.growthIsReady = 0;
-        AppendTo(path, wishes.growth);
+    SpyOrders& orders = memory->orders;
+    if (orders.growthIsReady != 0 && IsWatched() && access == GENERIC_READ &&
+        _wcsicmp(path, orders.growingFile) == 0) {
+        orders.growthIsReady = 0;
+        AppendTo(path, orders.growth);
     }
     return CreateFileW(path, access, share, security, disposition, attributes, pattern);
 }
@@ -137,7 +137,7 @@ void Redirect(const char* name, IMAGE_THUNK_DATA& entry) {
     }
 }
 
-// The program's own table of imported functions, through which all its calls go.
+// Patches the program's import table, which all its calls of the system use.
 void RedirectImports() {
     auto* image = std::bit_cast<BYTE*>(GetModuleHandleW(nullptr));
     const auto* dosHeader = std::bit_cast<const IMAGE_DOS_HEADER*>(image);

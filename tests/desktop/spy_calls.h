@@ -1,13 +1,13 @@
-// Calls of the program under test to the system, caught on their way. Each is noted as a text and goes on to
-// where it wanted, but for a file dialog that the driver has answered already.
+// Logs system calls of the program under test. Each is logged as a text and then made, except a file dialog
+// that the driver has answered already.
 #pragma once
 
 #include "tests/desktop/spy_memory.h"
 
-// In the program's own process, once; the library stays loaded from here on. Noted are, numbers in decimal:
-//   CreateWindowExW CLASS X Y        of windows that are nobody's child, a default place as "default"
-//   WM_SETFONT WINDOW                sent; a window as its handle's number
-//   ShowWindow WINDOW COMMAND
+// Called once in the program's process; the library then stays loaded. Logs, with numbers in decimal and a
+// window as the number of its handle:
+//   WM_SETREDRAW WINDOW FLAG, LB_RESETCONTENT WINDOW     sent messages
+//   InvalidateRect WINDOW part|whole ERASE
 //   MessageBoxW TYPE
 //   GetOpenFileNameW ...             the record as "name=value" texts, the zeros of the filter as "|"
 void CatchCalls(SpyMemory& shared);

@@ -1,6 +1,5 @@
-// Loaded into the program under test by a message hook: reads what another process cannot see (a
-// control's font, a window class's brush, what a window answers to the colouring messages) and notes
-// every timer message.
+// Loaded into the program under test by a message hook: reads facts that another process cannot (a control's
+// font, a window class's brush, a window's answers to the colouring messages) and logs every timer message.
 #include "tests/desktop/spy_calls.h"
 #include "tests/desktop/spy_memory.h"
 
@@ -52,7 +51,7 @@ void AnswerColouring(HWND control, UINT message, SpyAnswer& answer) {
     ReleaseDC(control, context);
 }
 
-// GetGuiResources answers 0 under Wine; a handle's low half alone is enough to ask for its object.
+// GetGuiResources returns 0 under Wine. GetObjectType needs only the low half of a handle.
 uint32_t CountGdiObjects() {
     uint32_t count = 0;
     for (UINT_PTR index = 1; index < 0x10000; ++index) {
@@ -63,8 +62,8 @@ uint32_t CountGdiObjects() {
     return count;
 }
 
-// GetProcessHandleCount answers 0 under Wine too. Handles are multiples of four, and the lowest free one is
-// given out next, so a leak of any number fills the range from below.
+// GetProcessHandleCount returns 0 under Wine. Handles are multiples of four and the lowest free one is used
+// next, so leaked handles fill the range from below.
 uint32_t CountKernelHandles() {
     uint32_t count = 0;
     for (UINT_PTR value = 4; value < 0x8000; value += 4) {

@@ -1,6 +1,6 @@
-// What the spy (a library inside the program under test) and the driver share: one block of named memory.
-// The driver asks by sending spyMessage to a window, and the answer stands here when that call returns. The
-// timer log is written all the time.
+// Named memory that the spy (a library inside the program under test) and the driver share. The driver asks
+// by sending the spy's message to a window; the answer is here when that call returns. The logs are always
+// written.
 #pragma once
 
 #include <cstdint>
@@ -52,9 +52,9 @@ inline constexpr uint32_t kSpyTimerEvents = 512;
 inline constexpr uint32_t spyCalls = 256;
 inline constexpr uint32_t spyCallLength = 512;
 
-// What the driver wants of the calls that are caught. Each is done once and then forgotten.
-struct SpyWishes {
-    // Ready: the next file dialog is not shown and answers with these octets of its buffer.
+// What the spy does at the next call of a function, once each.
+struct SpyOrders {
+    // Ready: the next file dialog is not shown and returns these texts in its buffer.
     volatile uint32_t choiceIsReady;
     wchar_t choice[4096];
     // Ready: before the program opens that file for reading, these octets are appended to it.
@@ -64,11 +64,11 @@ struct SpyWishes {
 };
 
 struct SpyMemory {
-    uint32_t program;  // the process whose calls are to be caught
-    SpyWishes wishes;
-    volatile uint32_t callCount;             // calls ever seen, as with the timers
-    wchar_t calls[spyCalls][spyCallLength];  // each as a text
+    uint32_t program;  // the process whose calls are logged
+    SpyOrders orders;
+    volatile uint32_t callCount;  // calls since the spy was attached
+    wchar_t calls[spyCalls][spyCallLength];
     SpyAnswer answer;
-    volatile uint32_t timerCount;  // events ever seen; the last kSpyTimerEvents of them are kept, round robin
+    volatile uint32_t timerCount;  // events since then; the last kSpyTimerEvents are stored
     SpyTimerEvent timers[kSpyTimerEvents];
 };

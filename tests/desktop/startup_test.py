@@ -1,23 +1,17 @@
-"""Start-up and the end: the data directory, the settings file, the first lines of the log."""
+"""Start and exit: the data folder, the settings file, the first lines of the log, the header of the shipped file."""
 
+import shutil
 import struct
 
 import pytest
 
-from harness.data_folder import LINE_END, DataFolder, config, local_application_data, mask_stamps
-from harness.places import drive_c, program_file
+from harness.data_folder import DataFolder, config, local_application_data, record
+from harness.places import drive_c, program_file, unix_path
 from harness.program import START_LINES
-from harness.traps import TRAP_PORT, hold_port
+from harness.traps import integer_binding, integer_line, message, send_raw
 
 NO_CONFIG = "No config.xml found (or empty). Using defaults."
 NO_MIBS = "MIBs loaded. OID mappings: 0"
-
-
-@pytest.fixture
-def start_idle(start):
-    """Starts the program with port 162 taken, so that it only loads, waits and saves."""
-    with hold_port(TRAP_PORT):
-        yield start
 
 
 def test_a_first_start_makes_the_folders_and_empty_files_but_no_config(program, data):
@@ -37,37 +31,40 @@ def test_a_first_start_logs_the_defaults_and_the_empty_name_store(program, data)
     assert sorted(messages[2:]) == START_LINES
 
 
-def test_log_lines_are_stamp_two_blanks_message_and_the_three_byte_line_end(program, data):
-    lines = mask_stamps(data.log_octets()).split(LINE_END)
-    assert lines[0] == b"#" * 23 + b"  No config.xml found (or empty). Using defaults."
-    assert lines[1] == b"#" * 23 + b"  MIBs loaded. OID mappings: 0"
+def long_path(length):
+    """A folder on drive C: whose path has this many characters."""
+    path = "C:"
+    while length - len(path) > 60:
+        path += "\\" + "d" * 49
+    return path + "\\" + "e" * (length - len(path) - 1)
 
 
-def test_a_second_start_changes_no_byte_that_was_there(data, start):
-    data.folder.mkdir(parents=True)
-    data.traps.write_bytes(b"kept \xe9\x1a\n without an end")
-    data.log.write_bytes(b"2026-03-07 09:05:02.047  Config saved.\r\r\n")
-    start().wait_running()
-    assert data.trap_octets() == b"kept \xe9\x1a\n without an end"
-    assert data.log_octets().startswith(b"2026-03-07 09:05:02.047  Config saved.\r\r\n")
-    data.wait_for_log("Server started.")
-
-
-def test_a_data_path_outside_ascii_is_kept_exactly(data, start):
+@pytest.mark.parametrize(
+    "path", ["C:\\Gr\u00fc\u00dfe \u0416\u4e2d", *map(long_path, (200, 240, 246))], ids=lambda path: str(len(path))
+)
+def test_a_data_path_beyond_ascii_or_of_nearly_260_characters_is_used_unchanged(data, start, path):
     del data
-    name = "Grüße \u0416\u4e2d"
-    parent = drive_c() / name
-    parent.mkdir(exist_ok=True)
-    with local_application_data("C:\\" + name):
+    parent = unix_path(path)
+    parent.mkdir(parents=True)
+    with local_application_data(path):
         elsewhere = DataFolder(parent)
         program = start().wait_running()
-        assert elsewhere.mibs.is_dir()
+        elsewhere.wait_for_start()
+        send_raw(message(integer_binding(1)))
+        elsewhere.wait_for_traps(1)
+        assert elsewhere.masked_traps() == record(integer_line(1))
         assert program.close() == 0
-        assert elsewhere.config.read_bytes() == config()
-        assert elsewhere.log_messages()[-1] == "Config saved."
+    assert elsewhere.config.read_bytes() == config()
+    shutil.rmtree(drive_c() / path.split("\\")[1])
 
 
-def test_a_data_directory_that_cannot_be_made_stops_nothing(data, start):
+def test_a_data_path_beyond_260_characters_does_not_stop_the_program(data, start):
+    del data
+    with local_application_data("C:\\" + "x" * 300):
+        assert start().wait_running().close() == 0
+
+
+def test_a_data_folder_that_cannot_be_made_does_not_stop_the_program(data, start):
     data.folder.parent.mkdir(parents=True, exist_ok=True)
     data.folder.write_bytes(b"a file in the way")
     program = start().wait_running()
@@ -75,7 +72,7 @@ def test_a_data_directory_that_cannot_be_made_stops_nothing(data, start):
     assert data.folder.read_bytes() == b"a file in the way"
 
 
-def test_a_second_copy_runs_beside_the_first(data, start):
+def test_a_second_copy_runs_at_the_same_time(data, start):
     first = start().wait_running()
     second = start().wait_running()
     assert first.process != second.process
@@ -84,45 +81,13 @@ def test_a_second_copy_runs_beside_the_first(data, start):
     assert data.log_messages().count("Config saved.") == 2
 
 
-def test_mib_files_in_the_folder_are_counted_at_the_start(data, start_idle):
-    data.add_mib("tiny.mib", "first OBJECT IDENTIFIER ::= { enterprises 9999 }\n")
-    data.add_mib("not_read.xml", "second OBJECT IDENTIFIER ::= { enterprises 9998 }\n")
-    (data.mibs / "folder.mib").mkdir()
-    program = start_idle()
-    data.wait_for_log("MIBs loaded. OID mappings: 1")
-    assert program.close() == 0
-
-
-SETTINGS = {
-    "its_own_form": (config(1, "10.1.2.3", 8162), config(1, "10.1.2.3", 8162)),
-    "carriage_return_line_feed": (config(1, "10.1.2.3", 8162, b"\r\n"), config(1, "10.1.2.3", 8162)),
-    "enabled_true_is_off": (config("true"), config(0)),
-    "an_empty_address_and_port_0": (config(1, "", 0), config(1, "", 162)),
-    "a_single_word": (b"word", config()),
-}
-
-
-@pytest.mark.parametrize("before, after", SETTINGS.values(), ids=SETTINGS.keys())
-def test_settings_are_loaded_at_start_and_saved_at_exit(data, start_idle, before, after):
-    data.write_config(before)
-    program = start_idle()
+def test_settings_are_loaded_at_start_and_saved_at_exit(data, start):
+    data.write_config(config(1, "10.1.2.3", 8162, b"\r\n"))
+    program = start().wait_running()
     data.wait_for_log("Config loaded.")
-    assert data.config.read_bytes() == before
-    assert program.close() == 0
-    assert data.config.read_bytes() == after
     assert NO_CONFIG not in data.log_messages()
-
-
-@pytest.mark.parametrize(
-    "content", [b"", b"\x1a" + config(1, "10.1.2.3", 99)], ids=["empty", "begins_with_1a"]
-)
-def test_an_empty_settings_file_gives_the_defaults(data, start_idle, content):
-    data.write_config(content)
-    program = start_idle()
-    data.wait_for_log(NO_CONFIG)
     assert program.close() == 0
-    assert data.config.read_bytes() == config()
-    assert "Config loaded." not in data.log_messages()
+    assert data.config.read_bytes() == config(1, "10.1.2.3", 8162)
 
 
 RELOCATIONS_STRIPPED = 0x0001

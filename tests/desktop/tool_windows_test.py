@@ -1,4 +1,4 @@
-"""What the four tool windows promise alike: frame, controls, font, colours, timers, one instance, their end."""
+"""What the four tool windows have in common: frame, controls, font, colours, timers, one instance, closing."""
 
 import statistics
 
@@ -49,12 +49,12 @@ def test_each_class_has_the_white_brush_and_the_arrow_and_neither_icon_nor_menu(
 
 
 def _without_state(control, designed):
-    """The control with what the design leaves open set aside."""
+    """The control without the parts that depend on the program's state or on Wine."""
     class_name, text, style, exstyle, place, number = control
     if designed[1] is None:
         text = None
     if class_name == "ListBox":
-        # Wine takes the scroll bar's style away while all items fit, and cuts the height to whole items.
+        # Wine removes the scroll bar's style while all items fit, and rounds the height down to whole items.
         if not style & WS_VSCROLL or place[3] != designed[4][3]:
             print(f"Wine shows the list box with style {style:#010x} and height {place[3]}.")
         style |= WS_VSCROLL
@@ -79,7 +79,7 @@ def test_every_control_uses_the_one_interface_font(program):
             assert control.font.handle == font
 
 
-def test_edits_and_statics_are_black_on_opaque_white_and_the_rest_is_left_to_the_system(program):
+def test_edits_and_statics_are_black_on_opaque_white_and_others_have_the_systems_colours(program):
     program.attach_spy()
     brush = program.main.window_class.brush.handle
     opaque = 2
@@ -94,13 +94,13 @@ def test_edits_and_statics_are_black_on_opaque_white_and_the_rest_is_left_to_the
 
 
 @each_window
-def test_a_second_click_brings_the_window_to_the_front_and_opens_no_other(program, tool):
+def test_a_second_click_brings_the_window_to_the_foreground_and_opens_no_other(program, tool):
     window = tool.open(program)
-    wait_until(lambda: program.driver("foreground") == window.handle, "the new window in front")
+    wait_until(lambda: program.driver("foreground") == window.handle, "the new window in the foreground")
     other = next(other for other in TOOL_WINDOWS if other is not tool).open(program)
-    wait_until(lambda: program.driver("foreground") == other.handle, "the other window in front")
+    wait_until(lambda: program.driver("foreground") == other.handle, "the other window in the foreground")
     program.main.control(tool.button).click()
-    wait_until(lambda: program.driver("foreground") == window.handle, "the first window in front again")
+    wait_until(lambda: program.driver("foreground") == window.handle, "the first window in the foreground again")
     assert program.find_windows(tool.class_name) == [window]
 
 
@@ -127,7 +127,7 @@ def test_an_unknown_command_and_a_foreign_timer_do_nothing(program, data, tool):
 
 
 @each_window
-def test_controls_keep_their_places_when_the_frame_is_resized(program, tool):
+def test_resizing_the_frame_moves_no_control(program, tool):
     window = tool.open(program)
     before = [facts.place for facts in window.children()]
     program.driver("resize", window.handle, 500, 300)
@@ -159,7 +159,7 @@ def test_the_timer_has_its_id_and_its_period_and_stops_with_the_window(program, 
     assert stays_true(lambda: len(program.driver("spy_timers")) == count, 2.5 * tool.period / 1000)
 
 
-# Of each window that has one that asks nothing.
+# A command of each window that shows no dialog.
 COMMANDS = {FORWARDING: 201, MONITOR: 300, LOG: 400}
 
 
@@ -179,7 +179,7 @@ def test_the_forwarding_window_has_no_timer(program):
     assert stays_true(lambda: program.driver("spy_timers") == [], 1.5)
 
 
-def test_closing_the_main_window_takes_all_four_with_it_and_exits_with_0(program, data):
+def test_closing_the_main_window_closes_all_four_and_exits_with_0(program, data):
     windows = [tool.open(program) for tool in TOOL_WINDOWS]
     assert program.close() == 0
     for window in windows:

@@ -1,4 +1,4 @@
-"""The trap monitor and the log viewer when their file is cleared, replaced or gone."""
+"""The trap monitor and the log viewer when their file is cleared, replaced or deleted."""
 
 import threading
 
@@ -26,7 +26,7 @@ def test_clearing_makes_a_file_that_is_missing(program, data):
 
 
 @each_viewer
-def test_the_clear_command_is_known_by_its_low_half(program, data, viewer):
+def test_only_the_low_half_of_the_clear_command_counts(program, data, viewer):
     window = viewer.open(program)
     command = viewer.controls[1][-1]
     window.command(command | 1 << 16)
@@ -60,11 +60,11 @@ def test_clearing_the_log_leaves_exactly_the_one_line(program, data):
     assert stays_true(lambda: view_of(window).text.count("cleared") == 1, 1)
 
 
-def test_clearing_a_file_that_cannot_be_opened_empties_the_view_and_logs_all_the_same(program, data):
+def test_clearing_a_file_that_cannot_be_opened_empties_the_view_and_logs_too(program, data):
     send_raw(message(integer_binding(1)))
     data.wait_for_traps(1)
     window = MONITOR.open(program)
-    program.driver("hold_file", data.windows_path(data.traps))
+    program.driver("lock_file", data.windows_path(data.traps))
     try:
         window.control(300).click()
         data.wait_for_log("SNMP.txt cleared.")
@@ -76,24 +76,24 @@ def test_clearing_a_file_that_cannot_be_opened_empties_the_view_and_logs_all_the
         program.driver("release_files")
 
 
-def test_clearing_under_fire_loses_no_record_written_after_the_last_clear(program, data):
+def test_clearing_in_a_flood_loses_no_record_written_after_the_last_clear(program, data):
     window = MONITOR.open(program)
     clears = 30
     last = 99999
-    fired = []
+    sent_traps = []
     sent = threading.Event()
     enough = threading.Event()
 
-    def fire():
+    def flood():
         with udp_socket() as udp:
-            while not enough.is_set() and len(fired) < 20000:
-                udp.sendto(message(integer_binding(len(fired))), (LOOPBACK, TRAP_PORT))
-                fired.append(True)
+            while not enough.is_set() and len(sent_traps) < 20000:
+                udp.sendto(message(integer_binding(len(sent_traps))), (LOOPBACK, TRAP_PORT))
+                sent_traps.append(True)
                 sent.set()
                 enough.wait(0.002)
 
-    shooter = threading.Thread(target=fire)
-    shooter.start()
+    sender = threading.Thread(target=flood)
+    sender.start()
     try:
         assert sent.wait(DEFAULT_SECONDS)
         for count in range(1, clears + 1):
@@ -101,16 +101,16 @@ def test_clearing_under_fire_loses_no_record_written_after_the_last_clear(progra
             data.wait_for_log("SNMP.txt cleared.", count)
     finally:
         enough.set()
-        shooter.join()
-    # One more, behind everything that was fired.
+        sender.join()
+    # One more, after all others.
     send_raw(message(integer_binding(last)))
     wait_until(lambda: integer_line(last).encode() in data.trap_octets(), "the last record in the file")
     wait_until(lambda: integer_line(last) in view_of(window).text, "the last record in the view")
     octets = data.trap_octets()
     check_view_follows(view_of(window).text, as_read_later(octets))
-    # From the first record after the last clear on, everything that was sent is there.
+    # From the first record after the last clear on, all are there.
     numbers = [int(line.rsplit(b" ", 1)[1]) for line in octets.split(LINE_END) if b"INTEGER" in line]
-    assert numbers == [*range(numbers[0], len(fired)), last]
+    assert numbers == [*range(numbers[0], len(sent_traps)), last]
     assert program.runs
 
 
@@ -147,7 +147,7 @@ def test_a_longer_file_is_shown_from_where_the_former_ended(program, data):
     wait_for_view(view, "12345fgh")
 
 
-def test_a_file_of_the_same_size_is_not_looked_at(program, data):
+def test_a_file_of_the_same_size_is_not_read_again(program, data):
     data.traps.write_bytes(b"12345")
     view = view_of(MONITOR.open(program))
     replace(data.traps, b"abcde")

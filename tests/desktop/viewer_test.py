@@ -18,12 +18,12 @@ from harness.views import (
 from harness.waiting import DEFAULT_SECONDS, wait_until
 from harness.win32 import EM_CANUNDO, WM_TIMER
 
-# What an edit control takes unless it is told otherwise.
+# The default limit of an edit control's text.
 DEFAULT_LIMIT = 30000
 
 
 def send_numbered(first, count, data, announced=None):
-    """Sends traps in portions that the smallest receive buffer holds; their records show their numbers."""
+    """Sends traps in portions that fit into the smallest receive buffer; their records show their numbers."""
     announced = first if announced is None else announced
     with udp_socket() as udp:
         for portion in range(0, count, 100):
@@ -85,7 +85,7 @@ def test_a_new_line_appears_at_the_end_of_the_log_view(program, data):
 
 
 def is_at_end(view):
-    """Whether the last line can be seen: the view shows 20-odd lines, and the lines behind the first one are fewer."""
+    """Whether the last line is visible: no more lines follow the first visible one than fit into the view."""
     edit = view.edit
     return edit.firstVisibleLine > 0 and edit.lines - edit.firstVisibleLine <= 460 // 12
 
@@ -138,32 +138,7 @@ def test_octets_above_7f_are_read_one_way_at_opening_and_another_later(data, sta
     wait_for_view(view, text + "Gr\u00fc\u00dfe \u4e2d\n\u00e9 \u20ac \u0081 \u00ff\n")
 
 
-def test_a_line_end_of_three_octets_is_read_as_two_at_opening_and_as_three_later(program, data):
-    data.traps.write_bytes(b"a\r\r\n")
-    view = view_of(MONITOR.open(program))
-    assert view.text == "a\r\n"
-    append(data.traps, b"b\r\r\n")
-    wait_for_view(view, "a\r\nb\r\r\n")
-
-
-def test_1a_ends_the_text_at_opening_only(program, data):
-    data.traps.write_bytes(b"a\x1ab")
-    view = view_of(MONITOR.open(program))
-    assert view.text == "a"
-    append(data.traps, b"c\x1ad")
-    wait_for_view(view, "ac\x1ad")
-
-
-def test_octets_0_are_shown_as_blanks_and_hide_nothing(program, data):
-    data.traps.write_bytes(b"a\0\0b\n")
-    view = view_of(MONITOR.open(program))
-    assert view.text == "a  b\n"
-    append(data.traps, b"\0c\0")
-    wait_for_view(view, "a  b\n c ")
-    assert data.traps.read_bytes() == b"a\0\0b\n\0c\0"
-
-
-# As long as the longest line that a datagram can bring.
+# As long as the longest line that one datagram can make.
 LONG_LINE = ("1.3.6.1.4.1." + "".join(f"{number % 300}." for number in range(80000)))[:260000].encode() + LINE_END
 
 
@@ -174,7 +149,7 @@ def in_parts(line):
 
 
 def test_a_line_of_260000_digits_is_shown_in_parts_within_seconds(program, data):
-    """The edit control needed minutes for it, in which the window could not even be cleared."""
+    """In one piece it would block the edit control for minutes."""
     data.traps.write_bytes(b"before\n" + LONG_LINE + b"after\n")
     started = time.monotonic()
     view = view_of(MONITOR.open(program))
@@ -204,7 +179,7 @@ def test_a_file_too_large_for_the_view_is_replaced_by_its_size_and_followed(prog
     assert view.text == too_large(GIBIBYTE)
     append(data.traps, b"added\n")
     wait_for_view(view, too_large(GIBIBYTE) + "added\n")
-    # The file grows by another gibibyte at once.
+    # The file grows by another gibibyte between two polls.
     with data.traps.open("ab") as file:
         file.truncate(2 * GIBIBYTE + 6)
     wait_for_view(view, too_large(2 * GIBIBYTE + 6))
@@ -218,7 +193,7 @@ OTHER_TIMERS = (1, 1000, 1001, 1002, 1003)
 
 
 def open_before_a_new_line(program, data, viewer):
-    """A viewer that does not look by itself, and its text, which its file has outgrown by "new"."""
+    """A viewer without a timer, and its text; its file has one line more."""
     data.wait_for_start()
     program.attach_spy()
     window = viewer.open(program)
@@ -229,7 +204,7 @@ def open_before_a_new_line(program, data, viewer):
 
 
 @each_viewer
-def test_only_its_own_timer_makes_a_viewer_look(program, data, viewer):
+def test_only_its_own_timer_refreshes_a_viewer(program, data, viewer):
     window, before = open_before_a_new_line(program, data, viewer)
     for number in OTHER_TIMERS:
         if number != viewer.timer:
@@ -240,7 +215,7 @@ def test_only_its_own_timer_makes_a_viewer_look(program, data, viewer):
 
 
 @each_viewer
-def test_a_second_click_does_not_load_the_file_anew(program, data, viewer):
+def test_a_second_click_does_not_reload_the_file(program, data, viewer):
     window, before = open_before_a_new_line(program, data, viewer)
     program.main.control(viewer.button).click()
     program.settle()
@@ -249,7 +224,7 @@ def test_a_second_click_does_not_load_the_file_anew(program, data, viewer):
     assert view_of(window).text == before + "new\n"
 
 
-def test_what_is_written_between_the_size_and_the_reading_shows_twice(program, data):
+def test_text_written_between_the_size_query_and_the_reading_is_shown_twice(program, data):
     data.traps.write_bytes(b"old\n")
     program.attach_spy()
     program.grow_at_next_reading(data.windows_path(data.traps), "first ")
@@ -269,37 +244,14 @@ def test_what_is_written_between_the_size_and_the_reading_shows_twice(program, d
     assert view_of(window).text == shown + "third "
 
 
-def test_what_came_later_cannot_be_undone(program, data):
+def test_appended_text_cannot_be_undone(program, data):
     view = view_of(MONITOR.open(program))
     append(data.traps, b"new\n")
     wait_for_view(view, "new\n")
     assert view.send(EM_CANUNDO) == 0
 
 
-def test_a_character_cut_by_two_polls_is_read_as_two_of_the_ansi_code_page(program, data):
-    program.attach_spy()
-    window = MONITOR.open(program)
-    window.kill_timer(MONITOR.timer)
-    whole = "\u00e9".encode()
-    for part, shown in ((whole[:1], "\u00c3"), (whole[1:], "\u00c3\u00a9"), (whole, "\u00c3\u00a9\u00e9")):
-        append(data.traps, part)
-        window.send(WM_TIMER, MONITOR.timer)
-        assert view_of(window).text == shown
-
-
-def test_the_viewers_follow_their_own_files(program, data):
-    data.wait_for_start()
-    monitor, log = view_of(MONITOR.open(program)), view_of(LOG.open(program))
-    before = log.text
-    send_raw(b"")
-    data.wait_for_traps(1)
-    wait_for_view(monitor, as_read_later(data.trap_octets()))
-    wait_until(lambda: log.text.endswith("  Trap received (127.0.0.1).\r\r\n"), "the line in the log view")
-    assert log.text.startswith(before)
-    assert "Trap received" not in monitor.text
-
-
-def test_reopening_shows_what_came_while_closed(program, data):
+def test_reopening_shows_the_traps_received_while_closed(program, data):
     window = MONITOR.open(program)
     window.close()
     window.wait_closed()

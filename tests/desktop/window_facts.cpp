@@ -43,9 +43,7 @@ std::string PlaceInParent(HWND window, RECT rect) {
 
 JsonObject Describe(HWND window, const std::wstring& text) {
     RECT rect = {};
-    RECT client = {};
     GetWindowRect(window, &rect);
-    GetClientRect(window, &client);
     DWORD process = 0;
     const DWORD thread = GetWindowThreadProcessId(window, &process);
     const bool isChild = (GetWindowLongPtrW(window, GWL_STYLE) & WS_CHILD) != 0;
@@ -64,7 +62,6 @@ JsonObject Describe(HWND window, const std::wstring& text) {
         .Add("process", JsonNumber(process))
         .Add("thread", JsonNumber(thread))
         .Add("rect", Numbers({rect.left, rect.top, rect.right, rect.bottom}))
-        .Add("client", Numbers({client.right, client.bottom}))
         .Add("place", PlaceInParent(window, rect));
     return facts;
 }
@@ -170,22 +167,6 @@ std::string DescribeEdit(HWND edit) {
     facts.Add("selection", Numbers({static_cast<LONG>(start), static_cast<LONG>(end)}))
         .Add("lines", JsonNumber(SendWithLimit(edit, EM_GETLINECOUNT, 0, 0)))
         .Add("firstVisibleLine", JsonNumber(SendWithLimit(edit, EM_GETFIRSTVISIBLELINE, 0, 0)))
-        .Add("limit", JsonNumber(SendWithLimit(edit, EM_GETLIMITTEXT, 0, 0)))
         .Add("length", JsonNumber(SendWithLimit(edit, WM_GETTEXTLENGTH, 0, 0)));
-    return facts.Text();
-}
-
-std::string DescribeVerticalScroll(HWND window) {
-    SCROLLINFO info = {};
-    info.cbSize = sizeof(info);
-    info.fMask = SIF_ALL;
-    if (GetScrollInfo(window, SB_VERT, &info) == FALSE) {
-        return "null";
-    }
-    JsonObject facts;
-    facts.Add("page", JsonNumber(info.nPage))
-        .Add("position", JsonNumber(info.nPos))
-        .Add("minimum", JsonNumber(info.nMin))
-        .Add("maximum", JsonNumber(info.nMax));
     return facts.Text();
 }

@@ -1,2 +1,2 @@
-"""What starts Wine's programs, drives them and looks at what they wrote: for the desktop tests, the storms, the package
-tests, the pictures and run.sh alike. scripts/wine.sh makes it importable."""
+"""Starts programs under Wine, drives them and reads their files: for the desktop tests, the bursts of bench/, the
+package tests, the pictures and run.sh. scripts/wine.sh makes it importable."""

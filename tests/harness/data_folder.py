@@ -1,4 +1,4 @@
-"""The program's data directory, seen from outside: its files as bytes, its log as messages."""
+"""The program's data folder: its files as octets, its log as messages."""
 
 import re
 import shutil
@@ -56,14 +56,14 @@ def local_application_data(value):
 
 
 def find_data_folder(driver):
-    """The folder of a program that starts now. Asked of the system that the program asks: whose name Wine gives to the
-    user's folder is its own affair."""
+    """The data folder of a program that starts now. The driver asks Wine for it, since Wine chooses the name of the
+    user's folder."""
     return DataFolder(unix_path(driver("local_application_data")))
 
 
 class DataFolder:
     def __init__(self, parent):
-        """parent: the folder for programs' data, in which each has one of its own."""
+        """parent: the folder that contains the data folders of all programs."""
         self.folder = Path(parent) / "Quillmont"
         self.mibs = self.folder / "mibs"
         self.config = self.folder / "config.xml"
@@ -77,7 +77,7 @@ class DataFolder:
             self.folder.unlink(missing_ok=True)
 
     def windows_path(self, path=None):
-        """The same path as the program names it."""
+        """The path as the program writes it."""
         return windows_path(path or self.folder)
 
     def add_mib(self, name, text):
@@ -98,7 +98,7 @@ class DataFolder:
         return mask_stamps(self.trap_octets())
 
     def log_messages(self):
-        """The messages in order. Fails on anything that is no whole log line, but for a line being written."""
+        """The messages in order. Fails if there is anything but log lines, except a last one without its end."""
         octets = self.log_octets()
         whole = octets[: octets.rfind(b"\n") + 1]
         strange = LOG_LINE.sub(b"", whole)
@@ -106,14 +106,14 @@ class DataFolder:
         return [message.decode("latin-1") for _, message in LOG_LINE.findall(whole)]
 
     def wait_for_log(self, message, count=1):
-        """Waits until the log holds the message `count` times."""
+        """Waits until the log has the message `count` times."""
         wait_until(
             lambda: self.log_messages().count(message) >= count,
             lambda: f"{count} x {message!r} in the log, which ends in {self.log_messages()[-20:]!r}",
         )
 
     def wait_for_start(self, count=1):
-        """Waits until everything is in the log that `count` starts with both ports free write, whatever else is."""
+        """Waits for the last log lines of `count` starts with both ports free."""
         last_lines = [
             b"Trap thread started (UDP 162).",
             b"Listener thread started (UDP 161).",
@@ -125,12 +125,12 @@ class DataFolder:
         )
 
     def traps_received(self):
-        """How many datagrams have been announced, which happens after their records are written."""
+        """How many datagrams are in the log. Their records are written before that."""
         return sum(message.startswith("Trap received (") for message in self.log_messages())
 
     def wait_for_traps(self, count):
-        """Waits until `count` datagrams have been announced."""
+        """Waits until `count` datagrams are in the log."""
         wait_until(
             lambda: self.traps_received() >= count,
-            lambda: f"{count} traps in the log, which holds {self.log_messages()[-5:]!r}",
+            lambda: f"{count} traps in the log, which ends in {self.log_messages()[-5:]!r}",
         )

@@ -1,4 +1,4 @@
-"""The Python end of driver.cpp: requests go in as lines, JSON comes back."""
+"""The Python side of driver.cpp: writes requests as lines, reads replies as JSON."""
 
 import json
 import select
@@ -10,7 +10,7 @@ ANSWER_SECONDS = 120
 
 
 class DriverError(Exception):
-    """The driver answered with an error."""
+    """The driver replied with an error, or not at all."""
 
 
 def _escape(argument):
@@ -35,7 +35,7 @@ class Driver:
         return reply["value"]
 
     def _read_line(self):
-        # One request at a time, so nothing but this reply can be on its way.
+        # There is one request at a time, so this is its reply.
         readable, _, _ = select.select([self._process.stdout], [], [], ANSWER_SECONDS)
         if not readable:
             raise DriverError(f"no answer within {ANSWER_SECONDS} s")

@@ -1,4 +1,4 @@
-"""The pytest fixtures of whatever drives the program in its windows."""
+"""The pytest fixtures of all tests that drive the program in its windows."""
 
 import shutil
 
@@ -20,7 +20,7 @@ def driver():
 
 @pytest.fixture
 def data(driver):
-    """A data directory that does not exist yet."""
+    """The data folder, which does not exist yet."""
     data = find_data_folder(driver)
     data.remove()
     return data
@@ -28,7 +28,7 @@ def data(driver):
 
 @pytest.fixture
 def start(driver):
-    """A function that starts the program; whatever it started is gone after the test."""
+    """A function that starts the program. The programs are terminated after the test."""
     started = []
 
     def start_program(executable=None, **options):
@@ -42,14 +42,14 @@ def start(driver):
 
 @pytest.fixture
 def program(data, start):
-    """The program with a fresh data directory and a running receiver."""
+    """The program with a new data folder and a running receiver."""
     del data
     return start().wait_running()
 
 
 @pytest.fixture
 def samples():
-    """A folder of files that the operator picks from."""
+    """A folder of files to import."""
     folder = drive_c() / "samples"
     folder.mkdir()
     yield Samples(folder)

@@ -1,4 +1,4 @@
-"""Importing and deleting MIB files by hand: the system's file dialog and the question before the deletion."""
+"""Importing and deleting MIB files in the windows: the system's file dialog and the question before the deletion."""
 
 from harness.places import windows_path
 from harness.tool_windows import DELETE_BUTTON, IMPORT_BUTTON
@@ -17,7 +17,7 @@ def mib(name, number):
 
 
 class Samples:
-    """A folder of files that the operator picks from."""
+    """A folder of files to import."""
 
     def __init__(self, folder):
         self.folder = folder
@@ -39,7 +39,7 @@ class FileDialog:
         self._file_name()
 
     def _descendant(self, class_name, number):
-        """A control of the dialog; it makes some of them after it has become visible."""
+        """A control of the dialog. The dialog creates some of them after it has become visible."""
 
         def find():
             for facts in self.window.descendants():
@@ -61,7 +61,7 @@ class FileDialog:
         self._descendant("Button", ID_OK).click()
 
     def go_to(self, folder):
-        """Typing a folder's name and pressing Open shows that folder."""
+        """Shows the folder, by typing its name and pressing Open."""
         self.type_name(folder)
         self.press_open()
         self._descendant("ComboBox", ID_LOOK_IN).wait_text(folder.rsplit("\\", 1)[1])
@@ -87,7 +87,7 @@ class FileDialog:
 
 def import_files(program, status, *paths):
     FileDialog(program, status).choose(*paths)
-    # The reload and the refresh follow before anything else is handled.
+    # The program reloads and refreshes before it handles another message.
     program.settle()
 
 
@@ -108,7 +108,7 @@ def new_messages(data, before):
 
 
 def listed(status):
-    """What the status window lists as MIB files."""
+    """The status window's list of MIB files."""
     return status.only("ListBox").list_items()
 
 

@@ -6,12 +6,12 @@ from harness.waiting import wait_until
 
 
 def _look_at_display():
-    """Everything on the display, as a file of xwd's format."""
+    """The whole display, in xwd's format."""
     return subprocess.run(["xwd", "-root", "-silent"], check=True, capture_output=True).stdout
 
 
 def save_area(path, windows, rect):
-    """Saves this part of the display as a PNG file, once the windows are painted: two looks in a row are the same."""
+    """Saves this part of the display as a PNG file, once the windows are painted: when two captures are the same."""
     for window in windows:
         window.repaint()
     seen = [None]

@@ -1,4 +1,4 @@
-"""Where the programs are that the harness starts."""
+"""The programs that the harness starts, and paths under Wine."""
 
 import os
 from pathlib import Path
@@ -23,7 +23,7 @@ def drive_c():
 
 
 def windows_path(path):
-    """The same path as a Windows program names it."""
+    """The path as a Windows program writes it."""
     path = Path(path)
     if "WINEPREFIX" in os.environ and path.is_relative_to(drive_c()):
         drive, path = "C:\\", path.relative_to(drive_c())
@@ -33,7 +33,7 @@ def windows_path(path):
 
 
 def unix_path(path):
-    """The same path, one of drive C:, as this machine names it."""
+    """A path on drive C: as a path of this machine."""
     drive, _, rest = path.partition("\\")
     assert drive.upper() == "C:", f"{path} is not on drive C:"
     return drive_c() / rest.replace("\\", "/")

@@ -1,4 +1,4 @@
-"""Windows processes under Wine: starting them, and their Unix side."""
+"""Windows processes under Wine: starting them, and their Unix processes."""
 
 import os
 import re
@@ -7,7 +7,7 @@ from pathlib import Path
 
 
 def start_wine(*command, **options):
-    """A Windows program that this process talks to through pipes; its errors are Wine's own chatter."""
+    """Starts a Windows program with pipes for its input and output. Its error output, Wine's messages, is discarded."""
     return subprocess.Popen(
         ["wine", *map(str, command)],
         stdin=subprocess.PIPE,
@@ -18,8 +18,8 @@ def start_wine(*command, **options):
 
 
 def run_wine(*command, seconds=120, output=subprocess.DEVNULL):
-    """The exit code; what is printed goes into the file `output`. No pipes: what a command leaves running would hold
-    them open, and so would Wine's services, which the first program of a prefix starts."""
+    """Returns the exit code; the output goes into the file `output`. Not into a pipe: programs that the command leaves
+    running, such as Wine's services, would keep it open."""
     return subprocess.run(
         ["wine", *map(str, command)],
         stdin=subprocess.DEVNULL,
@@ -31,14 +31,14 @@ def run_wine(*command, seconds=120, output=subprocess.DEVNULL):
 
 
 def ask_wine(*command, seconds=120):
-    """What a command prints that leaves nothing running."""
+    """Returns the output of a command that leaves nothing running."""
     return subprocess.run(
         ["wine", *map(str, command)], capture_output=True, text=True, timeout=seconds, check=False
     ).stdout
 
 
 def wine_processes(executable):
-    """The Unix process numbers of the programs of that file name in our prefix, each with its command line."""
+    """The Unix process numbers of the programs with that file name in our prefix, with their command lines."""
     prefix = f"WINEPREFIX={os.environ['WINEPREFIX']}".encode()
     found = {}
     for folder in Path("/proc").glob("[0-9]*"):
@@ -46,7 +46,7 @@ def wine_processes(executable):
             command = (folder / "cmdline").read_bytes().rstrip(b"\0").split(b"\0")
             environment = (folder / "environ").read_bytes().split(b"\0")
         except OSError:
-            continue  # it has just ended, or is somebody else's
+            continue  # it has just ended, or belongs to another user
         name = command[0].replace(b"\\", b"/").rpartition(b"/")[2]
         if name == executable.encode() and prefix in environment:
             found[int(folder.name)] = b" ".join(command).decode(errors="replace")
@@ -54,14 +54,14 @@ def wine_processes(executable):
 
 
 def find_wine_process(executable):
-    """The Unix process number of the program of that file name in our prefix."""
+    """The Unix process number of the program with that file name in our prefix."""
     for pid in wine_processes(executable):
         return pid
     raise AssertionError(f"no process {executable}")
 
 
 def memory_kilobytes(pid, field="VmRSS"):
-    """Memory of the process: VmRSS is what is resident now, VmHWM the most that ever was."""
+    """Memory of the process: VmRSS is the resident memory, VmHWM its peak."""
     status = Path("/proc", str(pid), "status").read_text(encoding="ascii", errors="replace")
     return int(re.search(rf"^{field}:\s+(\d+)", status, re.M)[1])
 

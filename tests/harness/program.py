@@ -1,4 +1,4 @@
-"""Quillmont.exe itself: starting it, finding its windows, closing it."""
+"""Quillmont.exe: starting it, finding its windows, closing it."""
 
 from harness.places import program_file, windows_path
 from harness.waiting import DEFAULT_SECONDS, wait_until
@@ -13,7 +13,7 @@ MONITOR_BUTTON = 102
 LOG_BUTTON = 103
 STATUS_BUTTON = 104
 
-# What the receiver logs for one start with both ports free; the threads' lines fall where they fall.
+# The log lines of one start with both ports free, sorted, since the order of the threads' lines varies.
 START_LINES = sorted(
     [
         "Starting server...",
@@ -29,7 +29,7 @@ STOP_LINES = sorted(
 
 class Program:
     def __init__(self, driver, executable=None, place=(0, 0)):
-        """`place` is where the system puts the first window when the program leaves it to the system."""
+        """`place`: where the system places the first window if the program leaves that to it."""
         self.driver = driver
         self.process = driver("start", windows_path(executable or program_file()), *place)
         self.main = self.wait_for_window(MAIN_CLASS)
@@ -59,7 +59,7 @@ class Program:
         return self.main.control(START_BUTTON)
 
     def wait_running(self):
-        """The receiver runs: the posted start command has been handled."""
+        """Waits until the receiver runs: the program has handled its posted start command."""
         self.start_button.wait_text("Stop server")
         return self
 
@@ -87,23 +87,23 @@ class Program:
         self.driver("spy_attach", self.main.handle)
 
     def calls(self, function):
-        """What the program has asked of that function of the system since the spy was attached, as texts."""
+        """The program's calls of that system function since the spy was attached, as texts."""
         return [call for call in self.driver("spy_calls") if call.split(" ", 1)[0] == function]
 
     def choose_in_next_dialog(self, *texts):
-        """The next file dialog answers with these texts in its buffer instead of being shown."""
+        """The next file dialog is not shown; it returns these texts in its buffer."""
         self.driver("spy_choose", *texts)
 
     def grow_at_next_reading(self, path, text):
-        """The next time the program opens the file for reading, it has grown by the text."""
+        """Appends the text just before the program opens the file for reading the next time."""
         self.driver("spy_grow", path, text)
 
     def settle(self):
-        """Returns when the program has handled everything that was posted to it before this call."""
+        """Waits until the program has handled all messages posted before this call."""
         self.main.send(0)
 
     def exit_code(self, seconds=0):
-        """The exit code once the program has ended; None while it runs, asked about for so long."""
+        """The exit code; None if the program still runs after this time."""
         return self.driver("wait_for_exit", self.process, int(seconds * 1000))
 
     @property
@@ -117,11 +117,11 @@ class Program:
         return code
 
     def close(self):
-        """Closes the main window; the exit code."""
+        """Closes the main window. Returns the exit code."""
         self.main.close()
         return self.wait_for_exit()
 
     def end(self):
-        """For the end of a test: whatever state the program is in, it is gone afterwards."""
+        """Terminates the program if it still runs."""
         if self.runs:
             self.driver("end_process", self.process)

@@ -1,4 +1,4 @@
-"""standard-names.mib, as the packages bring it."""
+"""standard-names.mib, as in the packages."""
 
 import subprocess
 import sys
@@ -9,7 +9,7 @@ FILE_NAME = "standard-names.mib"
 
 
 def make_standard_names(folder):
-    """Writes the file into the folder; its path."""
+    """Writes the file into the folder. Returns its path."""
     packaging = ROOT / "packaging"
     file = folder / FILE_NAME
     maker = [sys.executable, "-B", packaging / "make_names.py", packaging / "standard_names.txt", file]

@@ -1,5 +1,5 @@
-"""The four tool windows as they were designed: one description each, which the desktop tests compare with the screen
-and by which everybody else opens them."""
+"""The design of the four tool windows: the desktop tests compare it with the screen, and all tests open the windows
+with it."""
 
 from dataclasses import dataclass
 

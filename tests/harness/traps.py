@@ -16,12 +16,12 @@ SNMP_TRAP_OID = "1.3.6.1.6.3.1.1.4.1.0"
 LINK_DOWN = "1.3.6.1.6.3.1.1.5.3"
 ENTERPRISE = "1.3.6.1.4.1.8072.2.3"
 
-# What every notification of version 2c begins with, as lines of a record.
+# The first lines of a record of a version 2c trap.
 V2C_HEAD = [f"---> [1] {SYS_UPTIME}  TimeTicks = {UPTIME}", f"---> [2] {SNMP_TRAP_OID}  OID = {LINK_DOWN}"]
 
 
 def _run(*command):
-    # Neither the machine's settings nor its MIB files shall matter.
+    # Independent of the machine's settings and MIB files.
     environment = dict(os.environ, SNMPCONFPATH="/nonexistent", MIBS="")
     return subprocess.run(command, env=environment, capture_output=True, text=True, timeout=60, check=False)
 
@@ -40,7 +40,7 @@ def send_v2c(*bindings):
 
 
 def send_inform(*bindings):
-    """An inform that is sent once and waits half a second for its answer; whether one came."""
+    """Sends an inform once. Returns whether it was answered within half a second."""
     result = _run(
         "snmptrap", "-Ci", "-v2c", "-cpublic", "-r0", "-t0.5", LOOPBACK, UPTIME, LINK_DOWN, *bindings
     )
@@ -48,22 +48,22 @@ def send_inform(*bindings):
 
 
 def request_from_listener():
-    """A get request to port 161; whether an answer came."""
+    """Sends a get request to port 161. Returns whether it was answered within half a second."""
     result = _run("snmpget", "-v2c", "-cpublic", "-r0", "-t0.5", LOOPBACK, SYS_UPTIME)
     return result.returncode == 0
 
 
 def udp_socket(port=0):
-    """A socket of the loopback address. Without address reuse: while it is open it has the port alone."""
+    """A socket on the loopback address, without address reuse: no other socket can bind its port."""
     udp = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
     udp.bind((LOOPBACK, port))
     udp.settimeout(DEFAULT_SECONDS)
     return udp
 
 
-def hold_port(port):
-    """Occupies the port on all addresses, so that nobody else can bind it. Wine frees the port of a program that
-    has just ended a moment later, so this waits."""
+def occupy_port(port):
+    """Binds the port on all addresses, so that the program cannot. Waits, since Wine frees the port of a program a
+    moment after its end."""
     udp = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
 
     def is_bound():

@@ -1,4 +1,4 @@
-"""The views of the trap monitor and the log viewer, and what they show of a file's octets."""
+"""The views of the trap monitor and the log viewer, and how they show a file's octets."""
 
 import re
 
@@ -47,8 +47,8 @@ def append(path, octets):
 def check_view_follows(view, text):
     """The view shows the numbered records of the text in order, and all of them; some may show twice.
 
-    Kept by the program: the size is taken before the file is read, so what is written between the two is read
-    again with the next poll. The view then goes back to an earlier record and on from there.
+    Intentional: the program reads the size before the file, so records written in between are read again at the next
+    poll. The view then repeats some records.
     """
     records = {
         int(re.search(r"INTEGER = (\d+)", part)[1]): part
@@ -64,5 +64,5 @@ def check_view_follows(view, text):
     assert sorted(set(places)) == list(range(len(order)))
     if len(shown) > len(order):
         print(
-            f"{len(shown) - len(order)} records arrived between size and reading and show twice, which is kept."
+            f"{len(shown) - len(order)} records arrived between the size and the reading and are shown twice."
         )

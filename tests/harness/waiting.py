@@ -1,12 +1,10 @@
-"""Waiting for conditions, never for time."""
+"""Waiting for conditions."""
 
-import os
 import time
 
 POLL_SECONDS = 0.01
-# Far more than anything takes, so that a busy machine fails nothing. Planted faults, many of which are found by what never
-# comes, are judged in less.
-DEFAULT_SECONDS = float(os.environ.get("QUILLMONT_PATIENCE", "60"))
+# Far more than needed, so that a busy machine fails no test.
+DEFAULT_SECONDS = 60
 
 
 def wait_until(condition, what, seconds=DEFAULT_SECONDS):
@@ -22,7 +20,7 @@ def wait_until(condition, what, seconds=DEFAULT_SECONDS):
 
 
 def stays_true(condition, seconds):
-    """Whether condition() held at every look during `seconds`: for things that must not happen."""
+    """Whether condition() was true at each poll for `seconds`: for events that must not happen."""
     deadline = time.monotonic() + seconds
     while time.monotonic() < deadline:
         if not condition():

@@ -1,4 +1,4 @@
-"""The numbers of Windows that the recipes and the harness use, under the names of its headers."""
+"""Constants of Windows, under the names of its headers."""
 
 WM_CLOSE = 0x0010
 WM_SETICON = 0x0080
@@ -33,7 +33,6 @@ LB_GETCURSEL = 0x0188
 LB_GETTOPINDEX = 0x018E
 LB_SETTOPINDEX = 0x0197
 
-SW_SHOW = 5
 SC_MINIMIZE = 0xF020
 SC_RESTORE = 0xF120
 
@@ -60,7 +59,7 @@ ES_AUTOVSCROLL = 0x0040
 ES_AUTOHSCROLL = 0x0080
 ES_READONLY = 0x0800
 
-# The system adds these itself.
+# The system adds these.
 SYSTEM_STYLES = 0x04000000  # WS_CLIPSIBLINGS
 SYSTEM_EXSTYLES = 0x00000104  # WS_EX_WINDOWEDGE, WS_EX_NOPARENTNOTIFY
 

@@ -1,4 +1,4 @@
-"""A window of the program under test, seen and touched through the driver."""
+"""A window of the program under test, through the driver."""
 
 from types import SimpleNamespace
 
@@ -10,7 +10,7 @@ WHITE = 0xFFFFFF
 
 
 def rgb(red, green, blue):
-    """A colour as the system writes it: 0xBBGGRR."""
+    """A colour as a COLORREF: 0xBBGGRR."""
     return red | green << 8 | blue << 16
 
 
@@ -53,11 +53,11 @@ class Window:
         self.post(WM_CLOSE)
 
     def command(self, number):
-        """What a click on the control with this id sends."""
+        """Posts the command that a click on the control with this id sends."""
         self.post(WM_COMMAND, number)
 
     def click(self):
-        """Presses this button. Posted, so that a dialog that it opens blocks nobody."""
+        """Presses this button. Posted, since a button that opens a dialog would block the sender."""
         self.post(BM_CLICK)
 
     @property
@@ -75,18 +75,18 @@ class Window:
         return [Window(self.driver, facts.handle) for facts in self.children()]
 
     def _child_where(self, what, condition):
-        """The handle and the place in the order of creation of the first direct child with these facts."""
+        """The index, in the order of creation, and the window of the first direct child that fulfils the condition."""
         for index, facts in enumerate(self.children()):
             if condition(facts):
                 return index, Window(self.driver, facts.handle)
         raise AssertionError(f"no {what} in {self.facts.text!r}")
 
     def line(self, beginning):
-        """The direct child whose text begins so."""
+        """The direct child whose text begins with this."""
         return self._child_where(beginning, lambda facts: facts.text.startswith(beginning))[1]
 
     def field(self, caption):
-        """The control that was created next behind the one with this caption."""
+        """The control after the one with this caption, in the order of creation."""
         index, _ = self._child_where(caption, lambda facts: facts.text == caption)
         return self.controls()[index + 1]
 
@@ -108,11 +108,6 @@ class Window:
     def edit(self):
         return SimpleNamespace(**self.driver("edit", self.handle))
 
-    @property
-    def scroll(self):
-        scroll = self.driver("scroll", self.handle)
-        return scroll and SimpleNamespace(**scroll)
-
     def pixels(self, *points):
         return self.driver("pixels", self.handle, *(number for point in points for number in point))
 
@@ -123,12 +118,12 @@ class Window:
         self.driver("repaint", self.handle)
 
     def wait_closed(self):
-        wait_until(lambda: not self.exists, "the window to be gone")
+        wait_until(lambda: not self.exists, "the window to be closed")
 
     def wait_text(self, text):
         wait_until(lambda: self.text == text, lambda: f"text {text!r}, last seen {self.text!r}")
 
-    # Through the spy inside the program (Program.attach_spy).
+    # Needs the spy (Program.attach_spy).
 
     @property
     def font(self):
@@ -141,13 +136,13 @@ class Window:
         return SimpleNamespace(**facts)
 
     def colouring(self, message):
-        """What the parent of this control answers to a WM_CTLCOLOR message."""
+        """The answer of this control's parent to a WM_CTLCOLOR message."""
         facts = self.driver("spy_colouring", self.handle, message)["colouring"]
         facts["brush"] = SimpleNamespace(**facts["brush"])
         return SimpleNamespace(**facts)
 
     def kill_timer(self, number):
-        """From here on the window's timer messages are those that a test sends."""
+        """Kills the timer, so that only the test sends timer messages."""
         self.driver("spy_kill_timer", self.handle, number)
 
     def gdi_objects(self):
@@ -158,7 +153,7 @@ class Window:
 
 
 def describe_control(facts):
-    """What a control table says of a control, from what is seen of it."""
+    """The control in the form of the tables of tool_windows.py."""
     return (
         facts.__dict__["class"],
         facts.text,

@@ -62,7 +62,7 @@ def hang(start):
         os.kill(process, signal.SIGCONT)
 
 
-def test_a_hanging_window_delays_setup_once_and_the_other_windows_close(data, installation, start, hang):
+def test_a_hanging_window_delays_setup_once_and_other_windows_are_closed(data, installation, start, hang):
     installation.install()
     hang(installation.program)
     other = start(unpack(drive_c() / "copy") / "Quillmont.exe").wait_running()
@@ -79,7 +79,7 @@ def test_a_program_that_cannot_be_replaced_is_left_alone(driver, installation):
     """It runs in another session: its window cannot be reached, and its file cannot be written."""
     installation.install()
     before = installation.program.read_bytes()
-    driver("hold_file", windows_path(installation.program))
+    driver("lock_file", windows_path(installation.program))
     begin = time.monotonic()
     try:
         assert installation.install() == IN_USE
@@ -94,7 +94,7 @@ def test_a_program_that_cannot_be_replaced_is_left_alone(driver, installation):
 def test_setup_waits_for_a_file_that_is_in_use_for_a_moment(driver, installation):
     """As a virus scanner does."""
     installation.install()
-    driver("hold_file", windows_path(installation.program))
+    driver("lock_file", windows_path(installation.program))
     release = threading.Timer(RELEASE_TIME / 4, lambda: driver("release_files"))
     release.start()
     try:
