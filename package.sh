@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the program and makes the packages that people download, in dist/: the zip, the installer, SHA256SUMS and the
-# release notes. Installs the Debian packages that it needs. Two runs on the same Debian release give the same octets,
+# Builds the program and makes the packages for download in dist/: the zip, the installer, SHA256SUMS and the
+# release notes. Installs the Debian packages that it needs. Two runs on the same Debian release make identical files,
 # unless QUILLMONT_CERTIFICATE names a certificate to sign them with (packaging/sign.sh). For a release use Debian 13 or
 # newer: its NSIS makes a safer installer (packaging/warn_of_old_nsis.sh).
 # With --check-kit it makes instead the zip that tests the program on a real Windows machine.

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Builds Quillmont, runs it under Wine, in a private network where the machine allows one, and sends it real traps; a
+# Builds Quillmont, runs it under Wine, in a private network if the machine allows one, and sends it real traps; a
 # fresh Debian 12 or 13 machine needs nothing beforehand.
 #
-# With a display its windows stand there until the main window is closed. Without one a virtual display shows them,
-# and pictures of them are saved. Asks nothing, but for what sudo asks of an ordinary user when packages are missing,
-# and leaves nothing running.
+# With a display its windows stay open until the main window is closed. Without one it uses a virtual display and saves
+# pictures of the windows. Asks nothing, except that sudo may ask an ordinary user for a password if packages are
+# missing. Leaves nothing running.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 
@@ -13,9 +13,9 @@ private=scripts/in_private_network.sh
 scripts/packages.sh build run
 scripts/build.sh windows Quillmont quillmont_desktop_driver
 
-# Asked from where the program will run: a display that is reached through the network is out of reach there.
+# Checked from where the program will run: a display on the network cannot be reached from a private network.
 if [[ -n "${DISPLAY:-}" ]] && ! "$private" xwd -root -silent >/dev/null 2>&1; then
-    echo "The display $DISPLAY cannot be reached from a private network: a virtual one takes its place."
+    echo "The display $DISPLAY cannot be reached from a private network: using a virtual one."
     unset DISPLAY
 fi
 exec "$private" scripts/show_receiver.sh

@@ -3,22 +3,22 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-# RefuseForeign PLACE: what another user has built here cannot be gone on with.
+# RefuseForeign FOLDER...: fails if another user has built here, since these files cannot be overwritten.
 RefuseForeign() {
     local foreign
     foreign="$(find "$@" ! -writable -print -quit 2>/dev/null || true)"
     if [[ -n "$foreign" ]]; then
-        echo "$PWD/$foreign belongs to $(stat --format %U "$foreign"): remove $PWD/build, or go on as that user." >&2
+        echo "$PWD/$foreign belongs to $(stat --format %U "$foreign"): remove $PWD/build, or build as that user." >&2
         exit 1
     fi
 }
 
-# CMake holds on to the place where it was called first.
-ForgetOtherPlace() {
+# CMake stores the folder of its first call; a clone that was moved needs a new build.
+RemoveMovedBuild() {
     local home
     home="$(sed -n 's/^CMAKE_HOME_DIRECTORY:INTERNAL=//p' "$1/CMakeCache.txt" 2>/dev/null || true)"
     if [[ -n "$home" && ! "$home" -ef . ]]; then
-        echo "$1 was made in $home: building it anew."
+        echo "$1 was made in $home: removed it for a new build."
         rm -rf "$1"
     fi
 }
@@ -30,16 +30,16 @@ RefuseForeign build -maxdepth 0
 if [[ -e "build/$preset" ]]; then
     RefuseForeign "build/$preset"
 fi
-ForgetOtherPlace "build/$preset"
+RemoveMovedBuild "build/$preset"
 rm -f "build/configure-$preset.log"
-# What CMake finds on the way interests nobody unless it fails.
+# The output of CMake is shown only if it fails.
 if ! cmake --preset "$preset" >"build/configure-$preset.log" 2>&1; then
     cat "build/configure-$preset.log" >&2
     exit 1
 fi
 what="$(sed -n "/\"name\": \"$preset\"/{n;s/.*\"displayName\": \"\(.*\)\",/: \1/p}" CMakePresets.json)"
 echo "Building $preset$what..."
-# Ninja overwrites its line of progress where that is possible; elsewhere it would be a line for each file.
+# Ninja overwrites its line of progress on a terminal only; elsewhere it would print a line for each file.
 quiet=()
 if [[ ! -t 1 ]]; then
     quiet=(-- --quiet)

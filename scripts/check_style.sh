@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Checks the C++ sources: their shape (clang-format), the wrapping of documents, the length of files, what
-# clang-tidy says of all that ships, or the direction of the includes between folders.
-# Usage: scripts/check_style.sh format | tidy BUILD_FOLDER | arrows. Prints how to mend the shape. Ends with 77 where the
-# formatter is not of the version that decides.
+# Checks the format of the C++ sources, the line length of documents and the length of files (format), runs clang-tidy
+# on the shipped sources (tidy), or checks the direction of the includes between folders (arrows).
+# Usage: scripts/check_style.sh format | tidy BUILD_FOLDER | arrows. Prints how to fix the format. Exit code 77: this
+# version of clang-format is not the one that the sources use.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -10,8 +10,7 @@ Sources() {
     find "$@" -type f \( -name '*.cpp' -o -name '*.h' \) | sort
 }
 
-# Columns are characters, whatever the locale: the octets that go on with one are not counted. Tables and blocks are as
-# wide as what they hold.
+# Counts characters in any locale: UTF-8 continuation octets are not counted. Tables and code blocks may be wider.
 CheckDocuments() {
     find . \( -name build -o -name dist -o -name '.?*' \) -prune -o -name '*.md' -print | sort |
         LC_ALL=C xargs awk -v limit=120 '
@@ -32,37 +31,37 @@ CheckLengths() {
         END { exit faults > 0 }'
 }
 
-# Each version breaks some lines otherwise than the one before: one decides, and no other is asked.
-deciding_formatter=14
+# Versions of clang-format break some lines differently, so only this one is used.
+formatter_version=14
 
 CheckFormat() {
     local folders=(bench fuzz src tests)
     if ! CheckDocuments; then
-        echo "To mend it: wrap the whole paragraph anew."
+        echo "To fix it: rewrap the paragraph."
         return 1
     fi
     local sources tools
     readarray -t sources < <(Sources bench fuzz src)
     readarray -t tools < <(find bench fuzz packaging scripts -name '*.py' -o -name '*.sh')
     if ! CheckLengths 300 "${sources[@]}" || ! CheckLengths 250 "${tools[@]}"; then
-        echo "To mend it: give what is a matter of its own a file of its own."
+        echo "To fix it: split the file."
         return 1
     fi
     local found
     found="$(clang-format --version | sed -n 's/.*version \([0-9]*\).*/\1/p')"
-    if [[ $found != "$deciding_formatter" ]]; then
-        echo "Skipped: clang-format $found is here, and $deciding_formatter decides (Debian 12 has it). Documents and lengths are in shape."
+    if [[ $found != "$formatter_version" ]]; then
+        echo "Skipped: clang-format $found is installed, but the format is that of $formatter_version (in Debian 12). Documents and lengths are right."
         return 77
     fi
     if ! Sources "${folders[@]}" | xargs clang-format --dry-run --Werror; then
-        echo "To mend it: find ${folders[*]} -name '*.cpp' -o -name '*.h' | xargs clang-format -i"
+        echo "To fix it: find ${folders[*]} -name '*.cpp' -o -name '*.h' | xargs clang-format -i"
         return 1
     fi
-    echo "clang-format: $(Sources "${folders[@]}" | wc -l) files have the right shape."
+    echo "clang-format: $(Sources "${folders[@]}" | wc -l) files are formatted."
 }
 
-# How clang reads the sources that are Windows' own as the cross compiler does, an argument a line: with its headers,
-# but behind clang's own for the processor.
+# Prints the arguments, one per line, with which clang reads the Windows sources as the cross compiler does: with the
+# compiler's headers, after clang's own for the processor.
 WindowsArguments() {
     printf '%s\n' --target=x86_64-w64-mingw32 -std=c++20 -I"$PWD/src" -Wall -Wextra -Wshadow -Werror
     local folder
@@ -81,8 +80,8 @@ RunTidy() {
         2> >(grep -vE 'warnings? generated|Processing file' >&2)
 }
 
-# Only what ships: the tests' own sources would double the time and find nothing that running them does not. What the
-# native build compiles is read as it is compiled there, all the rest as Windows' own.
+# Only the shipped sources: those of the tests would double the time, and running them finds their faults. Files of the
+# native build are checked with its options, all others as Windows sources.
 CheckTidy() {
     local build=$1 shipped portable windows status=0
     shipped=$(Sources src | grep '\.cpp$')
@@ -96,7 +95,7 @@ CheckTidy() {
     RunTidy "$build" "$portable" || status=1
     RunTidy "$build/windows_sources" "$windows" || status=1
     if [[ $status -eq 0 ]]; then
-        echo "clang-tidy: nothing to say about $(wc -l <<<"$portable") portable files and $(wc -l <<<"$windows") of Windows."
+        echo "clang-tidy: no warnings in $(wc -l <<<"$portable") portable files and $(wc -l <<<"$windows") of Windows."
     fi
     return $status
 }
@@ -112,7 +111,7 @@ declare -A may_include=(
     [ui]="config core mib platform trap"
     [app]="config core mib platform trap ui"
 )
-# Where the system may be seen. All else is portable: no header of a system or of C, no conditional compilation.
+# The files that may use the system. All others are portable: no system or C headers, no conditional compilation.
 sees_windows='^src/(app/|platform/windows/|ui/(?!status_text|open_file_names))'
 sees_posix='^src/platform/posix/'
 
@@ -130,7 +129,7 @@ CheckArrows() {
         printf '%s' "$faults"
         return 1
     fi
-    echo "Includes: $(Sources src | wc -l) files include only what their module may know."
+    echo "Includes: $(Sources src | wc -l) files include only modules that they may include."
 }
 
 case "${1:-}" in

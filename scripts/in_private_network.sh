@@ -1,19 +1,19 @@
 #!/usr/bin/env bash
-# Runs a program in a network of its own: ports 161 and 162 are free in it, 127.0.0.1 is all there is, and other runs
-# have their own. Processes that the program leaves behind end with it. Returns the program's exit code.
-# A machine may refuse such a network, as a container without CAP_SYS_ADMIN does. Where the two ports of the machine's own
-# network are free and may be bound, the program runs there instead; the caller sees to it that one runs at a time.
-# Usage: scripts/in_private_network.sh PROGRAM [ARGUMENT...]. Needs no root where user namespaces are allowed.
-#        scripts/in_private_network.sh --check: only whether a program could run; nothing need be installed for that.
-#        scripts/in_private_network.sh --only-private PROGRAM [ARGUMENT...]: exit code 77 where the machine refuses.
+# Runs a program in a private network, which has free ports 161 and 162 and only the loopback interface. Processes that
+# the program leaves running end with it. Returns the program's exit code.
+# A machine may refuse such a network, as a container without CAP_SYS_ADMIN does. If the two ports of the machine's own
+# network are free and may be bound, the program runs there instead; the caller must run one at a time.
+# Usage: scripts/in_private_network.sh PROGRAM [ARGUMENT...]. Needs no root if user namespaces are allowed.
+#        scripts/in_private_network.sh --check: only checks whether a program could run; needs no packages.
+#        scripts/in_private_network.sh --only-private PROGRAM [ARGUMENT...]: exit code 77 if the machine refuses.
 set -euo pipefail
 
 if [[ ${1:-} == --inside ]]; then
     shift
     export QUILLMONT_PRIVATE_NETWORK=1
-    # ip is in a folder that ordinary users do not search.
+    # ip is in a folder that is not in the path of ordinary users.
     PATH="$PATH:/usr/sbin:/sbin" ip link set lo up
-    # No exec: this shell is the first process of its process namespace and collects what others abandon.
+    # No exec: this shell is the first process of its process namespace and reaps orphaned processes.
     code=0
     "$@" || code=$?
     exit "$code"
@@ -41,7 +41,7 @@ WaitForPorts() {
     done
 }
 
-# Inside everybody is root: what each user has of their own, like a Wine prefix, goes by who they are outside.
+# Every user is root inside; folders that belong to one user, like Wine prefixes, use this id from outside.
 export QUILLMONT_USER="${QUILLMONT_USER:-$EUID}"
 
 network=(--net)
@@ -52,7 +52,7 @@ if ! unshare "${network[@]}" true 2>/dev/null; then
     if [[ $EUID -eq 0 ]]; then
         refusal="This machine refuses a private network, even to root: its container lacks CAP_SYS_ADMIN."
     else
-        refusal="This machine refuses ordinary users a private network (user namespaces): be root, or allow them."
+        refusal="This machine refuses ordinary users a private network (user namespaces): run as root, or allow them."
     fi
     if [[ ${1:-} == --only-private ]]; then
         echo "Skipped: $refusal"

@@ -1,17 +1,17 @@
 #!/usr/bin/env bash
 # Names every Debian package that building, running and testing need, and installs what is missing.
 # Usage: scripts/packages.sh [build] [run] [test] [check] [package] [icon] [picture] [bench]. Asks nothing; as an
-# ordinary user it goes through sudo.
+# ordinary user it uses sudo.
 set -euo pipefail
 
 build_packages=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix libgtest-dev)
-# snmp sends the traps that run.sh shows, libsnmp-base brings the MIB files that name them; xwd (x11-apps) and
-# convert (imagemagick) take the pictures; ip and unshare make the private network; python3 runs the recipes;
-# Open Sans stands in for Segoe UI, and fonts-wine has the signs of the caption buttons.
+# snmp sends the traps that run.sh shows, libsnmp-base has the MIB files that name them; xwd (x11-apps) and
+# convert (imagemagick) take the pictures; ip and unshare make the private network; python3 runs the tests;
+# Open Sans replaces Segoe UI, and fonts-wine has the symbols of the caption buttons.
 run_packages=(wine wine64 xvfb x11-apps imagemagick snmp libsnmp-base iproute2 util-linux python3
     fonts-open-sans fonts-wine)
 test_packages=(git python3-pytest)
-# clang reads the sources and makes the fuzzers; evilwm manages the windows on the display that stands for a user's.
+# clang reads the sources and makes the fuzzers; evilwm is the window manager of a test display.
 check_packages=(clang libclang-rt-dev clang-format clang-tidy evilwm)
 
 # makensis (nsis) makes the installer, pandoc the guide's HTML; osslsigncode signs, and openssl makes what the tests
@@ -46,7 +46,7 @@ Refuse() {
 
 as_root=()
 if ! command -v apt-get >/dev/null; then
-    Refuse "There is no apt-get here; install these by the means of this system: ${missing[*]}"
+    Refuse "There is no apt-get here; install with this system's package manager: ${missing[*]}"
 fi
 if [[ $EUID -ne 0 ]]; then
     if ! command -v sudo >/dev/null; then

@@ -1,5 +1,5 @@
 """Starts the program, sends it real traps, saves pictures of its windows, closes it and prints what it wrote. With
---until-closed it opens the windows instead and waits until somebody closes the main window.
+--until-closed it opens the windows instead and waits until the main window is closed.
 
 WINEPREFIX, DISPLAY and where the harness is are set by show_receiver.sh.
 """

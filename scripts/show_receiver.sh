@@ -26,7 +26,7 @@ if [[ -n "${DISPLAY:-}" ]]; then
     # Each run has its own network, and a prefix can be used in one network only.
     exec 8>"$wine_folder/run.lock"
     if ! flock --nonblock 8; then
-        echo "run.sh runs already; close that window first." >&2
+        echo "run.sh is already running; close its main window first." >&2
         exit 1
     fi
     UsePrefix "$wine_folder/run"

@@ -93,9 +93,9 @@ StopWine() {
     fi
 }
 
-# Starts a virtual display on a free number and exports DISPLAY. Without a socket or a lock file in /tmp: the server sees
-# only the processes of its private network, so it would replace the socket and the lock of the user's own display as
-# abandoned. Without a reset when the last window closes: it drops programs that connect at that moment.
+# Starts a virtual display on a free number and exports DISPLAY. Without a socket or a lock file in /tmp: the server
+# sees only the processes of its private network, so it would replace the socket and the lock of the user's own display
+# as abandoned. Without a reset when the last window closes: it drops programs that connect at that moment.
 StartDisplay() {
     local channel
     channel="$(mktemp -u)"

@@ -114,7 +114,7 @@ def test_several_files_are_imported_in_the_order_of_the_dialog(program, data, st
 
 
 def test_one_file_that_cannot_be_read_is_logged_as_failed(program, data, status, samples, driver):
-    path = samples.add("held.mib", mib("held", 9991))
+    path = samples.add("locked.mib", mib("locked", 9991))
     driver("lock_file", path)
     before = len(data.log_messages())
     try:

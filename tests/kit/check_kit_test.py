@@ -1,4 +1,4 @@
-"""The check kit as somebody with a Windows machine uses it: unpacked, started by check.cmd, its report read."""
+"""The check kit as its users run it: unpacked, started by check.cmd, its report read."""
 
 import os
 import re
@@ -34,7 +34,7 @@ def kit(tmp_path_factory):
 
 @pytest.fixture(name="users_folder")
 def make_users_folder():
-    """An operator's data folder, as it must be found afterwards."""
+    """An operator's data folder, which must be the same afterwards."""
     driver = Driver()
     folder = find_data_folder(driver).folder
     driver.close()
@@ -98,8 +98,8 @@ def test_a_fault_is_a_failure_in_the_closing_line_and_in_the_code(kit, users_fol
     expect_untouched(users_folder)
 
 
-def test_a_zip_that_was_not_unpacked_is_said(kit, tmp_path):
-    """Explorer unpacks the one file that somebody starts inside a zip."""
+def test_a_zip_that_was_not_unpacked_is_reported(kit, tmp_path):
+    """Explorer unpacks only the file that is started inside a zip."""
     shutil.copy(kit / "check.cmd", tmp_path)
     check = start_check(tmp_path)
     output, _ = check.communicate(timeout=60)
@@ -108,7 +108,7 @@ def test_a_zip_that_was_not_unpacked_is_said(kit, tmp_path):
 
 
 @pytest.mark.parametrize("port", [161, 162])
-def test_a_taken_port_is_said_and_nothing_is_touched(kit, users_folder, port):
+def test_a_port_in_use_is_reported_and_nothing_is_changed(kit, users_folder, port):
     with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as holder:
         holder.bind(("0.0.0.0", port))
         code, report = run_check(kit)
@@ -117,7 +117,7 @@ def test_a_taken_port_is_said_and_nothing_is_touched(kit, users_folder, port):
     expect_untouched(users_folder)
 
 
-def test_a_running_quillmont_is_said_and_left_alone(kit, users_folder):
+def test_a_running_quillmont_is_reported_and_goes_on_running(kit, users_folder):
     driver = Driver()
     program = Program(driver)
     try:

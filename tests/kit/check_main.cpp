@@ -1,5 +1,5 @@
 // The check of Quillmont on a real Windows machine: runs the test programs in its own folder, one after the
-// other, and writes report.txt for somebody to send back. Started by check.cmd; needs nothing but Windows.
+// other, and writes report.txt. Started by check.cmd; needs nothing but Windows.
 // Arguments: the programs to run; all without any.
 //
 // Exit codes: 0 everything passed, 1 something failed, 2 the check did not start.
@@ -76,7 +76,7 @@ std::vector<std::wstring> FindPrograms(const std::wstring& folder) {
     return names;
 }
 
-// Why the check must not start; empty if it may.
+// The reason why the check must not start; empty if it may.
 std::string FindObstacle() {
     if (FindWindowW(L"SNMP_MAIN_WND", nullptr) != nullptr) {
         return "Quillmont is running. Close it and start the check again.";
@@ -168,8 +168,7 @@ void RunChecked(const std::wstring& program, const std::wstring& folder, Report&
     }
 }
 
-// So that closing the console, or Ctrl+C, puts the user's folder back too. The folder is not moved while
-// this runs.
+// Set while the folder is aside, so that closing the console, or Ctrl+C, puts the user's folder back too.
 DataFolderAside* movedAside = nullptr;
 
 BOOL WINAPI OnConsoleEnd(DWORD) {
@@ -187,8 +186,8 @@ int RunCheck(const std::wstring& folder, const std::vector<std::wstring>& progra
             "Explorer window that shows the folder, and start the check again.");
         return 2;
     }
-    // Wine starts its desktop for the first program that asks for it, and that one must not be a checked
-    // program: the desktop would end with it.
+    // Under Wine the first program that needs the desktop starts it. That must not be a checked program,
+    // since the desktop would end with its job.
     GetDesktopWindow();
     movedAside = &aside;
     SetConsoleCtrlHandler(OnConsoleEnd, TRUE);

@@ -6,7 +6,7 @@
 
 namespace {
 
-// A file that is gone with its handle: a pipe would have to be read while the program runs.
+// A file that is deleted with its handle. A pipe would have to be read while the program runs.
 ScopedHandle MakeOutputFile() {
     wchar_t folder[MAX_PATH] = {};
     wchar_t path[MAX_PATH] = {};
@@ -27,7 +27,7 @@ std::string ReadFromStart(HANDLE file) {
     return octets;
 }
 
-// Everything in it ends when its last handle is closed, be it by a check that dies.
+// Its processes end when its last handle is closed, also when the check is killed.
 ScopedHandle MakeJob() {
     ScopedHandle job(CreateJobObjectW(nullptr, nullptr));
     JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};

@@ -1,4 +1,4 @@
-// Programs that the check starts, each with an end: none outlives the check.
+// Programs that the check starts. None outlives the check.
 #pragma once
 
 #include <optional>
@@ -7,12 +7,12 @@
 #include "platform/windows/scoped_handle.h"
 
 struct ProgramResult {
-    // Nothing: it could not be started, or took longer than its time and was ended.
+    // Empty: it could not be started, or was terminated at its time limit.
     std::optional<DWORD> exitCode;
     std::string ending;  // the same in words
     std::string output;
 };
 
-// Runs `commandLine` in `folder` and waits for its end, at most `milliseconds`; what it and its own children
-// print comes back. They all belong to one job, which ends with this call.
+// Runs `commandLine` in `folder` and waits for its end, at most `milliseconds`. Returns the output of it and
+// its children. They all belong to one job, which ends with this call.
 ProgramResult RunProgram(const std::wstring& commandLine, const std::wstring& folder, DWORD milliseconds);

@@ -1,15 +1,15 @@
-// The user's own data folder during a check: moved aside, and put back whatever happens.
+// The user's data folder during a check: moved aside, and put back also after a failure.
 #pragma once
 
 #include <string>
 
-// Removes the folder with all that is in it, read-only files too. False: something still uses it after 10
+// Removes the folder and everything in it, read-only files too. Returns false if it is still in use after 10
 // seconds.
 bool RemoveFolder(const std::wstring& folder);
 
 class DataFolderAside {
   public:
-    // `folder` is the data folder that the program uses. Puts back what a check that was killed left aside.
+    // `folder` is the data folder that the program uses. Puts back a folder that a killed check left aside.
     explicit DataFolderAside(const std::wstring& folder);
     ~DataFolderAside();  // puts back
     DataFolderAside(const DataFolderAside&) = delete;
@@ -29,6 +29,6 @@ class DataFolderAside {
   private:
     std::wstring folder_;
     std::wstring aside_;    // the user's folder while the check runs
-    std::wstring nothing_;  // an empty folder that says: the user had none
+    std::wstring nothing_;  // an empty folder as a mark that the user had none
     bool foundLeftover_ = false;
 };

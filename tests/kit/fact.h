@@ -1,4 +1,4 @@
-// What a checked machine reports besides the verdicts: the runner copies these lines into report.txt.
+// A fact about the checked machine. The runner copies these lines into report.txt.
 #pragma once
 
 #include <iostream>

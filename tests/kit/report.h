@@ -1,4 +1,4 @@
-// What the check writes for somebody to send back: report.txt. Each line is on the disk before the next step
+// The check's report, report.txt. Each line is on the disk before the next step
 // begins, so that the report of a check that was killed shows how far it got.
 #pragma once
 

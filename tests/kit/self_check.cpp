@@ -66,7 +66,7 @@ HWND SelfCheck::OpenFileDialog(HWND status) const {
 void SelfCheck::TypeName(HWND dialog, const std::wstring& text) {
     HWND field = nullptr;
     ASSERT_TRUE(WaitUntil([&] { return (field = FindControl(dialog, L"Edit", kFileName)) != nullptr; }));
-    // The dialog can still be filling itself, so the text is typed until it stays.
+    // The dialog may still replace the text while it opens, so this repeats until the text stays.
     ASSERT_TRUE(WaitUntil([&] {
         ReplaceText(field, text);
         return ReadText(field) == text;

@@ -41,12 +41,12 @@ class SelfCheck : public ::testing::Test {
 
     void Send(const Octets& octets, uint16_t port = kTrapPort) const { client_.Send(octets, port); }
 
-    // Waits until log.txt holds this many lines "Trap received".
+    // Waits until log.txt has this many lines "Trap received".
     static bool WaitForTraps(size_t count);
 
     // A trap with one binding that has the name checkValue once MakeMib's file is imported.
     static Octets NamedTrap();
-    // A MIB file in a folder of its own, as an operator picks it from a USB stick. Returns its path.
+    // Writes a MIB file to a separate folder, as if on a USB stick. Returns its path.
     std::wstring MakeMib(const wchar_t* name) const;
 
     // The system's file dialog, as the Import button of the status window opens it.

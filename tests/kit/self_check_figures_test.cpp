@@ -1,4 +1,4 @@
-// Figures of this machine: times, a burst, and what fifty openings of each window leave behind.
+// Measurements on this machine: times, a burst, and the resources after fifty openings of each window.
 #include "tests/kit/self_check.h"
 
 #include <filesystem>
@@ -35,7 +35,8 @@ TEST_F(Figures, ABurstOfFiftyThousandTraps) {
     }
     const ULONGLONG sentAfter = GetTickCount64() - start;
     ASSERT_TRUE(WaitForTraps(1));
-    // Until nothing has come for a second. A machine that pauses longer makes the figure smaller, no failure.
+    // Waits until no trap has been recorded for a second. A longer pause makes the number smaller and fails
+    // nothing.
     size_t recorded = 0;
     ULONGLONG lastGrowth = GetTickCount64();
     while (GetTickCount64() - lastGrowth < 1000) {
@@ -94,7 +95,7 @@ std::string Describe(const Resources& resources) {
            std::to_string(resources.userObjects) + " USER objects";
 }
 
-// The second opening is the first one measured: the first makes what the system shares between windows.
+// The first opening is not measured: it makes objects that the system shares between windows.
 TEST_F(Figures, FiftyOpeningsOfEachWindow) {
     constexpr DWORD kOpenings = 50;
     const std::pair<int, const wchar_t*> windows[] = {{kForwardingButton, L"SNMP_FWD_WND"},
@@ -116,7 +117,7 @@ TEST_F(Figures, FiftyOpeningsOfEachWindow) {
     const Resources after = ResourcesOf(program_->process());
     Fact("before fifty openings of each window: " + Describe(before));
     Fact("after them: " + Describe(after));
-    // One that is not freed would show fifty times.
+    // One that is not freed would add fifty.
     EXPECT_LT(after.handles, before.handles + kOpenings);
     EXPECT_LT(after.gdiObjects, before.gdiObjects + kOpenings);
     EXPECT_LT(after.userObjects, before.userObjects + kOpenings);

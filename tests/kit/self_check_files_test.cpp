@@ -17,7 +17,7 @@ class Files : public SelfCheck {
             CreateFileW(DataFile(kTraps).c_str(), access, share, nullptr, OPEN_EXISTING, 0, nullptr));
     }
 
-    // Sends a trap and waits until it is announced. The record, if any, was written before that.
+    // Sends a trap and waits until it is in the log. The record, if any, was written before that.
     size_t RecordsAfterATrap() {
         Send(FindSample("v2_link_down").octets);
         EXPECT_TRUE(WaitForTraps(++sent_));
@@ -41,7 +41,7 @@ TEST_F(Files, MayBeDeletedAndMovedWhileTheProgramRuns) {
     EXPECT_EQ(RecordsAfterATrap(), 1U);
 }
 
-TEST_F(Files, AReaderAndAWriterThatShareDoNotKeepTheProgramOut) {
+TEST_F(Files, AReaderAndAWriterThatShareDoNotStopTheProgram) {
     ASSERT_EQ(RecordsAfterATrap(), 1U);
     const ScopedHandle reader = OpenTraps(GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE);
     ASSERT_TRUE(reader);
@@ -51,8 +51,8 @@ TEST_F(Files, AReaderAndAWriterThatShareDoNotKeepTheProgramOut) {
     EXPECT_EQ(RecordsAfterATrap(), 3U);
 }
 
-// CreateFile fails while somebody has the file open who shares nothing.
-TEST_F(Files, AProgramThatSharesNothingCostsTheTrapsOfThatTimeAndNoOthers) {
+// CreateFile fails while another program has the file open without sharing.
+TEST_F(Files, OnlyTrapsWhileAProgramHasTheFileWithoutSharingAreLost) {
     ASSERT_EQ(RecordsAfterATrap(), 1U);
     {
         const ScopedHandle alone = OpenTraps(GENERIC_READ, 0);
@@ -63,13 +63,13 @@ TEST_F(Files, AProgramThatSharesNothingCostsTheTrapsOfThatTimeAndNoOthers) {
 }
 
 // Whether a deleted file stays until its last reader closes it depends on the system's version.
-TEST_F(Files, DeletingSnmpTxtWhileSomebodyReadsItCostsNothingAfterThat) {
+TEST_F(Files, AfterADeletionWithAnOpenReaderTrapsAreRecorded) {
     ASSERT_EQ(RecordsAfterATrap(), 1U);
     {
         const ScopedHandle reader = OpenTraps(GENERIC_READ, kShareAll);
         ASSERT_TRUE(reader);
         EXPECT_TRUE(DeleteFileW(DataFile(kTraps).c_str())) << GetLastError();
-        Fact(std::string("a trap while somebody still reads the deleted SNMP.txt is recorded: ") +
+        Fact(std::string("a trap while a reader still has the deleted SNMP.txt open is recorded: ") +
              (RecordsAfterATrap() == 1 ? "yes" : "no"));
     }
     RecordsAfterATrap();

@@ -1,4 +1,4 @@
-// What an operator does with the program, on the system that it is made for.
+// The actions of an operator, on Windows.
 #include "tests/kit/self_check.h"
 
 #include <filesystem>
@@ -11,7 +11,7 @@ namespace {
 
 constexpr wchar_t kTitle[] = L"Quillmont PRO v1.0 (SNMP v1 and v2c)";
 
-TEST_F(SelfCheck, StartsByItselfAndSaysSo) {
+TEST_F(SelfCheck, StartsTheReceiverWithoutAClick) {
     EXPECT_EQ(ReadText(main_).substr(0, std::size(kTitle) - 1), kTitle);
     EXPECT_EQ(ReadText(FindControl(main_, L"Button", kStartButton)), L"Stop server");
     RECT frame = {};
@@ -61,7 +61,7 @@ TEST_F(SelfCheck, StopsFreesBothPortsAndStartsAgain) {
     EXPECT_TRUE(WaitForText(kTraps, "FROM: 127.0.0.1"));
 }
 
-TEST_F(SelfCheck, ShowsInBothViewsWhatArrivesAndEmptiesThem) {
+TEST_F(SelfCheck, ShowsNewTextInBothViewsAndEmptiesThem) {
     const HWND monitor = Open(kMonitorButton, L"SNMP_MON_WND");
     const HWND log = Open(kLogButton, L"SNMP_LOG_WND");
     ASSERT_NE(monitor, nullptr);
@@ -77,14 +77,14 @@ TEST_F(SelfCheck, ShowsInBothViewsWhatArrivesAndEmptiesThem) {
     EXPECT_TRUE(WaitUntil([&] { return ReadText(view).empty(); }));
 }
 
-TEST_F(SelfCheck, NamesWhatAnImportedFileDefinesAndDeletesItAgain) {
+TEST_F(SelfCheck, UsesTheNamesOfAnImportedFileAndDeletesIt) {
     const HWND status = Open(kStatusButton, L"SNMP_STATUS_WND");
     ASSERT_NE(status, nullptr);
     Import(status, {MakeMib(L"check.mib")});
     ASSERT_TRUE(WaitForText(kLog, "MIBs loaded. OID mappings: 1")) << ReadDataFile(kLog);
     Send(NamedTrap());
     EXPECT_TRUE(WaitForText(kTraps, "---> [1] 1.3.6.1.4.1.99999 (checkValue)  INTEGER = 42"));
-    // The program uses nothing of the folder any more.
+    // The program must not use the folder of the import any more.
     std::error_code error;
     std::filesystem::remove_all(stick_.path(), error);
     EXPECT_FALSE(std::filesystem::exists(stick_.path())) << error.message();
@@ -110,7 +110,7 @@ TEST_F(SelfCheck, EndsWithCodeZeroAndSavesItsSettings) {
     EXPECT_NE(ReadDataFile(L"config.xml").find("<config>"), std::string::npos);
 }
 
-// The lines that the guide gives for a first test trap and for reading the file, as it gives them.
+// The guide's scripts for a first test trap and for reading the file.
 class GuideLines : public SelfCheck {
   protected:
     static ProgramResult RunScript(const std::wstring& path) {

@@ -1,4 +1,4 @@
-// The two views, whose text control is the system's own.
+// The two views, whose text control is part of Windows.
 #include "tests/kit/self_check.h"
 
 #include <filesystem>
@@ -36,7 +36,7 @@ TEST_F(Views, OpenAtTheTopAndShowAllTextBeyondTheControlsOwnLimit) {
     EXPECT_EQ(::Send(view, EM_GETFIRSTVISIBLELINE), 0);
     EXPECT_EQ(::Send(view, EM_GETSEL), 0) << "the selection is empty and at the start";
     EXPECT_GT(ReadTextLength(view), 90'000U);
-    // An edit control takes 32,767 characters by EM_REPLACESEL unless its limit is raised.
+    // Without a higher limit an edit control has at most 32,767 characters.
     for (int number = 0; number < 3; ++number) {
         Send(NamedTrap());
         ASSERT_TRUE(WaitForTraps(static_cast<size_t>(number) + 1));
@@ -53,9 +53,9 @@ TEST_F(Views, OpenAtTheTopAndShowAllTextBeyondTheControlsOwnLimit) {
     EXPECT_GT(first, 0) << "the view did not follow";
 }
 
-// At opening each octet is the character of that code, what is added later is read as UTF-8, and each octet 0
-// is shown as a blank.
-TEST_F(Views, ShowOctetsAbove7FAndWhatFollowsAnOctetZero) {
+// At opening each octet is the character of that code. Text that is added later is read as UTF-8. Each octet
+// 0 is shown as a blank.
+TEST_F(Views, ShowOctetsAbove7FAndTheTextAfterAnOctetZero) {
     std::string octets = "start ";
     std::wstring shown = L"start ";
     for (int octet = 0x80; octet <= 0xFF; ++octet) {

@@ -1,4 +1,4 @@
-// What only a real Windows can answer, where the answer decides how the program behaves.
+// Facts that only a real Windows shows and on which the program's behaviour depends.
 #include <gtest/gtest.h>
 
 #include <cwctype>
@@ -23,7 +23,7 @@ class WindowsQuestions : public ::testing::Test {
     ~WindowsQuestions() override { StopSocketLibrary(); }
 };
 
-// A UDP socket as the program's own ones are, but bound to 127.0.0.1 only, for what is asked of it directly.
+// A UDP socket like those of the program, but bound to 127.0.0.1.
 class PlainSocket {
   public:
     PlainSocket() : socket_(socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP)) {
@@ -41,7 +41,7 @@ class PlainSocket {
 
     uint16_t port() const { return port_; }
 
-    // The system's error; 0 if it took the datagram.
+    // Returns the system's error, or 0.
     int SendTo(uint32_t target, uint16_t port, int size) const {
         static const std::string octets(65'000, 'x');
         const sockaddr_in address = Address(target, port);
@@ -83,7 +83,7 @@ std::string ErrorText(int error) {
     return error == 0 ? "accepted" : "error " + std::to_string(error);
 }
 
-// A second receiver on the same port is not refused: which of the two gets a trap is the system's choice.
+// A second receiver on the same port is not refused. The system chooses which of the two receives a trap.
 TEST_F(WindowsQuestions, TwoProgramsThatBothAskForItShareAPort) {
     const UdpSocketRef first = OpenUdpSocket();
     const UdpSocketRef second = OpenUdpSocket();
@@ -105,8 +105,8 @@ TEST_F(WindowsQuestions, HowLargeAReceiveBufferIsGranted) {
     EXPECT_GT(socket.ReceiveBuffer(), 0);
 }
 
-// How many datagrams fit into a buffer is the system's own bookkeeping. As many as are sent here take more
-// than 32 MiB. They may arrive some time after they were sent.
+// The system decides how many datagrams fit into a buffer. Those sent here need more than 32 MiB. They may
+// arrive some time after they were sent.
 TEST_F(WindowsQuestions, HowManyDatagramsFitIntoTheReceiveBuffer) {
     const PlainSocket receiver;
     receiver.RequestReceiveBuffer(32 * 1024 * 1024);
@@ -188,7 +188,7 @@ TEST_F(WindowsQuestions, AReadOnlyFileIsDeletedByTheProgram) {
     EXPECT_EQ(GetFileAttributesW(path.c_str()), INVALID_FILE_ATTRIBUTES);
 }
 
-// As a virus scanner has it, or an Explorer window.
+// Used by another program, such as a virus scanner or Explorer.
 class FolderInUse : public ::testing::Test {
   protected:
     void Use(const std::wstring& path) {

@@ -58,4 +58,4 @@ def test_it_matches_the_drawing(tmp_path):
     for size in SIZES:
         # Versions of the drawing library smooth edges differently.
         differences = [abs(left - right) for left, right in zip(committed[size], drawn[size], strict=True)]
-        assert sum(differences) / len(differences) < 1, f"{size} pixels: draw it anew with packaging/make_icon.sh"
+        assert sum(differences) / len(differences) < 1, f"{size} pixels: redraw it with packaging/make_icon.sh"

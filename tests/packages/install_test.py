@@ -16,7 +16,7 @@ from installation import (
     registry_value,
 )
 
-NEXT_BUTTON = 1  # of the wizard, whatever it says
+NEXT_BUTTON = 1  # of the wizard, whatever its text
 
 
 def test_installing_puts_everything_in_place(installation):
@@ -29,7 +29,7 @@ def test_installing_puts_everything_in_place(installation):
     assert registry_value(RUN_KEY, "Quillmont") == installation.run_command
 
 
-def test_the_wizard_installs_what_is_ticked_and_starts_the_program(data, driver, installation):
+def test_the_wizard_installs_the_chosen_components_and_starts_the_program(data, driver, installation):
     process = driver("start", windows_path(package("setup.exe")))
 
     def find_wizard():

@@ -118,7 +118,7 @@ class Installation:
         self.start_uninstall(*switches)
         wait_until(
             lambda: not self.folder.exists(),
-            lambda: f"the program's folder to be gone, it has {sorted(self.folder.iterdir())}",
+            lambda: f"the program's folder to be deleted, it has {sorted(self.folder.iterdir())}",
         )
 
     def ask(self, program, *switches):

@@ -25,7 +25,7 @@ def pretend_version(version):
         ["/FIREWALL="],
         ["/AUTOSTRAT=no"],
         ["/DELETEDATA=yes"],
-        ["/s"],  # NSIS reads it in capitals only, and would ask
+        ["/s"],  # NSIS knows /S in capitals only, and would show its windows
         ["/AUTOSTART=no", "/FIREWALL=off"],
         ["no"],
     ],

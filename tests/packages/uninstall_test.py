@@ -7,7 +7,7 @@ from harness.waiting import wait_until
 from installation import check_that_it_records
 
 
-def test_uninstalling_leaves_no_trace_but_the_operators_files(data, installation, start):
+def test_uninstalling_removes_everything_but_the_operators_files(data, installation, start):
     installation.install()
     assert len(installation.traces()) > 5
     program = start(installation.program).wait_running()
@@ -31,17 +31,17 @@ def test_an_uninstaller_without_a_copy_returns_its_code_and_leaves_only_itself(i
     assert installation.traces() == []
 
 
-def test_uninstalling_leaves_what_others_put_into_the_folder(installation):
+def test_uninstalling_leaves_other_files_in_the_folder(installation):
     installation.install()
     (installation.folder / "mine.txt").write_text("mine")
     installation.start_uninstall()
-    wait_until(lambda: [e.name for e in installation.folder.iterdir()] == ["mine.txt"], "all but mine to be gone")
+    wait_until(lambda: [e.name for e in installation.folder.iterdir()] == ["mine.txt"], "all other files to be deleted")
     shutil.rmtree(installation.folder)
 
 
 @pytest.fixture
 def others(tmp_path):
-    """Somebody else's folder, with files named like the program's."""
+    """A folder outside the data folder, with files named like the program's."""
     folder = tmp_path / "others"
     (folder / "mibs").mkdir(parents=True)
     for name in ("a.mib", "SNMP.txt", "mibs/b.mib"):
@@ -54,13 +54,13 @@ def names_below(folder):
 
 
 def uninstall_with_data(installation):
-    """Runs the uninstaller in its own folder, so that it is waited for."""
+    """Runs the uninstaller in its own folder, which makes it return at its end."""
     assert installation.ask_uninstaller("/S", "/DELETEDATA=yes")[0] == 0
     shutil.rmtree(installation.folder, ignore_errors=True)
 
 
 @pytest.mark.parametrize("link", ["mibs/link", "mibs/link.mib", "mibs", "."])
-def test_the_deletion_of_data_never_leaves_the_data_folder_through_a_link(data, installation, others, link):
+def test_the_deletion_of_data_never_follows_a_link_out_of_the_data_folder(data, installation, others, link):
     """A standard user can make such a link, and the uninstaller runs as an administrator."""
     installation.install()
     data.remove()
@@ -75,7 +75,7 @@ def test_the_deletion_of_data_never_leaves_the_data_folder_through_a_link(data, 
     assert names_below(others) == before
 
 
-def test_the_deletion_of_data_leaves_what_the_program_does_not_make(data, installation):
+def test_the_deletion_of_data_leaves_files_that_the_program_does_not_make(data, installation):
     installation.install()
     data.add_mib("MY-MIB.MIB", b"")
     data.add_mib("my.my", b"")
@@ -94,11 +94,11 @@ def test_the_deletion_of_data_leaves_what_the_program_does_not_make(data, instal
     ]
 
 
-def test_uninstalling_deletes_the_operators_files_when_told_to(data, installation, start):
+def test_uninstalling_deletes_the_operators_files_with_the_switch(data, installation, start):
     installation.install()
     start(installation.program).wait_running().close()
     assert data.config.exists()
     data.add_mib("MY-MIB.txt", b"")
     installation.uninstall("/DELETEDATA=yes")
-    wait_until(lambda: not data.folder.exists(), "the data folder to be gone")
+    wait_until(lambda: not data.folder.exists(), "the data folder to be deleted")
     assert installation.traces() == []

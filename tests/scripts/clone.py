@@ -1,4 +1,4 @@
-"""A copy of the sources with what was built of them, and what the scripts in it find when somebody calls them."""
+"""A copy of the sources and the built programs, and the environment in which its scripts run."""
 
 import os
 import random
@@ -14,35 +14,35 @@ from harness.waiting import wait_until
 
 NOBODY = 65534
 FOUND_IN = ("/usr/local/bin", "/usr/bin", "/bin", "/usr/sbin", "/sbin")
-# What a whole run takes with a fresh Wine prefix, and much more.
+# More than a whole run with a new Wine prefix needs.
 RUN_SECONDS = 150
 
 
 class User:
-    """Root, or somebody who is not. Whoever runs the tests is one of the two; root can be the other too."""
+    """Root or an ordinary user. Root can also run scripts as an ordinary user, but not the other way round."""
 
     def __init__(self, name):
         self.name = name
         self.switch = []
         if name == "root" and os.geteuid() != 0:
-            pytest.skip("Only root can try what root can do.")
+            pytest.skip("This test needs to run as root.")
         if name == "ordinary" and os.geteuid() == 0:
             self.switch = ["setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups"]
             if subprocess.run([*self.switch, "true"], capture_output=True, check=False).returncode != 0:
-                pytest.skip("This root cannot become anybody else: it is one of a user namespace.")
+                pytest.skip("This root cannot switch to another user: it is root in a user namespace only.")
 
     @property
     def number(self):
         return NOBODY if self.switch else os.geteuid()
 
     def own(self, folder):
-        """Gives the user a folder and all in it."""
+        """Makes the user the owner of the folder and everything in it."""
         if self.switch:
             for path in [folder, *folder.rglob("*")]:
                 os.chown(path, NOBODY, NOBODY, follow_symlinks=False)
 
     def need_network(self, folder):
-        """Skips the test where this machine gives the user no network in which run.sh could run."""
+        """Skips the test if run.sh cannot run on this machine as this user."""
         self._need(folder, "--check")
 
     def need_private_network(self, folder):
@@ -63,7 +63,7 @@ class Clone:
         self.commands = folder / "commands"
         self.environment = {
             "HOME": str(folder / "home"),
-            # Not the name of the user id: Wine goes by this one.
+            # Not the name of the user id: Wine uses this one.
             "USER": "somebody",
             "PATH": ":".join([str(self.commands), *FOUND_IN]),
         }
@@ -76,7 +76,7 @@ class Clone:
         return {name for name in names if Path(directory) == ROOT and name in ("build", "dist", ".git")}
 
     def add_programs(self):
-        """What was built, in its places, and nothing that would build it again."""
+        """Copies the built programs and replaces cmake, so that nothing is built."""
         desktop = self.folder / "build/windows/tests/desktop"
         desktop.mkdir(parents=True)
         shutil.copy(program_file(), self.folder / "build/windows")
@@ -85,13 +85,13 @@ class Clone:
         self.add_command("cmake", "exit 0")
 
     def add_command(self, name, script):
-        """A command that is found before the system's own."""
+        """Adds a command that is found before the system's."""
         path = self.commands / name
         path.write_text(f"#!/bin/sh\n{script}\n")
         path.chmod(0o755)
 
     def hide_command(self, name):
-        """As on a system without it: what else can be called is linked into one folder."""
+        """Makes the command missing: links all others into one folder, which becomes the path."""
         for folder in reversed(FOUND_IN):
             for path in Path(folder).glob("*"):
                 link = self.commands / path.name
@@ -100,7 +100,7 @@ class Clone:
         self.environment["PATH"] = str(self.commands)
 
     def hand_over(self):
-        """What stands in the clone before the first call of it is its user's."""
+        """Makes the user the owner of the clone, before the first command."""
         if not self.handed_over:
             self.user.own(self.folder)
             self.handed_over = True
@@ -119,7 +119,7 @@ class Clone:
         )
 
     def run(self, *command, seconds=RUN_SECONDS, **environment):
-        """The exit code and what was printed."""
+        """Returns the exit code and the output."""
         process = self.start(*command, **environment)
         try:
             output, _ = process.communicate(timeout=seconds)
@@ -131,17 +131,17 @@ class Clone:
 
 
 def end_session(process):
-    """Ends the process and what it started, giving each of them the time to clear up."""
+    """Ends the process and its children with SIGTERM, so that they clean up."""
     if process.poll() is None:
         os.killpg(process.pid, signal.SIGTERM)
     process.wait(timeout=60)
 
 
 class VirtualDisplay:
-    """A display that stands for the user's own, with a window manager: without one no window comes up."""
+    """A display in the role of the user's own, with a window manager: without one no window is shown."""
 
     def __init__(self):
-        # A number that no display of the machine's users has.
+        # A number that no other display is likely to have.
         self.name = f":{random.randrange(1000, 30000)}"
         reading, writing = os.pipe()
         command = ["Xvfb", self.name, "-displayfd", str(writing), "-screen", "0", "1280x900x24", "-ac"]
@@ -161,7 +161,7 @@ class VirtualDisplay:
 
 
 def wait_for_line(process, wanted):
-    """Reads what the process prints until a line holds what is wanted; all lines so far."""
+    """Reads the process's output until a line contains the text. Returns all lines so far."""
     lines = []
 
     def is_there():

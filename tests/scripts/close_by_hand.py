@@ -1,4 +1,4 @@
-"""Looks whether run.sh has opened its windows in the Wine prefix at hand, and closes the main window."""
+"""Checks that run.sh has opened its windows in the Wine prefix of WINEPREFIX, and closes the main window."""
 
 from harness.driver import Driver
 from harness.program import MAIN_CLASS

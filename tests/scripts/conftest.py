@@ -1,4 +1,5 @@
-"""The scripts' tests call them as a newcomer would, in a clone of their own (scripts/with_harness.sh runs them)."""
+"""Fixtures of the tests of the scripts, which run in a clone as a new user would run them. scripts/with_harness.sh runs
+the tests."""
 
 import shutil
 import tempfile
@@ -10,7 +11,7 @@ from clone import Clone, User
 
 
 def scratch_folder():
-    """One that others may look into, unlike pytest's own."""
+    """A folder that other users may read, unlike pytest's."""
     folder = Path(tempfile.mkdtemp(prefix="quillmont-scripts-"))
     folder.chmod(0o755)
     return folder
@@ -23,7 +24,7 @@ def user(request):
 
 @pytest.fixture(scope="module")
 def prefixes(user):
-    """Where the user's Wine prefixes are made: the first takes ten seconds."""
+    """The folder of the user's Wine prefixes. Shared by the tests, since the first prefix needs ten seconds."""
     folder = scratch_folder()
     user.own(folder)
     yield folder
@@ -39,7 +40,7 @@ def clone(user):
 
 @pytest.fixture
 def ready(clone, user, prefixes):
-    """A clone in which everything is built."""
+    """A clone with the built programs."""
     clone.add_programs()
     clone.hand_over()
     clone.environment["QUILLMONT_WINE_FOLDER"] = str(prefixes)

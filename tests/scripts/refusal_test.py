@@ -1,10 +1,10 @@
-"""What the scripts say, at once and in one sentence, where something that they need is refused."""
+"""The scripts fail at once and with one sentence if something that they need is missing or refused."""
 
 import os
 
 import pytest
 
-# Nothing is installed, built or waited for before the sentence.
+# Nothing is installed or built before the sentence.
 AT_ONCE_SECONDS = 20
 
 
@@ -14,7 +14,7 @@ def last_line(output):
 
 @pytest.fixture
 def fresh(clone):
-    """A clone on a machine that lacks every package."""
+    """A clone on a machine without any of the packages."""
     clone.add_command("dpkg-query", "exit 1")
     clone.add_command("cmake", "echo cmake was called; exit 1")
     clone.add_command("ip", "echo ip was called; exit 127")
@@ -24,7 +24,7 @@ def fresh(clone):
 
 @pytest.fixture
 def allowed(fresh, user):
-    """The same, where the user may have the network that run.sh needs: that is asked first."""
+    """The same, for a user who may have the network that run.sh needs, which is checked first."""
     user.need_network(fresh.folder)
     return fresh
 
@@ -36,21 +36,21 @@ def expect_refusal(clone, sentence, *command):
     assert "cmake was called" not in output
 
 
-def test_refused_user_namespaces_end_it_before_anything_is_installed(fresh, user):
+def test_refused_user_namespaces_are_reported_before_anything_is_installed(fresh, user):
     if user.name == "root":
-        pytest.skip("Root needs none: it may bind the ports of the machine's own network.")
+        pytest.skip("Root needs none: it may bind the ports of the machine's network.")
     fresh.add_command("unshare", "exit 1")
-    # What a container sets that gives everybody the low ports.
+    # Containers may set this to allow the low ports to all users.
     fresh.add_command("cat", "echo 1024")
     fresh.add_command("apt-get", "echo apt-get was called; exit 1")
     expect_refusal(fresh, "This machine refuses ordinary users a private network (user namespaces)")
 
 
-def test_whether_a_network_is_allowed_is_asked_before_anything_is_installed(allowed):
+def test_the_network_can_be_checked_before_anything_is_installed(allowed):
     assert allowed.run("scripts/in_private_network.sh", "--check", seconds=AT_ONCE_SECONDS) == (0, "")
 
 
-def test_a_missing_sudo_is_said_with_what_it_was_needed_for(allowed, user):
+def test_a_missing_sudo_is_reported_with_the_packages(allowed, user):
     if user.name == "root":
         pytest.skip("Root needs no sudo.")
     allowed.hide_command("sudo")
@@ -59,26 +59,26 @@ def test_a_missing_sudo_is_said_with_what_it_was_needed_for(allowed, user):
 
 
 @pytest.mark.parametrize("failing", ["update", "install"])
-def test_a_failing_apt_is_said_below_its_own_words(allowed, failing):
+def test_a_failing_apt_is_reported_after_its_own_message(allowed, failing):
     allowed.add_command("apt-get", f'[ "$1" != {failing} ] || {{ echo "E: no network" >&2; exit 100; }}')
     expect_refusal(allowed, "These packages could not be installed; the lines above say why: cmake ninja-build")
 
 
-def test_a_refused_sudo_is_said_below_its_own_words(allowed, user):
+def test_a_refused_sudo_is_reported_after_its_own_message(allowed, user):
     if user.name == "root":
         pytest.skip("Root needs no sudo.")
     allowed.add_command("sudo", 'echo "sudo: a password is required" >&2; exit 1')
     expect_refusal(allowed, "These packages could not be installed; the lines above say why: cmake ninja-build")
 
 
-def test_a_system_without_apt_is_told_what_to_install(allowed):
+def test_a_missing_apt_is_reported_with_the_packages(allowed):
     allowed.hide_command("apt-get")
-    expect_refusal(allowed, "There is no apt-get here; install these by the means of this system: cmake ninja-build")
+    expect_refusal(allowed, "There is no apt-get here; install with this system's package manager: cmake ninja-build")
 
 
-def test_a_folder_that_somebody_else_has_built_in_is_said_whose_it_is(clone, user):
+def test_a_build_folder_of_another_user_is_reported(clone, user):
     if not user.switch:
-        pytest.skip("Only root can build as somebody else.")
+        pytest.skip("Only root can build as another user.")
     clone.add_programs()
     clone.hand_over()
     os.chown(clone.folder / "build/windows/Quillmont.exe", 0, 0)
@@ -95,8 +95,8 @@ PRESETS = """{
 """
 
 
-def test_a_clone_that_was_moved_is_built_anew(clone):
-    """With the real CMake, and a project that is configured in no time."""
+def test_a_clone_that_was_moved_is_rebuilt(clone):
+    """With the real CMake and an empty project."""
     (clone.folder / "CMakeLists.txt").write_text("cmake_minimum_required(VERSION 3.25)\nproject(moved LANGUAGES NONE)\n")
     (clone.folder / "CMakePresets.json").write_text(PRESETS)
     former = clone.folder
@@ -106,15 +106,15 @@ def test_a_clone_that_was_moved_is_built_anew(clone):
     try:
         code, output = clone.run("scripts/build.sh", "windows")
         assert code == 0
-        assert output.startswith(f"build/windows was made in {former}: building it anew.\n")
+        assert output.startswith(f"build/windows was made in {former}: removed it for a new build.\n")
         code, output = clone.run("scripts/build.sh", "windows")
         assert code == 0
-        assert "anew" not in output
+        assert "new build" not in output
     finally:
         clone.folder.rename(former)
 
 
-def test_a_system_without_the_locale_is_told_what_will_fail(clone):
+def test_a_missing_locale_is_reported(clone):
     assert clone.run("scripts/with_harness.sh", "true") == (0, "")
     without = ["unshare", "--user", "--map-root-user", "--mount", "sh", "-c"]
     code, output = clone.run(*without, "mount -t tmpfs tmpfs /usr/lib/locale")
@@ -125,8 +125,8 @@ def test_a_system_without_the_locale_is_told_what_will_fail(clone):
     assert "lacks the locale C.UTF-8" in last_line(output)
 
 
-def test_a_formatter_that_does_not_decide_is_not_asked(clone):
+def test_a_formatter_of_another_version_is_not_used(clone):
     clone.add_command("clang-format", '[ "$1" = --version ] && echo "Debian clang-format version 19.1.7 (3)"')
     code, output = clone.run("scripts/check_style.sh", "format")
     assert code == 77
-    assert last_line(output).startswith("Skipped: clang-format 19 is here, and 14 decides")
+    assert last_line(output).startswith("Skipped: clang-format 19 is installed, but the format is that of 14")

@@ -1,5 +1,4 @@
-"""run.sh as a newcomer meets it: as root and as an ordinary user, with a display and without, and where something
-that it needs is refused."""
+"""run.sh as root and as an ordinary user, with and without a display."""
 
 import subprocess
 
@@ -13,7 +12,7 @@ from harness.waiting import wait_until
 AT_ONCE_SECONDS = 15
 
 
-def test_without_a_display_it_prints_what_was_recorded_and_leaves_nothing(ready):
+def test_without_a_display_it_prints_the_records_and_leaves_no_process(ready):
     code, output = ready.run("./run.sh")
     assert code == 0
     assert "1.3.6.1.4.1.2021.4.5 (memTotalReal)  INTEGER = 8029184" in output
@@ -23,7 +22,7 @@ def test_without_a_display_it_prints_what_was_recorded_and_leaves_nothing(ready)
 
 
 @pytest.mark.parametrize("user", ["ordinary"], indirect=True)
-def test_a_display_that_is_out_of_reach_is_said_to_be_and_replaced(ready):
+def test_a_display_that_cannot_be_reached_is_replaced(ready):
     code, output = ready.run("./run.sh", DISPLAY="127.0.0.1:99")
     assert code == 0
     assert "The display 127.0.0.1:99 cannot be reached from a private network" in output
@@ -31,7 +30,7 @@ def test_a_display_that_is_out_of_reach_is_said_to_be_and_replaced(ready):
 
 
 def colours_of(window, display):
-    """How many colours the window of that name shows on the display; 0 while there is none."""
+    """The number of colours in the window of that name on the display; 0 if there is no such window."""
     look = ["xwd", "-silent", "-display", display.name, "-name", window]
     seen = subprocess.run(look, capture_output=True, check=False)
     if seen.returncode != 0:
@@ -60,15 +59,15 @@ def test_with_a_display_the_windows_stay_until_the_main_window_is_closed(ready):
     assert rest == "Quillmont.exe ended with exit code 0.\nNo process was left behind.\n"
 
 
-def test_a_second_start_beside_an_open_window_is_refused(ready):
+def test_a_second_start_while_a_window_is_open_is_refused(ready):
     with VirtualDisplay() as display:
         process = ready.start("./run.sh", DISPLAY=display.name)
         try:
             wait_for_line(process, "Quillmont runs until its main window is closed.")
             ready.add_command("wineserver", f'echo "$WINEPREFIX" >>{ready.folder}/ended; exec /usr/bin/wineserver "$@"')
             code, output = ready.run("./run.sh", DISPLAY=display.name, WINEPREFIX="/other", seconds=AT_ONCE_SECONDS)
-            assert not (ready.folder / "ended").exists(), "it has ended the programs of a prefix that is not its own"
+            assert not (ready.folder / "ended").exists(), "it has ended the programs of another prefix"
         finally:
             end_session(process)
     assert code == 1
-    assert output.endswith("run.sh runs already; close that window first.\n")
+    assert output.endswith("run.sh is already running; close its main window first.\n")
