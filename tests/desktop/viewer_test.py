@@ -150,12 +150,12 @@ def in_parts(line):
 
 def test_a_line_of_260000_digits_is_shown_in_parts_within_seconds(program, data):
     """In one piece it would block the edit control for minutes."""
-    data.traps.write_bytes(b"before\n" + LONG_LINE + b"after\n")
+    data.traps.write_bytes(b"before\r\r\n" + LONG_LINE + b"after\r\r\n")
     started = time.monotonic()
     view = view_of(MONITOR.open(program))
     program.settle()
     opened = time.monotonic()
-    text = "before\n" + in_parts(as_read_at_opening(LONG_LINE)) + "after\n"
+    text = "before\r\n" + in_parts(as_read_at_opening(LONG_LINE)) + "after\r\n"
     assert view.text == text
     append(data.traps, LONG_LINE)
     wait_for_view(view, text + in_parts(as_read_later(LONG_LINE)))
