@@ -93,7 +93,8 @@ HANDLE WINAPI FakeCreateEvent(LPSECURITY_ATTRIBUTES security, BOOL isManual, BOO
         return real(security, isManual, isSet, name);
     }
     const int event = ++fake.events;
-    return std::bit_cast<HANDLE>(event == fake.eventThatFails ? UINT_PTR{0} : UINT_PTR{0x500} + event);
+    return std::bit_cast<HANDLE>(
+        event == fake.eventThatFails ? UINT_PTR{0} : UINT_PTR{0x500} + static_cast<UINT_PTR>(event));
 }
 
 BOOL WINAPI FakeSetEvent(HANDLE event) {
