@@ -47,12 +47,13 @@ def test_a_program_whose_process_cannot_be_opened_is_closed_and_replaced(data, i
 
 
 @pytest.fixture
-def hang(start):
+def hang(start, data):
     """A function that starts a program and suspends it until the test is over."""
     hanging = []
 
     def start_hanging(path):
         program = start(path).wait_running()
+        data.wait_for_start()  # its threads have logged too, so that a test can count starts
         hanging.append(find_wine_process("Quillmont.exe"))
         os.kill(hanging[-1], signal.SIGSTOP)
         return program
