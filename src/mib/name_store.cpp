@@ -96,10 +96,11 @@ const Oid* FindOid(std::wstring_view text) {
 }  // namespace
 
 size_t OidHash::operator()(const Oid& oid) const {
-    // Windows loads the program at a random address.
-    const uintptr_t words[] = {reinterpret_cast<uintptr_t>(&MibStoreLock),
-                               reinterpret_cast<uintptr_t>(oid.parent), static_cast<uint32_t>(oid.arc)};
-    return std::hash<std::string_view>{}({reinterpret_cast<const char*>(words), sizeof(words)});
+    // Windows loads the program at a random address. The parent's own address is only added: identifiers that
+    // are stored one after the other then have neighbouring buckets, which saves cache misses.
+    const uintptr_t words[] = {reinterpret_cast<uintptr_t>(&MibStoreLock), static_cast<uint32_t>(oid.arc)};
+    return std::hash<std::string_view>{}({reinterpret_cast<const char*>(words), sizeof(words)}) +
+           reinterpret_cast<uintptr_t>(oid.parent) / sizeof(Oid);
 }
 
 void LookupOidName(std::wstring_view oid, std::wstring& name) {
