@@ -81,6 +81,13 @@ REGISTRY
 
 RemoveTemporaryPrefix() {
     if [[ -n "${temporary_prefix:-}" ]]; then
+        # Without /run/user Debian's Wine 8 makes a folder for the server of each prefix, notes its name in the prefix
+        # and never deletes it.
+        local server_folder
+        server_folder="$(cat "$temporary_prefix/prefix/wineserver" 2>/dev/null || true)"
+        if [[ "$server_folder" == wine-?????? ]]; then
+            rm -rf "${TMPDIR:-/tmp}/$server_folder"
+        fi
         rm -rf "$temporary_prefix"
     fi
 }
