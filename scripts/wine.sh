@@ -121,7 +121,9 @@ StartDesktop() {
     wine explorer /desktop=Default,1280x900 </dev/null >/dev/null 2>&1 &
     disown  # the shell must not report that StopWine killed it
     local end=$((SECONDS + 120))
-    until xwd -silent -name "Default - Wine desktop" >/dev/null 2>&1; do
+    # The title depends on the version of Wine.
+    until xwd -silent -name "Default - Wine desktop" >/dev/null 2>&1 ||
+        xwd -silent -name "Wine Desktop" >/dev/null 2>&1; do
         if ((SECONDS > end)); then
             echo "Wine's desktop did not appear within two minutes." >&2
             return 1
