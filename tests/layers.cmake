@@ -1,7 +1,7 @@
-# What CTest runs from a build folder. What binds the fixed ports does so in a network of its own. Tests with the label
-# "all" run only when everything is asked for (./test.sh --all).
+# The tests that CTest runs in a build folder. Tests that bind the fixed ports run in a private network. Tests with the
+# label "all" run only with ./test.sh --all.
 
-# Where the machine refuses such networks, one test at a time has the machine's own ports.
+# Without private networks, the tests use the machine's own ports, one test at a time.
 set(PORTS_LOCK "" CACHE INTERNAL "")
 if(NOT CMAKE_HOST_WIN32)
   execute_process(COMMAND ${CMAKE_SOURCE_DIR}/scripts/in_private_network.sh --only-private true
@@ -11,7 +11,7 @@ if(NOT CMAKE_HOST_WIN32)
   endif()
 endif()
 
-# add_network_test(NAME SECONDS COMMAND...): a test that binds the ports; it is ended after so many seconds.
+# add_network_test(NAME SECONDS COMMAND...): a test that binds the ports, with a timeout.
 function(add_network_test name seconds)
   add_test(NAME ${name} COMMAND ${ARGN})
   set_tests_properties(${name} PROPERTIES TIMEOUT ${seconds} RESOURCE_LOCK "${PORTS_LOCK}")
@@ -32,10 +32,10 @@ function(add_layers)
       set(desktop ${ON_PRIVATE_DESKTOP} wine)
     endif()
     set(programs unit receiver_steps socket_calls failure)
-    # It makes windows, for which Wine wants a display.
+    # It creates windows, so Wine needs a display.
     add_network_test(windows.memory 300 ${desktop} $<TARGET_FILE:quillmont_memory_tests>)
     if(NOT CMAKE_HOST_WIN32)
-      # The same sources, which a second compiler must accept without a warning.
+      # A second compiler must accept the same sources without a warning.
       add_test(NAME windows.clang
           COMMAND ${CMAKE_SOURCE_DIR}/scripts/build.sh clang all tests/kit/all tests/packages/all)
       set_tests_properties(windows.clang PROPERTIES TIMEOUT 1800 PROCESSORS 2 LABELS all)
@@ -67,7 +67,7 @@ function(add_layers)
 
   set(engine ${runner} $<TARGET_FILE:quillmont_engine_tests>)
   if(NOT CMAKE_HOST_WIN32)
-    # The lines belong to the network, so the network comes first and Wine's runner finds itself inside it.
+    # The slow lines are part of the private network, so it is created first and Wine's runner starts inside it.
     set(inside)
     if(WIN32)
       set(inside ${runner} --inside)

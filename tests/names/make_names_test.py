@@ -1,4 +1,4 @@
-"""packaging/make_names.py with tables of its own: what it makes of them, and what it refuses."""
+"""packaging/make_names.py: the definitions it makes from small tables, and the tables it rejects."""
 
 import subprocess
 import sys
@@ -6,12 +6,12 @@ from pathlib import Path
 
 import pytest
 
-MAKER = Path(__file__).resolve().parent.parent.parent / "packaging" / "make_names.py"
+MAKER = Path(__file__).resolve().parents[2] / "packaging" / "make_names.py"
 
 
 @pytest.fixture
 def make(tmp_path):
-    """A function from a table's text to the definitions of the file, or to the message when there is none."""
+    """Returns a function that makes a file from a table and returns its definitions, or the error message."""
 
     def run(table):
         (tmp_path / "table.txt").write_text(table)
@@ -28,7 +28,7 @@ def make(tmp_path):
     return run
 
 
-def test_an_operators_list_becomes_steps_and_instances(make):
+def test_a_table_becomes_parents_and_instances(make):
     made = make(
         "# my devices\nvendor 1.3.6.1.4.1.9 -\n\n"
         "## Fans\nfan 1.3.6.1.4.1.9.7 2-3\nshelf 1.3.6.1.4.1.9.8 0.5-6\n"
@@ -45,7 +45,7 @@ def test_an_operators_list_becomes_steps_and_instances(make):
     ]
 
 
-def test_notifications_make_no_line(make):
+def test_notifications_add_no_definitions(make):
     assert make("linkDown 1.3.6.1.6.3.1.1.5.3 : ifIndex\n") == []
 
 
@@ -60,5 +60,5 @@ def test_notifications_make_no_line(make):
         ("a 1.3.6.1.4.1.9\n", "line 1: not a name, an identifier and instances"),
     ],
 )
-def test_a_table_that_cannot_work_is_refused_with_its_line(make, table, message):
+def test_an_invalid_table_is_rejected_with_the_line_number(make, table, message):
     assert message in make(table)

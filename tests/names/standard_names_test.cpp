@@ -1,6 +1,5 @@
-// The file of names that comes with the program, standard-names.mib: it names the bindings of standard traps,
-// no other file can break it, and it breaks no other. QUILLMONT_MIB_FOLDER is a folder of other MIB files to
-// load with it.
+// standard-names.mib, which is installed with the program, names the bindings of standard traps. Neither it
+// nor another MIB file breaks the other's names. QUILLMONT_MIB_FOLDER: a folder of other MIB files.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -68,13 +67,13 @@ std::vector<std::string> Instances(const std::string& text) {
         return {};
     }
     const size_t dot = text.rfind('.');
-    const std::string front = dot == std::string::npos ? "" : text.substr(0, dot + 1);
-    const std::string range = text.substr(front.size());
+    const std::string prefix = dot == std::string::npos ? "" : text.substr(0, dot + 1);
+    const std::string range = text.substr(prefix.size());
     const size_t dash = range.find('-');
     const int last = std::stoi(dash == std::string::npos ? range : range.substr(dash + 1));
     std::vector<std::string> instances;
     for (int instance = std::stoi(range); instance <= last; ++instance) {
-        instances.push_back(front + std::to_string(instance));
+        instances.push_back(prefix + std::to_string(instance));
     }
     return instances;
 }
@@ -87,7 +86,7 @@ std::wstring InstanceName(const std::string& name, std::string instance) {
 
 class StandardNamesTest : public testing::Test {
   protected:
-    // The files in this order, as a load reads them.
+    // Loads the files in this order.
     static void Load(const Paths& files) {
         const std::lock_guard lock(MibStoreLock);
         ClearNameStore();
@@ -115,8 +114,8 @@ Paths MibFilesIn(const std::filesystem::path& folder) {
     return files;
 }
 
-// As NTFS hands out a folder's files: by upper-cased name.
-void SortAsWindowsReads(Paths& files) {
+// NTFS lists a folder by upper-cased name.
+void SortAsWindowsLists(Paths& files) {
     const auto key = [](const std::wstring& path) {
         std::wstring name = path.substr(path.rfind(L'/') + 1);
         std::transform(name.begin(), name.end(), name.begin(), std::towupper);
@@ -163,7 +162,7 @@ Notification Compose(const TableRow& row, const std::map<std::string, TableRow>&
 TEST_F(StandardNamesTest, EveryNotificationOfTheTableIsShownWithItsNames) {
     Load({StandardNames()});
     std::map<std::string, TableRow> objects;
-    size_t sent = 0;
+    size_t decoded = 0;
     for (const TableRow& row : ReadTable()) {
         if (row.instances != ":") {
             objects[row.name] = row;
@@ -180,11 +179,11 @@ TEST_F(StandardNamesTest, EveryNotificationOfTheTableIsShownWithItsNames) {
                     EXPECT_EQ(records[i].name, notification.names[i])
                         << row.name << ", " << notification.bindings[i].oid;
                 }
-                ++sent;
+                ++decoded;
             }
         }
     }
-    EXPECT_GE(sent, 4U * 70);
+    EXPECT_GE(decoded, 4U * 70);
 }
 
 TEST_F(StandardNamesTest, EveryInstanceOfTheTableHasItsNameAndNothingElseHasOne) {
@@ -202,7 +201,7 @@ TEST_F(StandardNamesTest, EveryInstanceOfTheTableHasItsNameAndNothingElseHasOne)
             left.erase(oid);
         }
     }
-    // The steps between an object and instances of two arcs.
+    // The parents between an object and its instances of two arcs.
     for (const auto& [oid, name] : left) {
         EXPECT_TRUE(name.ends_with(L"-1_")) << oid << " " << name;
     }
@@ -210,8 +209,7 @@ TEST_F(StandardNamesTest, EveryInstanceOfTheTableHasItsNameAndNothingElseHasOne)
 
 TEST_F(StandardNamesTest, OtherFilesDoNotBreakThem) {
     const ScratchFolder folder;
-    // As in real files: a sequence that replaces the entry, a column of that name elsewhere, redefined
-    // built-in names.
+    // As in real files: a sequence that replaces an entry, a name used twice, redefined built-in names.
     const std::wstring other = folder.Join(L"OTHER-MIB.mib");
     WriteOctets(other,
                 "interfaces OBJECT IDENTIFIER ::= { enterprises 1 }\n"
@@ -230,9 +228,9 @@ TEST_F(StandardNamesTest, OtherFilesDoNotBreakThem) {
     }
 }
 
-// The first file that names an identifier wins, so the steps are shown if the folder's order puts the file
-// before the object's own.
-TEST_F(StandardNamesTest, StepsGiveAnObjectItsNameOnlyWhenReadBeforeItsFile) {
+// The first file that names an identifier wins, so parents such as upsObjects_ are shown if
+// standard-names.mib is read before the object's own file.
+TEST_F(StandardNamesTest, ParentsNameAnObjectOnlyIfReadBeforeItsFile) {
     const ScratchFolder folder;
     const std::wstring interfaces = folder.Join(L"IF-MIB.txt");
     const std::wstring ups = folder.Join(L"UPS-MIB.txt");
@@ -247,17 +245,17 @@ TEST_F(StandardNamesTest, StepsGiveAnObjectItsNameOnlyWhenReadBeforeItsFile) {
     EXPECT_EQ(NameOf(L"1.3.6.1.2.1.33.1.2.2.0"), L"upsSecondsOnBattery-0");
 }
 
-// Loads the file with those of a folder.
+// Loads standard-names.mib together with the files of a folder.
 class WithOtherFiles : public StandardNamesTest {
   protected:
     void SetUp() override {
         const char* folder = std::getenv("QUILLMONT_MIB_FOLDER");
         const std::filesystem::path path = folder != nullptr ? folder : "/usr/share/snmp/mibs";
         if (!std::filesystem::is_directory(path)) {
-            GTEST_SKIP() << path << " is no folder: install libsnmp-base or set QUILLMONT_MIB_FOLDER";
+            GTEST_SKIP() << path << " is not a folder: install libsnmp-base or set QUILLMONT_MIB_FOLDER";
         }
         others_ = MibFilesIn(path);
-        SortAsWindowsReads(others_);
+        SortAsWindowsLists(others_);
         ASSERT_FALSE(others_.empty());
         Load({StandardNames()});
         own_ = StoredNames();
@@ -265,8 +263,8 @@ class WithOtherFiles : public StandardNamesTest {
         before_ = StoredNames();
     }
 
-    // The identifiers whose name changes with the file. Fails for one that lost its name, for one whose new
-    // name is not the file's, and for one of the file's without a name.
+    // Returns the identifiers whose name standard-names.mib changes. Fails if one has no name, or a new name
+    // from another file.
     std::set<std::wstring> ChangedIn(const Paths& order) {
         Load(order);
         Names together = StoredNames();
@@ -299,8 +297,8 @@ TEST_F(WithOtherFiles, NoIdentifierLosesItsNameInAnyOrder) {
     Paths order = others_;
     order.push_back(StandardNames());
     EXPECT_EQ(ChangedIn(order), std::set<std::wstring>());
-    SortAsWindowsReads(order);
-    Print("As Windows reads them", ChangedIn(order), before_, own_);
+    SortAsWindowsLists(order);
+    Print("As Windows lists them", ChangedIn(order), before_, own_);
     order = others_;
     order.insert(order.begin(), StandardNames());
     Print("Read first", ChangedIn(order), before_, own_);

@@ -13,30 +13,27 @@ namespace {
 
 constexpr bool kSystemChoosesTheFolder = sizeof(wchar_t) == 2;
 
-// Sets the application-data folder where the build allows it. The Windows build uses the system's folder,
-// which must then contain no data of a real user.
-void PointApplicationDataTo(const std::string& folder) {
+// Sets the application-data folder. Does nothing on Windows, where the system chooses the folder.
+void PointApplicationDataTo([[maybe_unused]] const std::string& folder) {
 #ifndef _WIN32
     setenv("QUILLMONT_DATA_HOME", folder.c_str(), 1);
-#else
-    static_cast<void>(folder);
 #endif
 }
 
-// For the standard library; slashes work on every system.
+// For the standard library: slashes work on every system.
 std::filesystem::path ToStandardPath(std::wstring path) {
     std::replace(path.begin(), path.end(), L'\\', L'/');
     return path;
 }
 
-// An account on which the program never ran.
+// An account that has never run the program.
 class AppPathsTest : public testing::Test {
   protected:
     void SetUp() override {
         PointApplicationDataTo((folder_.path() / "local").string());
         dataDir_ = QueryLocalAppDataFolder() + L"\\Quillmont";
         if (PathExists(dataDir_)) {
-            GTEST_SKIP() << "This account has data of Quillmont, which the test would have to remove.";
+            GTEST_SKIP() << "This account has Quillmont data, which the test would delete.";
         }
         ours_ = true;
     }
@@ -74,7 +71,7 @@ TEST_F(AppPathsTest, FirstStartCreatesFoldersAndEmptyFilesButNoSettings) {
     EXPECT_FALSE(PathExists(AppPaths.configPath));
 }
 
-TEST_F(AppPathsTest, SecondStartChangesNoOctetOfAnExistingFile) {
+TEST_F(AppPathsTest, SecondStartLeavesExistingFilesUnchanged) {
     InitAppPaths();
     WriteOctets(AppPaths.trapFilePath, "a record\r\r\nand half of one");
     WriteOctets(AppPaths.logFilePath, "\x1A");
@@ -85,7 +82,7 @@ TEST_F(AppPathsTest, SecondStartChangesNoOctetOfAnExistingFile) {
     EXPECT_EQ(ReadOctets(AppPaths.configPath), "settings");
 }
 
-TEST_F(AppPathsTest, DeletedMibsFolderIsCreatedAgainAtTheNextStart) {
+TEST_F(AppPathsTest, DeletedMibsFolderIsRecreatedAtTheNextStart) {
     InitAppPaths();
     WriteOctets(AppPaths.logFilePath, "old");
     std::filesystem::remove(ToStandardPath(dataDir_ + L"\\mibs"));
@@ -94,7 +91,7 @@ TEST_F(AppPathsTest, DeletedMibsFolderIsCreatedAgainAtTheNextStart) {
     EXPECT_EQ(ReadOctets(AppPaths.logFilePath), "old");
 }
 
-TEST_F(AppPathsTest, CharactersOutsideAsciiAreUnchanged) {
+TEST_F(AppPathsTest, NonAsciiCharactersAreUnchanged) {
     if constexpr (kSystemChoosesTheFolder) {
         GTEST_SKIP() << "The system chooses the folder; the desktop tests use one with such characters.";
     } else {

@@ -7,7 +7,7 @@
 
 namespace {
 
-// The expected header: its tag, and where its content is in the octets.
+// The expected header: its tag, and where its content is.
 struct Span {
     int tag = -1;  // -1: the header cannot be read
     size_t contentAt = 0;
@@ -97,7 +97,7 @@ TEST(ReadTlvHeader, FirstOctetIsTheTag) {
     EXPECT_EQ(ReadSpan({0x1F, 0x02, 1, 2}), (Span{0x1F, 2, 2})) << "a tag never has several octets";
 }
 
-// Reads elements until one is unreadable; `left` is what remains.
+// Reads elements until one is unreadable, and leaves the rest in `left`.
 std::vector<int> ReadTags(OctetRange& left) {
     std::vector<int> tags;
     TlvHeader element;
@@ -108,7 +108,7 @@ std::vector<int> ReadTags(OctetRange& left) {
     return tags;
 }
 
-TEST(ReadElement, RemainderBeginsAfterTheElementAndEndsWhereItDid) {
+TEST(ReadElement, AdvancesTheStartAndNotTheEnd) {
     const Octets octets = {0x02, 0x01, 7, 0x05, 0x00, 0x30, 0x81, 0x02, 1, 2};
     const FencedOctets fenced(octets.data(), octets.size());
     OctetRange left = {fenced.data(), fenced.end()};
@@ -159,14 +159,14 @@ const IntegerCase kIntegers[] = {
     {{0x00, 0x80}, 128, 128, "positive because of the zero octet"},
     {{0xFF, 0x7F}, -129, UINT64_MAX - 128, "two octets, negative"},
     {{0x00, 0xFF, 0xFF, 0xFF, 0xFF}, 4294967295, 4294967295, "the largest 32-bit count as it should be sent"},
-    {{0xFF, 0xFF, 0xFF, 0xFF}, -1, UINT64_MAX, "the same without its zero octet is extended"},
-    {{0x80, 0x00, 0x00, 0x00}, INT32_MIN, 18446744071562067968U, "the same one bit high"},
+    {{0xFF, 0xFF, 0xFF, 0xFF}, -1, UINT64_MAX, "without its zero octet it is sign-extended"},
+    {{0x80, 0x00, 0x00, 0x00}, INT32_MIN, 18446744071562067968U, "only the highest bit set"},
     {{0x7F, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}, INT64_MAX, INT64_MAX, "largest eight-octet value"},
     {{0x80, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00}, -1, UINT64_MAX, "eight octets, negative: shift by 0"},
     {{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00}, -1, UINT64_MAX, "the same with other octets"},
     {{0x00, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}, -1, UINT64_MAX, "the largest 64-bit count"},
-    {{0x01, 0, 0, 0, 0, 0, 0, 0, 0x05}, 5, 5, "nine octets: the first one falls out"},
-    {{0xFF, 1, 2, 3, 4, 5, 6, 7, 0x08}, -248, UINT64_MAX - 247, "nine, negative: only the last one is seen"},
+    {{0x01, 0, 0, 0, 0, 0, 0, 0, 0x05}, 5, 5, "nine octets: the first one is shifted out"},
+    {{0xFF, 1, 2, 3, 4, 5, 6, 7, 0x08}, -248, UINT64_MAX - 247, "nine, negative: only the last one counts"},
     {{0x80, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1}, -1, UINT64_MAX, "sixteen, negative: shift by 0"},
 };
 
@@ -191,7 +191,7 @@ const OidCase kOids[] = {
     {{0x2B, 0x06, 0x01, 0x04, 0x01}, L"1.3.6.1.4.1", "enterprises"},
     {{0x2B, 0x81, 0x00}, L"1.3.128", "an arc of two octets"},
     {{0x2B, 0x7F}, L"1.3.127", "the largest arc of one octet"},
-    {{0x2B, 0x86}, L"1.3", "an arc that does not end is dropped"},
+    {{0x2B, 0x86}, L"1.3", "an unterminated arc is dropped"},
     {{0x2B, 0x05, 0xFF, 0xFF}, L"1.3.5", "so are two octets of it"},
     {{0x2B, 0x80, 0x01}, L"1.3.1", "leading zero bits change nothing"},
     {{0x2B, 0x00}, L"1.3.0", "an arc of zero is written"},

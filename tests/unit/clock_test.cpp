@@ -15,7 +15,7 @@ using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 using std::chrono::system_clock;
 
-// The system may count time in steps of a sixty-fourth of a second.
+// In milliseconds: the system clock may advance in steps of 1/64 second.
 constexpr int64_t kStep = 16;
 
 // The local time to the second, by the standard library.
@@ -39,7 +39,7 @@ int64_t MillisecondsOf(system_clock::time_point time) {
 TEST(ReadLocalTime, AgreesWithTheCalendar) {
     std::wstring expected;
     std::wstring read;
-    // A second can begin between the two, but not each time.
+    // A second may begin between the two readings, but not every time.
     for (int attempt = 0; attempt < 5 && (attempt == 0 || read != expected); ++attempt) {
         expected = CalendarText();
         read = FormatTimestamp(ReadLocalTime()).substr(0, expected.size());
@@ -57,7 +57,7 @@ TEST(ReadLocalTime, CountsTheMillisecondsOfItsSecond) {
     EXPECT_LE((sinceBefore + kMinute) % kMinute, after - before);
 }
 
-// Under Wine a busy machine counts late.
+// Under Wine the count lags on a busy machine.
 TEST(ReadTickCount, CountsMillisecondsForwards) {
     const auto start = steady_clock::now();
     const uint64_t first = ReadTickCount();

@@ -6,6 +6,7 @@
 #include "core/app_paths.h"
 #include "platform/files.h"
 #include "tests/support/scratch_folder.h"
+#include "tests/support/stamps.h"
 
 namespace {
 
@@ -25,11 +26,11 @@ const ValueCase kValues[] = {
     {L"<ip >10.1.2.3</ip>", L"none", "a marker has no blanks"},
     {L"<IP>10.1.2.3</IP>", L"none", "letter case counts"},
     {L"ip>10.1.2.3</ip>", L"none", "a marker has both brackets"},
-    {L"<ip>10.1.2.3</ip6>", L"none", "at both ends"},
+    {L"<ip>10.1.2.3</ip6>", L"none", "the closing marker is exact, too"},
     {L"<zip>1</zip><ip6>2</ip6><ip>3</ip>", L"3", "longer names are other markers"},
     {L"<ip>1</ip><ip>2</ip>", L"1", "the first markers count"},
     {L"<ip><ip>1</ip>", L"<ip>1", "also when nested"},
-    {L"</ip><ip>10.1.2.3</ip>", L"none", "the closing marker is searched from the start"},
+    {L"</ip><ip>10.1.2.3</ip>", L"none", "the first closing marker counts, even before the opening one"},
 };
 
 TEST(ExtractTagValue, ReturnsTheTextBetweenTheFirstMarkersElseTheFallback) {
@@ -47,7 +48,7 @@ class ConfigFileTest : public testing::Test {
         ReplaceForwarding(enabled, ip, port);
     }
 
-    // Loads a file of these octets over settings that no file of the tests contains.
+    // Loads a file of these octets over settings that no test file contains.
     static void Load(std::string_view octets) {
         SetSettings(true, L"leftover", 7);
         WriteOctets(AppPaths.configPath, octets);
@@ -69,14 +70,14 @@ class ConfigFileTest : public testing::Test {
         return ForwardingSettings.forwardingEnabled;
     }
 
-    // The messages of the log without their stamps, joined; the log is removed.
-    static std::string ReadMessages() {
+    // The messages of the log without their stamps, joined; removes the log.
+    static std::string DrainMessages() {
         const std::string log = ReadOctets(AppPaths.logFilePath);
         RemoveFile(AppPaths.logFilePath);
         std::string messages;
         for (size_t at = 0; at < log.size();) {
             const size_t end = log.find("\r\r\n", at);
-            messages += log.substr(at + 25, end - at - 25);
+            messages += log.substr(at + kStampLength + 2, end - at - kStampLength - 2);
             at = end + 3;
         }
         return messages;
@@ -101,7 +102,7 @@ TEST_F(ConfigFileTest, DefaultSettingsAreSavedAsFiveLinesWithThreeOctetLineEnds)
               "  <forwardingIp>127.0.0.1</forwardingIp>\r\r\n"
               "  <forwardingPort>162</forwardingPort>\r\r\n"
               "</config>\r\r\n");
-    EXPECT_EQ(ReadMessages(), "Config saved.");
+    EXPECT_EQ(DrainMessages(), "Config saved.");
 }
 
 TEST_F(ConfigFileTest, SavedSettingsLoadAgainWithNothingEscaped) {
@@ -110,18 +111,18 @@ TEST_F(ConfigFileTest, SavedSettingsLoadAgainWithNothingEscaped) {
     SetSettings(false, {}, 1);
     LoadConfig();
     ExpectSettings(true, L" <&\"'> ", 9162);
-    EXPECT_EQ(ReadMessages(), "Config saved.Config loaded.");
+    EXPECT_EQ(DrainMessages(), "Config saved.Config loaded.");
 }
 
 TEST_F(ConfigFileTest, MissingOrEmptyFileChangesNothing) {
     SetSettings(true, L"leftover", 7);
     LoadConfig();
     ExpectSettings(true, L"leftover", 7);
-    EXPECT_EQ(ReadMessages(), "No config.xml found (or empty). Using defaults.");
+    EXPECT_EQ(DrainMessages(), "No config.xml found (or empty). Using defaults.");
     for (const char* octets : {"", "\x1A<forwardingPort>9</forwardingPort>"}) {
         Load(octets);
         ExpectSettings(true, L"leftover", 7);
-        EXPECT_EQ(ReadMessages(), "No config.xml found (or empty). Using defaults.");
+        EXPECT_EQ(DrainMessages(), "No config.xml found (or empty). Using defaults.");
     }
 }
 
@@ -129,7 +130,7 @@ TEST_F(ConfigFileTest, FileWithoutMarkersLoadsAllDefaults) {
     for (const char* octets : {"word", "\r\n"}) {
         Load(octets);
         ExpectSettings(false, L"127.0.0.1", 162);
-        EXPECT_EQ(ReadMessages(), "Config loaded.");
+        EXPECT_EQ(DrainMessages(), "Config loaded.");
     }
 }
 
@@ -159,7 +160,7 @@ TEST_F(ConfigFileTest, ClosingMarkerBeforeTheOpeningOneLoadsTheDefaultAddress) {
     EXPECT_EQ(LoadIp("</forwardingIp><forwardingIp>10.1.2.3</forwardingIp>"), L"127.0.0.1");
 }
 
-TEST_F(ConfigFileTest, PortIsReadAsTheRuntimeReadsNumbersAndIs162OutsideItsRange) {
+TEST_F(ConfigFileTest, PortIsParsedLikeTheRuntimeAndIs162OutsideItsRange) {
     struct Case {
         const char* text;
         int32_t port;
@@ -180,11 +181,11 @@ TEST_F(ConfigFileTest, PortIsReadAsTheRuntimeReadsNumbersAndIs162OutsideItsRange
     }
 }
 
-TEST_F(ConfigFileTest, AddressAbove0xFFCutsTheFileAndTheRestIsLostAtTheNextLoad) {
+TEST_F(ConfigFileTest, AddressAbove0xFFTruncatesTheFileAndTheNextLoadUsesDefaults) {
     SetSettings(true, L"10.\u20AC", 9162);
     SaveConfig();
     EXPECT_TRUE(ReadOctets(AppPaths.configPath).ends_with("  <forwardingIp>10."));
-    EXPECT_EQ(ReadMessages(), "Config saved.");
+    EXPECT_EQ(DrainMessages(), "Config saved.");
     LoadConfig();
     ExpectSettings(true, L"127.0.0.1", 162);
 }

@@ -37,7 +37,7 @@ TEST_F(DataFilesTest, AppendingEmptyTextOnlyCreatesTheFile) {
     EXPECT_EQ(Read(), "one\r\r\n");
 }
 
-TEST_F(DataFilesTest, TextAfterACutOneContinuesItsLine) {
+TEST_F(DataFilesTest, TextAfterATruncatedOneContinuesItsLine) {
     AppendToFile(file_, L"cut\u0100 here\r\n");
     AppendToFile(file_, L"\u20AC all of it");
     AppendToFile(file_, L"next");
@@ -70,12 +70,12 @@ TEST_F(DataFilesTest, ClearedFileExistsAndIsEmpty) {
 
 TEST_F(DataFilesTest, NoFileStaysOpenBetweenCalls) {
     AppendToFile(file_, L"one");
-    EXPECT_TRUE(RemoveFile(file_)) << "an open handle would forbid it";
+    EXPECT_TRUE(RemoveFile(file_)) << "an open handle would prevent it";
     AppendToFile(file_, L"two");
     EXPECT_EQ(Read(), "two\r\r\n");
 }
 
-// ---- Reading the whole
+// ---- Reading a whole file
 
 TEST_F(DataFilesTest, MissingAndEmptyFilesReadAsEmpty) {
     EXPECT_EQ(ReadWholeFile(file_), L"");
@@ -114,7 +114,7 @@ TEST_F(DataFilesTest, LineEndsAnd0x1AAreReadUnchanged) {
               L"d\n");
 }
 
-TEST_F(DataFilesTest, TextAfterTheOffsetIsUtf8IfValidAndElseAnsi) {
+TEST_F(DataFilesTest, TextAfterTheOffsetIsUtf8IfValidElseAnsi) {
     const auto readFrom = [&](uint64_t offset, std::string_view octets) {
         WriteOctets(file_, octets);
         return ReadFileFrom(file_, offset);
@@ -143,7 +143,7 @@ TEST_F(ActivityLogTest, LineIsStampTwoBlanksMessageAndThreeOctetLineEnd) {
     EXPECT_EQ(log.substr(18 + 2 * kStampLength), "  one\r\n\r\r\n") << "a line end is always added";
 }
 
-TEST_F(ActivityLogTest, CharacterAbove0xFFCutsTheLineAndTheNextOneContinuesIt) {
+TEST_F(ActivityLogTest, CharacterAbove0xFFTruncatesTheLineAndTheNextOneContinuesIt) {
     LogMessage(L"caf\u00E9 \u20AC lost");
     LogMessage(L"next");
     const std::string log = ReadOctets(AppPaths.logFilePath);

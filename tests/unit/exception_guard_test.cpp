@@ -1,4 +1,4 @@
-// The system must not see exceptions: a window procedure that runs out of memory returns 0.
+// Exceptions must not reach the system: a window procedure that throws returns 0.
 #include "ui/exception_guard.h"
 
 #include <gtest/gtest.h>
@@ -32,7 +32,7 @@ HWND CreateThrowingWindow() {
                            nullptr);
 }
 
-TEST(GuardedProc, AHandlerThatThrowsReturns0AndTheWindowStillExists) {
+TEST(GuardedProc, AHandlerThatThrowsReturns0AndTheWindowSurvives) {
     const HWND window = CreateThrowingWindow();
     ASSERT_NE(window, nullptr);
     for (int count = 0; count < 100; ++count) {

@@ -1,6 +1,5 @@
-// How the program uses its files, and under which locks. Files and folders are replaced by linking with ones
-// in memory that check the locks during each use, hence a separate program: a missing lock is found without
-// luck.
+// How the program uses its files, and under which locks. Files and folders are replaced at link time with
+// ones in memory, where each use checks the locks: a missing lock fails the test every time.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -28,12 +27,12 @@
 
 namespace {
 
-enum class WalkEnd { Whole, BrokenOff, Thrown };
+enum class Enumeration { Complete, Failed, Thrown };
 
 std::wstring applicationData;
 std::vector<std::wstring> createdFolders;
 std::vector<std::wstring> mibFiles;
-WalkEnd walkEnd = WalkEnd::Whole;
+Enumeration enumeration = Enumeration::Complete;
 
 }  // namespace
 
@@ -53,10 +52,10 @@ bool EnumerateFolder(const std::wstring&, const std::function<void(const FolderE
     for (const std::wstring& name : mibFiles) {
         visit({name, true});
     }
-    if (walkEnd == WalkEnd::Thrown) {
-        throw std::runtime_error("the walk broke off");
+    if (enumeration == Enumeration::Thrown) {
+        throw std::runtime_error("the enumeration failed");
     }
-    return walkEnd == WalkEnd::Whole;
+    return enumeration == Enumeration::Complete;
 }
 
 namespace {
@@ -68,7 +67,7 @@ struct FileUse {
     bool underMibStoreLock = false;
 };
 
-// Tried on another thread: the one that holds a lock may not try it.
+// Tried on another thread: a thread must not try a lock that it holds.
 bool IsHeld(std::mutex& lock) {
     bool held = true;
     std::thread([&] {
@@ -86,7 +85,7 @@ class FileLayer : public testing::Test {
         InitAppPaths();
         createdFolders.clear();
         mibFiles.clear();
-        walkEnd = WalkEnd::Whole;
+        enumeration = Enumeration::Complete;
         AppendOctets(AppPaths.configPath, "<forwardingPort>9162</forwardingPort>");
         Files.onOpen = [this](const std::wstring& path) {
             uses_.push_back({path, IsHeld(FileLock), IsHeld(MibStoreLock)});
@@ -128,7 +127,7 @@ const Operation kOperations[] = {
     {"InitAppPaths", InitAppPaths},
 };
 
-// Otherwise a viewer could see half a record, or a record be lost while the file is cleared.
+// Otherwise a viewer could show half a record, or clearing a file could lose one.
 TEST_F(FileLayer, EveryUseOfADataFileIsUnderTheFileLock) {
     for (const Operation& operation : kOperations) {
         uses_.clear();
@@ -141,7 +140,7 @@ TEST_F(FileLayer, EveryUseOfADataFileIsUnderTheFileLock) {
     }
 }
 
-// Otherwise a trap that looks up a name could see half a load.
+// Otherwise a trap that looks up a name could see a partial load.
 TEST_F(FileLayer, ALoadLocksTheNameStoreUntilItsLogLineIsWritten) {
     AddMibFile(L"a.mib", "a OBJECT IDENTIFIER ::= { mgmt 5 }\n");
     uses_.clear();
@@ -156,16 +155,16 @@ TEST_F(FileLayer, ALoadLocksTheNameStoreUntilItsLogLineIsWritten) {
     EXPECT_FALSE(IsHeld(MibStoreLock));
 }
 
-TEST_F(FileLayer, AWalkThatBreaksOffEndsTheLoadWithItsDirectValuesAndALogLine) {
+TEST_F(FileLayer, AFailedEnumerationEndsTheLoadWithItsDirectValuesAndALogLine) {
     AddMibFile(L"b.mib", "deferred OBJECT IDENTIFIER ::= { mgmt 5 }\n");
     AddMibFile(L"no.doc", "");
     AddMibFile(L"a.mib", "direct OBJECT IDENTIFIER ::= {\n iso org(3) x(9) -1 }\n");
-    for (const WalkEnd end : {WalkEnd::BrokenOff, WalkEnd::Thrown}) {
-        walkEnd = WalkEnd::Whole;
+    for (const Enumeration end : {Enumeration::Failed, Enumeration::Thrown}) {
+        enumeration = Enumeration::Complete;
         LoadMibFolder();
-        EXPECT_EQ(CountOidNames(), 2) << "the lock is free and the next load is whole";
+        EXPECT_EQ(CountOidNames(), 2) << "the lock is free and the next load is complete";
         ReplaceOctets(AppPaths.logFilePath, "");
-        walkEnd = end;
+        enumeration = end;
         LoadMibFolder();
         EXPECT_EQ(NameOf(L"1.3.9"), L"direct");
         EXPECT_EQ(NameOf(L"1.3.6.1.2.5"), L"") << "nothing is resolved";
@@ -213,7 +212,7 @@ struct Interference {
 
 constexpr size_t kThreePieces = 2 * kMebibyte + 100;
 
-// In a file of three pieces, changed before the second one is read.
+// A file of three pieces changes before the second one is read.
 const Interference kInterferences[] = {
     {"grows", [](const std::wstring& path) { AppendOctets(path, "more"); }, kThreePieces, 0},
     {"is cleared", [](const std::wstring& path) { ReplaceOctets(path, ""); }, kMebibyte, 0},
@@ -225,7 +224,7 @@ const Interference kInterferences[] = {
      kThreePieces - kMebibyte},
 };
 
-TEST_F(FileLayer, AFileThatChangesBetweenTwoPiecesIsReadUpToItsOldSizeOrToTheChange) {
+TEST_F(FileLayer, AFileThatChangesBetweenPiecesIsReadUpToItsOldSizeOrTheChange) {
     const std::wstring path = L"file.txt";
     for (const Interference& interference : kInterferences) {
         Files.onOpen = nullptr;
@@ -265,7 +264,7 @@ TEST_F(FileLayer, AMibFileIsReadIfSmallerThanTwoGibibytes) {
     }
 }
 
-// As of a symbolic link, for which the folder lists 0.
+// For example a symbolic link, which the folder lists with size 0.
 TEST_F(FileLayer, AMibFileThatIsLargerThanListedIsNotRead) {
     AppendOctets(L"large.mib", "text");
     Files.ClaimSize(L"large.mib", 0);

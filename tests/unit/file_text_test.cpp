@@ -57,7 +57,7 @@ TEST(AppendFileLines, TextThatDoesNotEndInALineFeedGetsALineEnd) {
     EXPECT_EQ(EncodeLines(L""), "");
 }
 
-TEST(AppendFileLines, CutTextGetsNoLineEnd) {
+TEST(AppendFileLines, TruncatedTextGetsNoLineEnd) {
     EXPECT_EQ(EncodeLines(L"before \u20AC after\r\n"), "before ");
     EXPECT_EQ(EncodeLines(L"before \u20AC after"), "before ");
     EXPECT_EQ(EncodeLines(L"line\n\u20AC"), "line\r\n");
@@ -76,7 +76,7 @@ TEST(DecodeFileText, PairBecomesLineFeedAndLoneCarriageReturnIsUnchanged) {
     EXPECT_EQ(Decode("a\r\nb"), L"a\nb");
     EXPECT_EQ(Decode("a\n\rb"), L"a\n\rb");
     EXPECT_EQ(Decode("a\r"), L"a\r");
-    EXPECT_EQ(Decode("a\r\r\n"), L"a\r\n") << "a line end of the program";
+    EXPECT_EQ(Decode("a\r\r\n"), L"a\r\n") << "a line end as the program writes it";
     EXPECT_EQ(Decode("\r\r\r\n"), L"\r\r\n");
 }
 

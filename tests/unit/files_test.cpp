@@ -24,7 +24,7 @@ std::string EveryOctet() {
     return octets;
 }
 
-TEST_F(FilesTest, AppendedOctetsFollowEachOtherUnchanged) {
+TEST_F(FilesTest, AppendedOctetsAreStoredInOrderAndUnchanged) {
     EXPECT_TRUE(AppendOctets(file_, ""));
     EXPECT_EQ(QueryFileSize(file_), 0U);
     EXPECT_TRUE(AppendOctets(file_, EveryOctet()));
@@ -47,7 +47,7 @@ TEST_F(FilesTest, WritingIntoAMissingFolderFails) {
     EXPECT_FALSE(PathExists(Path(L"missing")));
 }
 
-TEST_F(FilesTest, FolderIsNotAFile) {
+TEST_F(FilesTest, FileOperationsFailOnAFolder) {
     CreateFolderWithParents(file_);
     std::string octets = "leftover";
     EXPECT_FALSE(AppendOctets(file_, "x"));
@@ -65,25 +65,25 @@ TEST_F(FilesTest, MissingFileHasNeitherContentNorSize) {
     EXPECT_FALSE(QueryFileSize(file_).has_value());
 }
 
-TEST_F(FilesTest, ReadingStartsAtTheOffsetOrAtTheStartWhenThatIsBeyondTheEnd) {
+TEST_F(FilesTest, ReadingStartsAtTheOffsetOrAt0IfThatIsBeyondTheEnd) {
     struct Case {
         uint64_t offset;
-        uint64_t most;
+        uint64_t maxCount;
         const char* octets;
     };
     ASSERT_TRUE(ReplaceOctets(file_, "12345"));
-    for (const auto& [offset, most, expected] : {Case{0, UINT64_MAX, "12345"},
-                                                 {4, UINT64_MAX, "5"},
-                                                 {5, UINT64_MAX, ""},
-                                                 {6, UINT64_MAX, "12345"},
-                                                 {UINT64_MAX, UINT64_MAX, "12345"},
-                                                 {1, 3, "234"},
-                                                 {3, 3, "45"},
-                                                 {6, 2, "12"},
-                                                 {1, 0, ""}}) {
+    for (const auto& [offset, maxCount, expected] : {Case{0, UINT64_MAX, "12345"},
+                                                     {4, UINT64_MAX, "5"},
+                                                     {5, UINT64_MAX, ""},
+                                                     {6, UINT64_MAX, "12345"},
+                                                     {UINT64_MAX, UINT64_MAX, "12345"},
+                                                     {1, 3, "234"},
+                                                     {3, 3, "45"},
+                                                     {6, 2, "12"},
+                                                     {1, 0, ""}}) {
         std::string octets = "leftover";
-        EXPECT_EQ(ReadOctetsFrom(file_, offset, octets, most), 5U);
-        EXPECT_EQ(octets, expected) << offset << " " << most;
+        EXPECT_EQ(ReadOctetsFrom(file_, offset, octets, maxCount), 5U);
+        EXPECT_EQ(octets, expected) << offset << " " << maxCount;
     }
 }
 
@@ -114,7 +114,7 @@ TEST_F(FilesTest, RemovingAMissingFileSucceeds) {
     EXPECT_TRUE(RemoveFile(file_));
 }
 
-TEST_F(FilesTest, NamesOutsideAsciiAreExact) {
+TEST_F(FilesTest, NonAsciiNamesAreExact) {
     const std::wstring path = Path(L"J\u00FCrgen \u0416\u4E2D \U0001F600.txt");
     EXPECT_TRUE(AppendOctets(path, "x"));
     bool found = false;

@@ -14,7 +14,7 @@ class FoldersTest : public testing::Test {
   protected:
     std::wstring Path(const std::wstring& name) const { return folder_.Join(name); }
 
-    // The entries by name; the value says whether it is a regular file.
+    // The entries by name; true for a regular file.
     std::map<std::wstring, bool> Enumerate() const {
         std::map<std::wstring, bool> entries;
         EXPECT_TRUE(EnumerateFolder(Root(), [&](const FolderEntry& entry) {
@@ -30,7 +30,7 @@ class FoldersTest : public testing::Test {
 
 using Entries = std::map<std::wstring, bool>;
 
-TEST_F(FoldersTest, FilesAndFoldersAreVisitedOnceWithTheirTypesAndNotEntered) {
+TEST_F(FoldersTest, EntriesAreVisitedOnceWithTheirTypesAndFoldersAreNotEntered) {
     EXPECT_EQ(Enumerate(), Entries());
     AppendOctets(Path(L"a.mib"), "x");
     AppendOctets(Path(L".mib"), "");
@@ -41,14 +41,14 @@ TEST_F(FoldersTest, FilesAndFoldersAreVisitedOnceWithTheirTypesAndNotEntered) {
               (Entries{{L"a.mib", true}, {L".mib", true}, {L"J\u00FCrgen.txt", true}, {L"x.mib", false}}));
 }
 
-TEST_F(FoldersTest, MissingFolderAndFileCannotBeEnumerated) {
+TEST_F(FoldersTest, MissingFoldersAndFilesCannotBeEnumerated) {
     const auto visit = [](const FolderEntry&) { FAIL() << "nothing to visit"; };
     AppendOctets(Path(L"file"), "x");
     EXPECT_FALSE(EnumerateFolder(Path(L"missing"), visit));
     EXPECT_FALSE(EnumerateFolder(Path(L"file"), visit));
 }
 
-TEST_F(FoldersTest, ExceptionsOfTheVisitorPassThrough) {
+TEST_F(FoldersTest, VisitorExceptionsPropagate) {
     AppendOctets(Path(L"file"), "x");
     const auto visit = [](const FolderEntry&) { throw std::runtime_error("enough"); };
     EXPECT_THROW(EnumerateFolder(Root(), visit), std::runtime_error);

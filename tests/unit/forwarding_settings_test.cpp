@@ -15,11 +15,11 @@ class ForwardingSettingsTest : public testing::Test {
     ForwardingValues before_ = CopyForwarding();
 };
 
-TEST_F(ForwardingSettingsTest, FreshSettingsAreOffLocalHostAnd162) {
-    const ForwardingSettingFields fresh;
-    EXPECT_FALSE(fresh.forwardingEnabled);
-    EXPECT_EQ(fresh.forwardingIp, L"127.0.0.1");
-    EXPECT_EQ(fresh.forwardingPort, 162);
+TEST_F(ForwardingSettingsTest, DefaultsAreOffLocalHostAnd162) {
+    const ForwardingSettingFields defaults;
+    EXPECT_FALSE(defaults.forwardingEnabled);
+    EXPECT_EQ(defaults.forwardingIp, L"127.0.0.1");
+    EXPECT_EQ(defaults.forwardingPort, 162);
 }
 
 TEST_F(ForwardingSettingsTest, PortsFrom1To65535AreUnchangedAndAllOthersBecome162) {
@@ -35,7 +35,7 @@ TEST_F(ForwardingSettingsTest, PortsFrom1To65535AreUnchangedAndAllOthersBecome16
     }
 }
 
-// Forwarding is switched off and on with a new target each time: no copy mixes the two.
+// The settings alternate between two sets of values; no copy may mix them.
 TEST_F(ForwardingSettingsTest, AllThreeAreReplacedTogether) {
     constexpr int kRounds = 20000;
     const std::wstring on = L"10.0.0.1";

@@ -1,4 +1,4 @@
-// Memory that runs out at each request of a load and of a batch of traps.
+// Loads and batches of traps when memory runs out at any request.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -40,7 +40,7 @@ struct MibTables {
     bool operator==(const MibTables&) const = default;
 };
 
-// The test fails when a row is not whole. Caller holds MibStoreLock.
+// Fails the test if a row is incomplete. Requires MibStoreLock.
 MibTables CopyMibTables() {
     MibTables tables{CopyOidNames(), {}};
     for (const auto& [text, name] : NameOidMap) {
@@ -59,7 +59,7 @@ MibTables CopyMibTables() {
     return tables;
 }
 
-// Values of every kind, and enough of them for every table to grow several times.
+// Every kind of value, and enough of them to grow every table several times.
 std::wstring MakeModule() {
     std::wstring text;
     for (int number = 0; number < 30; ++number) {
@@ -93,7 +93,7 @@ TEST(MemoryShortage, ALoadThatRunsOutLeavesUsableTables) {
         RefuseEachRequest(Shortage::OneRequest, ClearNameStore, load, [&](const Attempt& attempt, size_t) {
             EXPECT_EQ(attempt.outcome, Outcome::NoMemory);
             CopyMibTables();
-            // The tables can be loaded again, and can be cleared.
+            // The tables can be loaded again and cleared.
             EXPECT_EQ(loadAndCopy(), whole);
             ClearNameStore();
             EXPECT_EQ(loadAndCopy(), whole);
@@ -103,8 +103,8 @@ TEST(MemoryShortage, ALoadThatRunsOutLeavesUsableTables) {
     ClearNameStore();
 }
 
-// The memory that a load of the text requests, in octets for each character. A load that copied, hashed or
-// formatted the long part of these texts for every value would not end in time.
+// Octets that a load of the text requests, per character. A load that copied, hashed or formatted the long
+// part of these texts for every value would time out.
 size_t LoadedOctetsPerCharacter(const std::wstring& text, size_t expectedNames) {
     const std::lock_guard lock(MibStoreLock);
     ClearNameStore();
@@ -133,7 +133,7 @@ std::wstring LongIdentifier() {
     return L"big OBJECT IDENTIFIER ::= {" + Repeat(L" 1", kManyArcs) + L" -1 }\n";
 }
 
-// `row` for 0 to kSome - 1.
+// Joins row(0) to row(kSome - 1).
 template <typename Row>
 std::wstring Rows(const Row& row) {
     std::wstring text;
@@ -172,8 +172,8 @@ TEST(MemoryShortage, LoadsNeedMemoryInProportionToTheirText) {
     }
 }
 
-// The most memory that a file can ask for: each line of seven characters makes "z" longer by 63 arcs, because
-// its chain ends at "a" and the line gives "a" the identifier of "z".
+// The worst case: each line of seven characters makes `z` 63 arcs longer, because its chain starts at `a` and
+// the line assigns the identifier of `z` to `a`.
 TEST(MemoryShortage, ValuesThatEachLengthenAChainNeedMemoryForAtMost63ArcsEach) {
     constexpr int kChain = 63;
     std::wstring text = L"c1 OBJECT-TYPE::={a 1}\n";
@@ -191,7 +191,7 @@ TEST(MemoryShortage, ValuesThatEachLengthenAChainNeedMemoryForAtMost63ArcsEach) 
 class FilesInAShortage : public testing::TestWithParam<Shortage> {
   protected:
     // The file without the stamps of its lines or records; removes it.
-    static std::string TakeFile(const std::wstring& path) {
+    static std::string DrainFile(const std::wstring& path) {
         const std::string octets = ReadOctets(path);
         RemoveFile(path);
         if (octets.empty()) {
@@ -200,14 +200,14 @@ class FilesInAShortage : public testing::TestWithParam<Shortage> {
         EXPECT_TRUE(IsStamp(std::string_view(octets).substr(0, kStampLength))) << octets;
         return octets.substr(std::min(octets.size(), kStampLength));
     }
-    static std::string TakeLog() { return TakeFile(AppPaths.logFilePath); }
+    static std::string DrainLog() { return DrainFile(AppPaths.logFilePath); }
 
     ScratchFolder folder_;
     AppPathsGuard paths_{folder_};
     FreshNameStore store_;
 };
 
-// Tried on another thread: the one that holds a lock may not try it.
+// Tried on another thread: a thread must not try a lock that it holds.
 bool IsFree(std::mutex& lock) {
     bool free = false;
     std::thread([&] {
@@ -228,7 +228,7 @@ std::string LogLineOfALoad() {
     return "  MIBs loaded. OID mappings: " + std::to_string(CountOidNames()) + "\r\r\n";
 }
 
-TEST_P(FilesInAShortage, LoadOfTheFolderThrowsNothingAndLogsItsLine) {
+TEST_P(FilesInAShortage, LoadingTheFolderDoesNotThrowAndLogsItsLine) {
     WriteOctets(AppPaths.mibsDir + L"\\a module with a long name.mib",
                 "demo OBJECT IDENTIFIER ::= { enterprises 77 }\nname OBJECT-TYPE\n ::= { demo 1 }\n"
                 "zero OBJECT IDENTIFIER ::= { internet }\n");
@@ -237,11 +237,11 @@ TEST_P(FilesInAShortage, LoadOfTheFolderThrowsNothingAndLogsItsLine) {
     const Attempt undisturbed = Try([] { LoadMibFolder(); });
     const MibTables whole = CopyTablesLocked();
     ASSERT_EQ(whole.names.size(), 5U);
-    ASSERT_EQ(TakeLog(), LogLineOfALoad());
+    ASSERT_EQ(DrainLog(), LogLineOfALoad());
     // The log is written last, so these are a load's last requests.
     const size_t logRequests =
         Try([] { LogMessage(L"MIBs loaded. OID mappings: " + std::to_wstring(5)); }).requests;
-    TakeLog();
+    DrainLog();
     ASSERT_GT(logRequests, 0U);
     ASSERT_GT(undisturbed.requests, logRequests + 10);
 
@@ -250,15 +250,15 @@ TEST_P(FilesInAShortage, LoadOfTheFolderThrowsNothingAndLogsItsLine) {
         [&](const Attempt& attempt, size_t request) {
             EXPECT_EQ(attempt.outcome, Outcome::Returned);
             EXPECT_TRUE(IsFree(MibStoreLock));
-            const bool logMustBeThere =
+            const bool mustBeLogged =
                 GetParam() == Shortage::OneRequest && request < undisturbed.requests - logRequests;
-            if (const std::string log = TakeLog(); logMustBeThere || !log.empty()) {
+            if (const std::string log = DrainLog(); mustBeLogged || !log.empty()) {
                 EXPECT_EQ(log, LogLineOfALoad());
             }
             CopyTablesLocked();
             LoadMibFolder();
             EXPECT_EQ(CopyTablesLocked(), whole);
-            EXPECT_EQ(TakeLog(), LogLineOfALoad());
+            EXPECT_EQ(DrainLog(), LogLineOfALoad());
         });
 }
 
@@ -266,20 +266,20 @@ TEST_P(FilesInAShortage, SettingsThatWereNotLoadedAreNotLoggedAsLoaded) {
     WriteOctets(AppPaths.configPath,
                 "<forwardingIp>an address that is too long to be stored without memory</forwardingIp>"
                 "<forwardingPort>9162</forwardingPort>");
-    const auto forget = [] {
+    const auto reset = [] {
         ReplaceForwarding(false, L"127.0.0.1", 162);
         RemoveFile(AppPaths.logFilePath);
     };
-    const size_t refused = RefuseEachRequest(GetParam(), forget, LoadConfig, [](const Attempt&, size_t) {
+    const size_t refused = RefuseEachRequest(GetParam(), reset, LoadConfig, [](const Attempt&, size_t) {
         const bool logged = ReadOctets(AppPaths.logFilePath).find("Config loaded.") != std::string::npos;
         EXPECT_TRUE(!logged || CopyForwarding().port == 9162);
     });
     EXPECT_GT(refused, 3U);
     EXPECT_EQ(CopyForwarding().port, 9162);
-    forget();
+    reset();
 }
 
-constexpr Ipv4Endpoint kSender = {0xFFFEFDFC, 65535};  // a text that is too long to be stored without memory
+constexpr Ipv4Endpoint kSender = {0xFFFEFDFC, 65535};  // its text needs an allocation
 
 std::vector<Octets> TrapsOfEveryKind() {
     const Octets large = EncodeV2Trap(std::vector<Binding>(
@@ -298,7 +298,7 @@ std::vector<TrapArrival> ArriveTogether(const std::vector<Octets>& traps) {
 }
 
 // The records of the trap file without stamps; removes it.
-std::vector<std::string> TakeRecords() {
+std::vector<std::string> DrainRecords() {
     constexpr std::string_view end = "\r\r\n\r\r\n";
     std::vector<std::string> records;
     std::string octets = ReadOctets(AppPaths.trapFilePath);
@@ -315,12 +315,12 @@ std::vector<std::string> TakeRecords() {
 constexpr char kReceived[] = "  Trap received (255.254.253.252).";
 constexpr char kFailed[] = "  Forwarding failed (sendto error).";
 
-// How many traps the log announces, and how many failures to forward; removes it.
+// Counts the traps and the forwarding failures in the log; removes it.
 struct LogCounts {
     size_t received = 0;
     size_t failed = 0;
 };
-LogCounts TakeLogCounts() {
+LogCounts DrainLogCounts() {
     constexpr std::string_view end = "\r\r\n";
     LogCounts counts;
     bool mayFail = false;
@@ -338,7 +338,7 @@ LogCounts TakeLogCounts() {
     return counts;
 }
 
-// True: `some` is `all` with at most `most` of them left out, the others in their order.
+// Whether `some` is `all` without at most `most` of its elements, in the same order.
 bool IsAllBut(size_t most, const std::vector<std::string>& some, const std::vector<std::string>& all) {
     auto found = some.begin();
     for (const std::string& record : all) {
@@ -347,7 +347,7 @@ bool IsAllBut(size_t most, const std::vector<std::string>& some, const std::vect
     return found == some.end() && some.size() + most >= all.size();
 }
 
-TEST_P(FilesInAShortage, EachTrapOfABatchIsRecordedWholeOrNotAtAll) {
+TEST_P(FilesInAShortage, EachTrapOfABatchIsRecordedCompletelyOrNotAtAll) {
     {
         const std::lock_guard lock(MibStoreLock);
         StoreNamedOid(L"a name that is too long to be stored without memory", L"1.3.6.1.2.1.2.2.1.2.7");
@@ -359,17 +359,17 @@ TEST_P(FilesInAShortage, EachTrapOfABatchIsRecordedWholeOrNotAtAll) {
     UdpSocketRef forwarder = OpenUdpSocket();
     ReplaceForwarding(true, L"255.255.255.255", 9);  // the system refuses to broadcast
     const auto clear = [&] {
-        TakeRecords();
-        TakeLogCounts();
+        DrainRecords();
+        DrainLogCounts();
     };
     const auto process = [&] { ProcessTraps(arrivals, forwarder.get()); };
     clear();
     process();
-    const std::vector<std::string> all = TakeRecords();
+    const std::vector<std::string> all = DrainRecords();
     ASSERT_EQ(all.size(), traps.size());
     EXPECT_TRUE(all[0].starts_with("       FROM: 255.254.253.252\r\r\n---> [1] ")) << all[0];
     const auto expectAllLogged = [&] {
-        const LogCounts counts = TakeLogCounts();
+        const LogCounts counts = DrainLogCounts();
         EXPECT_EQ(counts.received, traps.size());
         EXPECT_EQ(counts.failed, traps.size());
     };
@@ -378,13 +378,13 @@ TEST_P(FilesInAShortage, EachTrapOfABatchIsRecordedWholeOrNotAtAll) {
     const size_t lost = GetParam() == Shortage::OneRequest ? 1 : traps.size();
     const size_t refused = RefuseEachRequest(GetParam(), clear, process, [&](const Attempt& attempt, size_t) {
         EXPECT_EQ(attempt.outcome, Outcome::Returned);
-        const std::vector<std::string> left = TakeRecords();
+        const std::vector<std::string> left = DrainRecords();
         EXPECT_TRUE(IsAllBut(lost, left, all)) << left.size() << " of " << all.size();
-        const LogCounts counts = TakeLogCounts();
+        const LogCounts counts = DrainLogCounts();
         EXPECT_GE(counts.received + lost, traps.size());
         EXPECT_GE(counts.failed + lost, traps.size());
         process();
-        EXPECT_EQ(TakeRecords(), all);
+        EXPECT_EQ(DrainRecords(), all);
         expectAllLogged();
     });
     EXPECT_GT(refused, 10U);
@@ -393,14 +393,14 @@ TEST_P(FilesInAShortage, EachTrapOfABatchIsRecordedWholeOrNotAtAll) {
     StopSocketLibrary();
 }
 
-TEST_P(FilesInAShortage, AnArrivalCountsEvenWithoutMemoryForItsSender) {
+TEST_P(FilesInAShortage, AnArrivalIsStoredEvenWithoutMemoryForItsSender) {
     std::unique_ptr<TrapBatch> batch;
-    const auto startAnew = [&] {
+    const auto reset = [&] {
         batch = std::make_unique<TrapBatch>(nullptr);
         ServerState.lastTrapSender = std::wstring();
     };
     const auto add = [&] { batch->AddArrival(3, kSender); };
-    const size_t refused = RefuseEachRequest(GetParam(), startAnew, add, [&](const Attempt& attempt, size_t) {
+    const size_t refused = RefuseEachRequest(GetParam(), reset, add, [&](const Attempt& attempt, size_t) {
         EXPECT_EQ(attempt.outcome, Outcome::Returned);
         ASSERT_EQ(batch->arrivals().size(), 1U);
         EXPECT_EQ(batch->arrivals()[0].count, 3U);

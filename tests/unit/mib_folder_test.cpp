@@ -32,8 +32,8 @@ class MibFolder : public testing::Test {
         std::filesystem::create_directory(folder_.path() / "mibs" / name);
     }
 
-    // The log since the last call without its stamps.
-    std::string TakeLog() const {
+    // The log without its first stamp; removes the file.
+    static std::string DrainLog() {
         const std::string log = ReadOctets(AppPaths.logFilePath);
         RemoveFile(AppPaths.logFilePath);
         EXPECT_TRUE(IsStamp(std::string_view(log).substr(0, kStampLength))) << log;
@@ -45,7 +45,7 @@ class MibFolder : public testing::Test {
     FreshNameStore store_;
 };
 
-// The order in which the system lists the folder's files, which is the order of a load.
+// The folder's entries in the order in which the system lists and a load reads them.
 Names ListInLoadOrder() {
     Names names;
     EnumerateFolder(AppPaths.mibsDir, [&](const FolderEntry& entry) { names.push_back(entry.name); });
@@ -69,16 +69,16 @@ TEST_F(MibFolder, LoadLogsTheCountInOneLine) {
     WriteMib(L"a.mib",
              "a OBJECT-TYPE\n::= { mgmt 1 }\nb OBJECT-TYPE\n::= { mgmt 2 }\nc OBJECT-TYPE\n::= { no 3 }\n");
     LoadMibFolder();
-    EXPECT_EQ(TakeLog(), "  MIBs loaded. OID mappings: 2\r\r\n");
+    EXPECT_EQ(DrainLog(), "  MIBs loaded. OID mappings: 2\r\r\n");
 }
 
 TEST_F(MibFolder, MissingFolderLogsZeroAndRemovesTheOldNames) {
     WriteMib(L"a.mib", "a OBJECT-TYPE\n::= { mgmt 1 }\n");
     LoadMibFolder();
-    EXPECT_EQ(TakeLog(), "  MIBs loaded. OID mappings: 1\r\r\n");
+    EXPECT_EQ(DrainLog(), "  MIBs loaded. OID mappings: 1\r\r\n");
     AppPaths.mibsDir += L"\\none";
     LoadMibFolder();
-    EXPECT_EQ(TakeLog(), "  MIBs loaded. OID mappings: 0\r\r\n");
+    EXPECT_EQ(DrainLog(), "  MIBs loaded. OID mappings: 0\r\r\n");
     EXPECT_EQ(NameOf(L"1.3.6.1.2.1"), L"");
 }
 
@@ -134,10 +134,10 @@ TEST_F(MibFolder, DirectValueWinsOverDeferredOnesOfAllFiles) {
 TEST_F(MibFolder, DeletedFilesLoseTheirNamesAtTheNextLoad) {
     WriteMib(L"one.mib", "a OBJECT-TYPE\n::= { mgmt 1 }\nb OBJECT IDENTIFIER ::= { internet }\n");
     LoadMibFolder();
-    EXPECT_EQ(TakeLog(), "  MIBs loaded. OID mappings: 2\r\r\n");
+    EXPECT_EQ(DrainLog(), "  MIBs loaded. OID mappings: 2\r\r\n");
     RemoveMib(L"one.mib");
     LoadMibFolder();
-    EXPECT_EQ(TakeLog(), "  MIBs loaded. OID mappings: 0\r\r\n");
+    EXPECT_EQ(DrainLog(), "  MIBs loaded. OID mappings: 0\r\r\n");
     EXPECT_EQ(CountOidNames(), 0);
     EXPECT_EQ(CountDefinitions(), 0U);
     EXPECT_EQ(OidOf(L"b"), L"");

@@ -18,7 +18,7 @@ class MibParser : public testing::Test {
     FreshNameStore store_;
 };
 
-// The pending definitions in the order of their names' first ones: "name parent subId; name parent subId".
+// The pending definitions in the order of the first one of each name: "name parent subId; name parent subId".
 std::wstring Definitions() {
     const std::lock_guard lock(MibStoreLock);
     std::wstring text;
@@ -52,7 +52,7 @@ const ParserCase kCases[] = {
      L"a OBJECT IDENTIFIER\n::= {   -- here it comes }\r\n\r\n mib-2\t-- the parent\r\n3\r\n}\r\n",
      L"a mib-2 3"},
     {"lines are joined by a blank", L"a OBJECT IDENTIFIER ::= { mib\n-2\n2 }", L"a -2 2"},
-    {"in the long form the last two words count",
+    {"in the long form only the last two words are used",
      L"internet OBJECT IDENTIFIER ::= { iso org(3) dod(6) internet(1) }\n"
      L"last OBJECT IDENTIFIER ::= { enterprises x(5) }\n",
      L"internet dod(6) 0; last enterprises 0"},
@@ -63,7 +63,7 @@ const ParserCase kCases[] = {
      L"::= { a\nb OBJECT-TYPE\n1 } c OBJECT-TYPE\n::= { d 1 }\n", L""},
     {"lines of a value set no name", L"a OBJECT IDENTIFIER ::= {\nb OBJECT-TYPE\nmgmt 1 }\n::= { mgmt 2 }\n",
      L"a mgmt 2"},
-    {"a value open at the end stores nothing",
+    {"a value that is not closed stores nothing",
      L"a OBJECT IDENTIFIER ::= { mgmt 1\nb OBJECT IDENTIFIER ::= { mgmt 2\n", L""},
     {"the rest of the line that closes a value is ignored",
      L"a OBJECT IDENTIFIER ::= {\nmgmt 1 } b OBJECT IDENTIFIER ::= { mgmt 2 }\n", L"a mgmt 1"},
@@ -71,7 +71,7 @@ const ParserCase kCases[] = {
     // Braces
     {"a value runs from the first brace of its line", L"a OBJECT IDENTIFIER { mgmt 7 } ::= { mgmt 8 }\n",
      L"a mgmt 7"},
-    {"also over lines", L"b OBJECT IDENTIFIER { x ::= {\nmgmt 9 }\n", L"b mgmt 9"},
+    {"also across lines", L"b OBJECT IDENTIFIER { x ::= {\nmgmt 9 }\n", L"b mgmt 9"},
     {"a closing brace before the opening one ends the value",
      L"a OBJECT IDENTIFIER } ::= { mgmt 1\nb OBJECT IDENTIFIER ::= { mgmt 2 }\n", L"b mgmt 2"},
     {"a brace before the assignment starts a value too", L"a OBJECT IDENTIFIER { mgmt 3 ::=\n}\n", L"a 3 0"},
@@ -81,7 +81,7 @@ const ParserCase kCases[] = {
      L"a OBJECT-TYPE\n SYNTAX INTEGER { up(1), down(2) }\n INDEX { b 2 }\n : := { c 3 }\n", L""},
 
     // Names
-    {"a name counts until the next keyword line",
+    {"a name applies until the next keyword line",
      L"a OBJECT-TYPE\n::= { mgmt 1 }\nb NOTIFICATION-TYPE\n::= { mgmt 2 }\n", L"a mgmt 2"},
     {"a SEQUENCE after an entry replaces the entry",
      L"fooEntry OBJECT-TYPE\n SYNTAX FooEntry\n ::= { fooTable 1 }\nFooEntry ::= SEQUENCE {\n"
@@ -94,7 +94,7 @@ const ParserCase kCases[] = {
     {"so does a keyword at the start of an import line",
      L"IMPORTS\n    MODULE-IDENTITY, OBJECT-TYPE,\n        FROM SNMPv2-SMI;\n::= { mgmt 1 }\n",
      L"MODULE-IDENTITY mgmt 1"},
-    {"a keyword line that begins otherwise sets no name",
+    {"a keyword line without a leading identifier sets no name",
      L"a OBJECT-TYPE\n\"b OBJECT-TYPE\n, OBJECT IDENTIFIER\n::= { mgmt 1 }\n", L"a mgmt 1"},
     {"keywords are exact",
      L"a OBJECT-TYPE\nb object-type\nc OBJECT  IDENTIFIER\nd OBJECT\tIDENTIFIER\ne OBJECT-IDENTITY\n"
@@ -111,8 +111,8 @@ const ParserCase kCases[] = {
     {"a keyword in a comment has no effect",
      L"a OBJECT-TYPE\nb -- OBJECT-TYPE\n-- c OBJECT-TYPE ::= { mgmt 9 }\n::= { mgmt 1 }\n", L"a mgmt 1"},
     {"a keyword may end at a comment", L"a OBJECT-TYPE--c\n::= { mgmt 1 }", L"a mgmt 1"},
-    {"a comment may cut a keyword", L"b OBJECT--TYPE\n::= { mgmt 2 }\nOBJECT -- IDENTIFIER\n", L""},
-    {"a comment may cut an open value's line", L"c OBJECT-TYPE {::=--}\n mgmt 3 }", L"c mgmt 3"},
+    {"a comment may truncate a keyword", L"b OBJECT--TYPE\n::= { mgmt 2 }\nOBJECT -- IDENTIFIER\n", L""},
+    {"a comment may truncate a line of an open value", L"c OBJECT-TYPE {::=--}\n mgmt 3 }", L"c mgmt 3"},
     {"an assignment or brace in a comment has no effect",
      L"a OBJECT-TYPE ::= -- { mgmt 1 }\na { mgmt 1 } -- ::=\n{ mgmt 1 -- ::= }\n", L""},
     {"a closing brace in a comment does not end a value", L"a OBJECT IDENTIFIER ::= { -- }\n-- }\nmgmt 4 }\n",
@@ -144,7 +144,7 @@ TEST_F(MibParser, StoresTheDefinitionsOfATextAndStartsEachTextWithoutAName) {
     EXPECT_EQ(Definitions(), L"");
 }
 
-TEST_F(MibParser, ValueOfOneNameIsStoredDirectlyUnderTheFirstName) {
+TEST_F(MibParser, ValueOfOneNameIsStoredDirectlyAndTheFirstNameWins) {
     ParseText(L"zero OBJECT IDENTIFIER ::= { internet }\nsecond OBJECT IDENTIFIER ::= { internet }\n");
     EXPECT_EQ(OidOf(L"zero"), L"1.3.6.1");
     EXPECT_EQ(OidOf(L"second"), L"1.3.6.1");
@@ -159,7 +159,7 @@ TEST_F(MibParser, NegativeLastNumberNamesTheParentItself) {
     EXPECT_EQ(NameOf(L"1.3.6.1.2"), L"odd");
 }
 
-// Under AddressSanitizer reading past the text's end ends the test.
+// AddressSanitizer reports a read past the end of the text.
 TEST_F(MibParser, TextMayEndAnywhere) {
     const std::wstring whole = L"a OBJECT-TYPE\nb OBJECT IDENTIFIER\nc MODULE-IDENTITY\n::= { mgmt 1 } --";
     for (size_t size = 0; size <= whole.size(); ++size) {
@@ -210,7 +210,7 @@ TEST_F(MibParser, StoresTheDefinitionsOfAFile) {
     }
 }
 
-// A real module, cut down: most of the oddities above work together here.
+// A shortened real module that combines most of the oddities above.
 TEST_F(MibParser, SmallModuleYieldsItsDefinitions) {
     ParseText(
         L"DEMO-MIB DEFINITIONS ::= BEGIN\n"
@@ -236,7 +236,7 @@ TEST_F(MibParser, SmallModuleYieldsItsDefinitions) {
 }
 
 // Would take hours if a line were examined again for each brace before it.
-TEST_F(MibParser, MillionOpenValuesAreOneOpenValue) {
+TEST_F(MibParser, MillionUnclosedValuesAreOneValue) {
     std::wstring text;
     for (int line = 0; line < 1'000'000; ++line) {
         text += L"a OBJECT-TYPE ::= {\n";

@@ -27,7 +27,8 @@ TEST(ReadMibText, FileIsUtf8IfValidElseAnsi) {
     EXPECT_EQ(ReadBack("St\xE4rke"), L"St\u00E4rke");
     EXPECT_EQ(ReadBack("\x7F"), L"\u007F");
     EXPECT_EQ(ReadBack("\x80"), L"\u20AC");
-    EXPECT_EQ(ReadBack("\xC3\xA4 \xE4"), L"\u00C3\u00A4 \u00E4") << "one invalid octet decides for the file";
+    EXPECT_EQ(ReadBack("\xC3\xA4 \xE4"), L"\u00C3\u00A4 \u00E4")
+        << "one invalid octet makes the whole file ANSI";
     EXPECT_EQ(ReadBack("\xFF\xFE"
                        "a\0b\0"s),
               L"\u00FF\u00FE"
@@ -42,14 +43,14 @@ TEST(ReadMibText, FileIsUtf8IfValidElseAnsi) {
     EXPECT_EQ(LeadingIdentifier(text), L"");
 }
 
-TEST(ReadMibText, MissingFileOrFolderIsEmpty) {
+TEST(ReadMibText, MissingFileOrFolderReadsAsEmpty) {
     const ScratchFolder folder;
     EXPECT_EQ(ReadMibText(folder.Join(L"none.mib")), L"");
     EXPECT_EQ(ReadMibText(folder.path().wstring()), L"");
 }
 
-// More than any memory: reading it before its size is checked would end the load of all files.
-TEST(ReadMibText, FileLargerThanTheMemoryIsEmpty) {
+// Without a size check before the read, running out of memory would end the load of all files.
+TEST(ReadMibText, FileLargerThanMemoryReadsAsEmpty) {
     const ScratchFolder folder;
     const std::wstring path = folder.Join(L"huge.txt");
     WriteOctets(path, "a OBJECT IDENTIFIER ::= { mgmt 5 }\n");
@@ -126,7 +127,7 @@ TEST(ParseParentAndSubId, ReadsTheLastTwoWords) {
 TEST(ParseParentAndSubId, RejectsFewerThanTwoWords) {
     for (const wchar_t* statement :
          {L"{ zeroDotZero }", L"{ }", L"{}", L"} {", L"{ a 1", L"a 1 }", L"} ::= { a 1 }", L""}) {
-        std::wstring_view parent = L"as it was";
+        std::wstring_view parent = L"leftover";
         int32_t subId = 9;
         EXPECT_FALSE(ParseParentAndSubId(statement, &parent, &subId)) << statement;
         EXPECT_EQ(parent, L"") << statement;
@@ -146,7 +147,7 @@ class OidValue : public testing::Test {
     FreshNameStore store_;
 };
 
-// The full reading of a value, as text.
+// The identifier that a value represents, as text.
 std::wstring ReadValue(std::wstring_view statement) {
     return FormatOid(ParseOidValue(statement));
 }
@@ -176,11 +177,11 @@ TEST_F(OidValue, NegativeLastWordIsANameAndIgnored) {
     EXPECT_EQ(ReadValue(L"{ mgmt -1 }"), L"1.3.6.1.2");
 }
 
-TEST_F(OidValue, LongFormCountsTheNumbersInParentheses) {
+TEST_F(OidValue, LongFormUsesTheNumbersInParentheses) {
     EXPECT_EQ(ReadValue(L"{ iso org(3) dod(6), internet(1) }"), L"1.3.6.1");
 }
 
-TEST_F(OidValue, NamesDefinedBeforeAreKnown) {
+TEST_F(OidValue, EarlierDefinitionsAreKnown) {
     StoreDefinition(L"cisco", L"enterprises", 9);
     StoreNamedOid(L"learnt", L"1.7");
     EXPECT_EQ(ReadValue(L"{ cisco 1 }"), L"1.3.6.1.4.1.9.1");
@@ -207,14 +208,14 @@ const Component kComponents[] = {
     {L"(5)", L"5", L"7.5", "no name needed"},
     {L"org(x)", L"0", L"7.0", "something else in parentheses is 0"},
     {L"org(-3)", L"-3", L"7.-3", "a sign in parentheses is read"},
-    {L"a(b(3)", L"0", L"7.0", "from the first to the first"},
-    {L"x()", L"", L"7", "nothing in the parentheses makes a name"},
+    {L"a(b(3)", L"0", L"7.0", "from the first opening to the first closing one"},
+    {L"x()", L"", L"7", "with nothing in parentheses: a name"},
     {L")x(3)", L"", L"7", "the first closing one must follow the first opening one"},
     {L"x(3", L"", L"7", "both are needed"},
     {L"org", L"1.3", L"7", "a name counts only before the first arc"},
     {L"3x", L"", L"7", "not all digits: a name"},
-    {L"-1", L"", L"7", "a sign makes a name"},
-    {L"\u0663", L"", L"7", "digits of other scripts make a name"},
+    {L"-1", L"", L"7", "with a sign: a name"},
+    {L"\u0663", L"", L"7", "digits of other scripts: a name"},
     {L"99999999999", L"2147483647", L"7.2147483647", "clamped"},
 };
 

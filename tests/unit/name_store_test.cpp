@@ -30,7 +30,7 @@ void DefineChain(std::wstring_view root, size_t length) {
     }
 }
 
-void DefineChainFromItsEnd(std::wstring_view root, size_t length) {
+void DefineChainInReverse(std::wstring_view root, size_t length) {
     for (size_t step = length; step >= 1; --step) {
         const std::wstring parent = step == 1 ? std::wstring(root) : L"d" + std::to_wstring(step - 1);
         StoreDefinition(L"d" + std::to_wstring(step), parent, 1);
@@ -45,7 +45,7 @@ size_t CountArcs(const Oid* oid) {
     return arcs;
 }
 
-TEST(ParseOidText, SplitsAtDotsAndReadsPiecesAsTheRuntimeReadsNumbers) {
+TEST(ParseOidText, SplitsAtDotsAndParsesEachPieceLikeTheRuntime) {
     EXPECT_EQ(ParseOidText(L"1.3.6"), (Arcs{1, 3, 6}));
     EXPECT_EQ(ParseOidText(L"42"), Arcs{42});
     EXPECT_EQ(ParseOidText(L"1..3."), (Arcs{1, 3}));
@@ -88,7 +88,7 @@ TEST_F(NameStore, BuiltinNamesAreComparedCharacterByCharacter) {
     }
 }
 
-TEST_F(NameStore, BuiltinNamesAloneNameNoIdentifier) {
+TEST_F(NameStore, BuiltinNamesWithoutADefinitionNameNoIdentifier) {
     StoreDefinition(L"mine", L"enterprises", 1);
     ResolveAll();
     EXPECT_EQ(CountOidNames(), 1);
@@ -129,7 +129,7 @@ TEST_F(NameStore, DirectValueWinsOverADefinition) {
 }
 
 TEST_F(NameStore, ChainOf64DefinitionsResolvesAndOneOf65DoesNotInEitherOrder) {
-    for (const auto define : {DefineChain, DefineChainFromItsEnd}) {
+    for (const auto define : {DefineChain, DefineChainInReverse}) {
         ClearNameStore();
         define(L"iso", 66);
         EXPECT_EQ(CountArcs(ResolveName(StoreName(L"d64"))), 65U);
@@ -137,7 +137,7 @@ TEST_F(NameStore, ChainOf64DefinitionsResolvesAndOneOf65DoesNotInEitherOrder) {
     }
 }
 
-TEST_F(NameStore, DefinitionsBuildOnWhatEarlierOnesResolvedTo) {
+TEST_F(NameStore, DefinitionsBuildOnEarlierResolvedOnes) {
     DefineChain(L"iso", 200);
     EXPECT_EQ(OidOf(L"d200"), L"");
     ResolveAll();
@@ -147,17 +147,17 @@ TEST_F(NameStore, DefinitionsBuildOnWhatEarlierOnesResolvedTo) {
     EXPECT_EQ(NameOf(FormatOid(oid)), L"d200");
 }
 
-TEST_F(NameStore, DefinitionsBeforeTheirParentsHaveTheLimit) {
-    DefineChainFromItsEnd(L"iso", 66);
+TEST_F(NameStore, DefinitionsBeforeTheirParentsResolveUpToTheLimit) {
+    DefineChainInReverse(L"iso", 66);
     StoreDefinition(L"later", L"d66", 1);
     ResolveAll();
     EXPECT_NE(OidOf(L"d64"), L"");
     EXPECT_EQ(NameOf(FormatOid(ResolveName(StoreName(L"d65")))), L"");
-    EXPECT_EQ(CountOidNames(), 65) << "64 of the chain, and what follows them";
+    EXPECT_EQ(CountOidNames(), 65) << "d1 to d64 and `later`";
 }
 
 TEST_F(NameStore, LimitCountsFromTheNearestKnownName) {
-    DefineChainFromItsEnd(L"iso", 105);
+    DefineChainInReverse(L"iso", 105);
     StoreNamedOid(L"d40", L"1.2");
     EXPECT_NE(OidOf(L"d39"), L"");
     EXPECT_EQ(OidOf(L"d40"), L"1.2");
@@ -168,14 +168,14 @@ TEST_F(NameStore, LimitCountsFromTheNearestKnownName) {
     EXPECT_EQ(CountOidNames(), 104);
 }
 
-TEST_F(NameStore, LimitCountsFromABuiltinNameThatAFileDefinesToo) {
+TEST_F(NameStore, LimitCountsFromABuiltinNameThatIsAlsoDefined) {
     StoreDefinition(L"iso", L"nobody", 1);
     DefineChain(L"iso", 65);
     EXPECT_NE(OidOf(L"d64"), L"");
     EXPECT_EQ(OidOf(L"d65"), L"");
 }
 
-TEST_F(NameStore, ResolvingAllGivesWhatResolvingEachGives) {
+TEST_F(NameStore, ResolvingAllAgreesWithResolvingEach) {
     DefineChain(L"mib-2", 10);
     StoreDefinition(L"a", L"d7", 1);
     StoreDefinition(L"b", L"nowhere", 1);
@@ -232,7 +232,7 @@ TEST_F(NameStore, LookupIsExact) {
     }
 }
 
-TEST_F(NameStore, LookupAcceptsEveryArcInTheRangeOnly) {
+TEST_F(NameStore, LookupAcceptsEvery32BitArcAndNoOther) {
     StoreNamedOid(L"largest", L"1.2147483647");
     StoreNamedOid(L"smallest", L"1.-2147483648");
     StoreNamedOid(L"zero", L"0.0");
@@ -246,7 +246,7 @@ TEST_F(NameStore, LookupAcceptsEveryArcInTheRangeOnly) {
     }
 }
 
-TEST_F(NameStore, FirstNameOfAnIdentifierAndLastIdentifierOfANameCount) {
+TEST_F(NameStore, FirstNameOfAnIdentifierAndLastIdentifierOfANameWin) {
     StoreNamedOid(L"first", L"1.2.3");
     StoreNamedOid(L"second", L"1.2.3");
     EXPECT_EQ(NameOf(L"1.2.3"), L"first");
@@ -258,7 +258,7 @@ TEST_F(NameStore, FirstNameOfAnIdentifierAndLastIdentifierOfANameCount) {
     EXPECT_EQ(CountOidNames(), 2);
 }
 
-TEST_F(NameStore, LastDefinitionOfANameCounts) {
+TEST_F(NameStore, LastDefinitionOfANameWins) {
     StoreDefinition(L"a", L"mgmt", 1);
     StoreDefinition(L"other", L"mgmt", 2);
     StoreDefinition(L"a", L"private", 3);
@@ -285,7 +285,7 @@ TEST_F(NameStore, FirstStoredDefinitionOfAnIdentifierNamesIt) {
     EXPECT_EQ(CountOidNames(), 1);
 }
 
-TEST_F(NameStore, FirstStoredNamesAlsoWhenALaterOneIsResolvedBefore) {
+TEST_F(NameStore, FirstStoredNameWinsEvenIfALaterOneIsResolvedFirst) {
     StoreDefinition(L"child", L"later", 4);
     StoreDefinition(L"first", L"mgmt", 1);
     StoreDefinition(L"later", L"mgmt", 1);
@@ -299,7 +299,7 @@ TEST_F(NameStore, LookingUpAndCountingWaitForTheLock) {
     EXPECT_TRUE(WaitsFor(MibStoreLock, [] { CountOidNames(); }));
 }
 
-TEST_F(NameStore, CountFollowsTheTable) {
+TEST_F(NameStore, CountMatchesTheTable) {
     EXPECT_EQ(CountOidNames(), 0);
     StoreNamedOid(L"a", L"1.1");
     StoreNamedOid(L"b", L"1.2");
@@ -309,8 +309,8 @@ TEST_F(NameStore, CountFollowsTheTable) {
     EXPECT_EQ(NameOf(L"1.1"), L"");
 }
 
-// A table with a prime number of buckets gets the arcs that a sum of parent and arc would put into one.
-TEST(OidHash, ArcsThatAreMultiplesOfTheNumberOfBucketsDoNotShareOne) {
+// With a sum of parent and arc as the hash, all these arcs would fall into one bucket.
+TEST(OidHash, ArcsThatAreMultiplesOfTheBucketCountAreSpread) {
     constexpr size_t kArcs = 10'000;
     std::unordered_set<Oid, OidHash> oids;
     oids.reserve(kArcs);
@@ -332,13 +332,13 @@ TEST(OidHash, ArcsThatAreMultiplesOfTheNumberOfBucketsDoNotShareOne) {
 }
 
 // Would take hours if each name were resolved through all the others.
-TEST_F(NameStore, ChainOf100000DefinitionsResolvesWholeUnlessItStartsAtItsEnd) {
+TEST_F(NameStore, ChainOf100000DefinitionsResolvesFullyOnlyIfParentsComeFirst) {
     DefineChain(L"iso", 100'000);
     ResolveAll();
     EXPECT_EQ(CountOidNames(), 100'000);
     EXPECT_EQ(CountArcs(ResolveName(StoreName(L"d100000"))), 100'001U);
     ClearNameStore();
-    DefineChainFromItsEnd(L"iso", 100'000);
+    DefineChainInReverse(L"iso", 100'000);
     ResolveAll();
     EXPECT_EQ(CountOidNames(), 64);
 }

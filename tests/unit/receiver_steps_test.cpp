@@ -1,4 +1,4 @@
-// Each step by which the receiver starts and stops, with a system that refuses on demand.
+// The order in which the receiver starts and stops, also when a step fails. The system is a fake.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -43,8 +43,6 @@ class ReceiverSteps : public testing::Test {
     }
 };
 
-// ---- Starting and stopping
-
 TEST_F(ReceiverSteps, AStartOpensBindsAndStartsInOrder) {
     EXPECT_TRUE(StartServer());
     EXPECT_EQ(Fake.steps,
@@ -81,7 +79,7 @@ TEST_F(ReceiverSteps, WithoutATrapSocketTheStartFailsAndClosesTheOther) {
                                  "close socket 1"}));
 }
 
-TEST_F(ReceiverSteps, APort162InUseMakesTheStartFailAndClosesBothSockets) {
+TEST_F(ReceiverSteps, WithPort162InUseTheStartFailsAndClosesBothSockets) {
     Fake.portInUse = 162;
     EXPECT_FALSE(StartServer());
     EXPECT_EQ(Fake.steps,
@@ -90,7 +88,7 @@ TEST_F(ReceiverSteps, APort162InUseMakesTheStartFailAndClosesBothSockets) {
                      "close socket 1"}));
 }
 
-TEST_F(ReceiverSteps, APort161InUseLeavesOneWorkerToStartAndToWaitFor) {
+TEST_F(ReceiverSteps, WithPort161InUseOnlyTheTrapThreadIsStartedAndStopped) {
     Fake.portInUse = 161;
     EXPECT_TRUE(StartServer());
     EXPECT_EQ(
@@ -119,7 +117,7 @@ TEST_F(ReceiverSteps, WithoutATrapThreadTheStartIsUndone) {
                                  "close socket 1", "button: stopped", "log Server stopped.", "repaint"}));
 }
 
-// Port 161 stays bound although nobody reads it.
+// Port 161 stays bound although no thread reads from it.
 TEST_F(ReceiverSteps, WithoutAListenerThreadTheReceiverRuns) {
     Fake.threadsLeft = 1;
     EXPECT_TRUE(StartServer());

@@ -1,5 +1,5 @@
-// A system that refuses, and the refusals of Windows that Wine does not have. Calls of the system are
-// replaced by linking with ones that call the real ones unless a test sets a refusal.
+// Files, folders and threads when system calls fail, also in ways that Wine does not reproduce. The calls are
+// replaced at link time; they call the real ones unless a test requests a failure.
 #include <gtest/gtest.h>
 
 #include <bit>
@@ -21,20 +21,20 @@ constexpr DWORD kSystem = FILE_ATTRIBUTE_SYSTEM;
 constexpr DWORD kReadOnly = FILE_ATTRIBUTE_READONLY;
 constexpr DWORD kAllThree = kHidden | kSystem | kReadOnly;
 
-// The system as one test wants it.
+// The failures that a test requests.
 struct System {
-    bool guardsAttributes = false;  // of files, as Windows documents it
-    DWORD most = MAXDWORD;          // octets that it reads or writes at a call
-    int transfers = 0;              // such calls
-    int transferThatFails = 0;      // 1: the first; 0: none
+    bool enforcesAttributes = false;  // of files, as Windows documents it
+    DWORD maxTransfer = MAXDWORD;     // octets that one call reads or writes
+    int transfers = 0;                // calls that read or write
+    int transferThatFails = 0;        // 1: the first; 0: none
     int transferThatMovesNothing = 0;
-    bool refusesToCut = false;
-    bool claimsFourGibibytes = false;  // for each file, and 5 octets
-    int searches = 0;                  // for the next entry of a folder
+    bool refusesToTruncate = false;
+    bool claimsHugeFiles = false;  // of 4 GiB and 5 octets each
+    int searches = 0;              // for the next entry of a folder
     int searchThatFails = 0;
     bool refusesThreads = false;
     bool waitsFail = false;
-} wanted;
+} fake;
 
 template <typename Function>
 Function RealFunction(const char* name) {
@@ -53,7 +53,7 @@ DWORD AttributesOf(const std::wstring& path) {
 
 bool HasAttributes(LPCWSTR path, DWORD some) {
     const DWORD attributes = AttributesOf(path);
-    return wanted.guardsAttributes && attributes != INVALID_FILE_ATTRIBUTES && (attributes & some) != 0;
+    return fake.enforcesAttributes && attributes != INVALID_FILE_ATTRIBUTES && (attributes & some) != 0;
 }
 
 BOOL WINAPI Copy(LPCWSTR source, LPCWSTR target, BOOL failIfExists) {
@@ -62,7 +62,7 @@ BOOL WINAPI Copy(LPCWSTR source, LPCWSTR target, BOOL failIfExists) {
         return Refuse(ERROR_ACCESS_DENIED);
     }
     return real(source, target, failIfExists) &&
-           (!wanted.guardsAttributes || SetFileAttributesW(target, GetFileAttributesW(source)));
+           (!fake.enforcesAttributes || SetFileAttributesW(target, GetFileAttributesW(source)));
 }
 
 HANDLE WINAPI Open(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security, DWORD disposition,
@@ -83,12 +83,12 @@ BOOL WINAPI Delete(LPCWSTR path) {
 template <typename Buffer, typename Function>
 BOOL Transfer(Function real, HANDLE file, Buffer buffer, DWORD size, DWORD* moved, OVERLAPPED* overlapped) {
     *moved = 0;
-    ++wanted.transfers;
-    if (wanted.transfers == wanted.transferThatFails) {
+    ++fake.transfers;
+    if (fake.transfers == fake.transferThatFails) {
         return Refuse(ERROR_DISK_OPERATION_FAILED);
     }
-    return wanted.transfers == wanted.transferThatMovesNothing ||
-           real(file, buffer, size < wanted.most ? size : wanted.most, moved, overlapped);
+    return fake.transfers == fake.transferThatMovesNothing ||
+           real(file, buffer, size < fake.maxTransfer ? size : fake.maxTransfer, moved, overlapped);
 }
 
 BOOL WINAPI Write(HANDLE file, LPCVOID octets, DWORD size, LPDWORD written, LPOVERLAPPED overlapped) {
@@ -101,15 +101,15 @@ BOOL WINAPI Read(HANDLE file, LPVOID octets, DWORD size, LPDWORD got, LPOVERLAPP
     return Transfer(real, file, octets, size, got, overlapped);
 }
 
-BOOL WINAPI Cut(HANDLE file) {
+BOOL WINAPI Truncate(HANDLE file) {
     static const auto real = RealFunction<decltype(&SetEndOfFile)>("SetEndOfFile");
-    return wanted.refusesToCut ? Refuse(ERROR_USER_MAPPED_FILE) : real(file);
+    return fake.refusesToTruncate ? Refuse(ERROR_USER_MAPPED_FILE) : real(file);
 }
 
 BOOL WINAPI QueryAttributes(LPCWSTR path, GET_FILEEX_INFO_LEVELS level, LPVOID attributes) {
     static const auto real = RealFunction<decltype(&GetFileAttributesExW)>("GetFileAttributesExW");
     const BOOL known = real(path, level, attributes);
-    if (known && wanted.claimsFourGibibytes) {
+    if (known && fake.claimsHugeFiles) {
         auto* data = static_cast<WIN32_FILE_ATTRIBUTE_DATA*>(attributes);
         data->nFileSizeHigh = 1;
         data->nFileSizeLow = 5;
@@ -119,31 +119,30 @@ BOOL WINAPI QueryAttributes(LPCWSTR path, GET_FILEEX_INFO_LEVELS level, LPVOID a
 
 BOOL WINAPI FindNext(HANDLE search, LPWIN32_FIND_DATAW data) {
     static const auto real = RealFunction<decltype(&FindNextFileW)>("FindNextFileW");
-    return ++wanted.searches == wanted.searchThatFails ? Refuse(ERROR_NETNAME_DELETED) : real(search, data);
+    return ++fake.searches == fake.searchThatFails ? Refuse(ERROR_NETNAME_DELETED) : real(search, data);
 }
 
 HANDLE WINAPI MakeThread(LPSECURITY_ATTRIBUTES security, SIZE_T stack, LPTHREAD_START_ROUTINE start,
                          LPVOID parameter, DWORD flags, LPDWORD id) {
     static const auto real = RealFunction<decltype(&CreateThread)>("CreateThread");
-    return wanted.refusesThreads ? nullptr : real(security, stack, start, parameter, flags, id);
+    return fake.refusesThreads ? nullptr : real(security, stack, start, parameter, flags, id);
 }
 
 DWORD WINAPI Wait(HANDLE handle, DWORD milliseconds) {
     static const auto real = RealFunction<decltype(&WaitForSingleObject)>("WaitForSingleObject");
-    return wanted.waitsFail ? WAIT_FAILED : real(handle, milliseconds);
+    return fake.waitsFail ? WAIT_FAILED : real(handle, milliseconds);
 }
 
 }  // namespace
 
-// The pointers through which imported functions are called; the linker uses these and not the import
-// library's.
+// Imported functions are called through these pointers; the linker prefers them to the import library's.
 extern "C" {
 decltype(&CopyFileW) __imp_CopyFileW = Copy;
 decltype(&CreateFileW) __imp_CreateFileW = Open;
 decltype(&DeleteFileW) __imp_DeleteFileW = Delete;
 decltype(&WriteFile) __imp_WriteFile = Write;
 decltype(&ReadFile) __imp_ReadFile = Read;
-decltype(&SetEndOfFile) __imp_SetEndOfFile = Cut;
+decltype(&SetEndOfFile) __imp_SetEndOfFile = Truncate;
 decltype(&GetFileAttributesExW) __imp_GetFileAttributesExW = QueryAttributes;
 decltype(&FindNextFileW) __imp_FindNextFileW = FindNext;
 decltype(&CreateThread) __imp_CreateThread = MakeThread;
@@ -152,20 +151,20 @@ decltype(&WaitForSingleObject) __imp_WaitForSingleObject = Wait;
 
 namespace {
 
-// ---- Files that are hidden, read-only or the system's own. Wine copies over them and removes them.
+// ---- Hidden, system and read-only files, which Wine overwrites and removes
 
 class FileAttributes : public testing::TestWithParam<DWORD> {
   protected:
     void SetUp() override {
-        wanted = {};
+        fake = {};
         ASSERT_TRUE(ReplaceOctets(source_, "new"));
         ASSERT_TRUE(ReplaceOctets(target_, "old"));
-        wanted.guardsAttributes = true;
+        fake.enforcesAttributes = true;
     }
 
     // Otherwise the scratch folder could not be removed.
     void TearDown() override {
-        wanted = {};
+        fake = {};
         for (const std::wstring& path : {source_, target_}) {
             SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
         }
@@ -181,14 +180,14 @@ class FileAttributes : public testing::TestWithParam<DWORD> {
     const std::wstring target_ = folder_.Join(L"target.mib");
 };
 
-TEST_P(FileAttributes, ATargetIsReplacedAndOrdinaryAfterwards) {
+TEST_P(FileAttributes, CopyingReplacesATargetAndClearsItsAttributes) {
     Set(target_, GetParam());
     EXPECT_TRUE(CopyFileOver(source_, target_));
     EXPECT_EQ(ReadOctets(target_), "new");
     EXPECT_EQ(AttributesOf(target_), 0U);
 }
 
-TEST_P(FileAttributes, ACopyIsOrdinaryAndItsSourceUnchanged) {
+TEST_P(FileAttributes, ACopyHasNoAttributesAndItsSourceIsUnchanged) {
     Set(source_, GetParam());
     for (const char* time : {"first", "second"}) {
         EXPECT_TRUE(CopyFileOver(source_, target_)) << time;
@@ -197,7 +196,7 @@ TEST_P(FileAttributes, ACopyIsOrdinaryAndItsSourceUnchanged) {
     EXPECT_EQ(AttributesOf(source_), GetParam());
 }
 
-TEST_P(FileAttributes, AFailedCopyLeavesTheTargetAndItsAttributes) {
+TEST_P(FileAttributes, AFailedCopyLeavesTheTargetUnchanged) {
     Set(target_, GetParam());
     EXPECT_FALSE(CopyFileOver(folder_.Join(L"missing.mib"), target_));
     EXPECT_EQ(ReadOctets(target_), "old");
@@ -218,8 +217,7 @@ TEST_P(FileAttributes, AFileIsRemovedUnlessAnotherProgramHasItOpen) {
     EXPECT_FALSE(PathExists(target_));
 }
 
-// Settings, trap file and log.
-TEST_P(FileAttributes, AHiddenFileIsReplacedAppendedToAndStillHidden) {
+TEST_P(FileAttributes, ReplacingAndAppendingPreserveAttributes) {
     const DWORD attributes = GetParam() & ~kReadOnly;
     Set(target_, attributes);
     EXPECT_TRUE(ReplaceOctets(target_, "a"));
@@ -235,11 +233,11 @@ INSTANTIATE_TEST_SUITE_P(Files, FileAttributes, testing::Values(0, kHidden, kSys
 class RefusingSystem : public testing::Test {
   protected:
     RefusingSystem() {
-        wanted = {};
+        fake = {};
         WriteOctets(file_, kText);
-        wanted.transfers = 0;
+        fake.transfers = 0;
     }
-    ~RefusingSystem() override { wanted = {}; }
+    ~RefusingSystem() override { fake = {}; }
 
     static constexpr DWORD kPart = 7;
     const std::string kText = "a text of thirty-three characters";
@@ -249,76 +247,76 @@ class RefusingSystem : public testing::Test {
 };
 
 TEST_F(RefusingSystem, AnAppendFailsOnlyWhenNothingWasWritten) {
-    wanted.most = kPart;
+    fake.maxTransfer = kPart;
     for (int System::*fault : {&System::transferThatFails, &System::transferThatMovesNothing}) {
         for (const int failing : {1, 3}) {
-            wanted.*fault = failing;
-            wanted.transfers = 0;
+            fake.*fault = failing;
+            fake.transfers = 0;
             EXPECT_EQ(AppendOctets(file_, kText), failing > 1);
-            EXPECT_EQ(wanted.transfers, failing) << "the failed write is the last";
+            EXPECT_EQ(fake.transfers, failing) << "nothing is written after a failure";
         }
-        wanted.*fault = 0;
+        fake.*fault = 0;
     }
     EXPECT_EQ(QueryFileSize(file_), kText.size() + 4 * kPart);
 }
 
-TEST_F(RefusingSystem, AReplacementOfWhichAWriteFailsSucceeds) {
-    wanted.transferThatFails = 1;
+TEST_F(RefusingSystem, ReplacingSucceedsEvenIfAWriteFails) {
+    fake.transferThatFails = 1;
     EXPECT_TRUE(ReplaceOctets(file_, "new"));
     EXPECT_EQ(ReadOctets(file_), "");
 }
 
 // As when another program has mapped it into memory.
 TEST_F(RefusingSystem, AFileThatCannotBeEmptiedIsUnchanged) {
-    wanted.refusesToCut = true;
+    fake.refusesToTruncate = true;
     EXPECT_FALSE(ReplaceOctets(file_, "new"));
     EXPECT_EQ(ReadOctets(file_), kText);
 }
 
 TEST_F(RefusingSystem, AFailedReadReturnsNoOctets) {
-    wanted.most = kPart;
-    wanted.transferThatFails = 3;
+    fake.maxTransfer = kPart;
+    fake.transferThatFails = 3;
     std::string octets = "leftover";
     EXPECT_FALSE(ReadOctetsFrom(file_, 0, octets));
     EXPECT_EQ(octets, "");
 }
 
 TEST_F(RefusingSystem, AFileThatShrinksDuringTheReadIsReadToItsEnd) {
-    wanted.most = kPart;
-    wanted.transferThatMovesNothing = 3;
+    fake.maxTransfer = kPart;
+    fake.transferThatMovesNothing = 3;
     std::string octets;
     EXPECT_TRUE(ReadOctetsFrom(file_, 0, octets));
     EXPECT_EQ(octets, kText.substr(0, size_t{2} * kPart));
 }
 
-TEST_F(RefusingSystem, ASizeHasMoreThan32Bits) {
-    wanted.claimsFourGibibytes = true;
+TEST_F(RefusingSystem, SizesMayExceed32Bits) {
+    fake.claimsHugeFiles = true;
     EXPECT_EQ(QueryFileSize(file_), 0x100000005U);
 }
 
-TEST_F(RefusingSystem, ASearchThatBreaksOffFails) {
+TEST_F(RefusingSystem, EnumeratingFailsIfTheSearchFails) {
     WriteOctets(folder_.Join(L"second.bin"), "");
     const auto search = [&] {
-        wanted.searches = 0;
+        fake.searches = 0;
         return EnumerateFolder(folder_.path().wstring(), [](const FolderEntry&) {});
     };
     ASSERT_TRUE(search());
-    const int all = wanted.searches;
-    ASSERT_GE(all, 2);
-    for (wanted.searchThatFails = 1; wanted.searchThatFails <= all; ++wanted.searchThatFails) {
-        EXPECT_FALSE(search()) << wanted.searchThatFails;
+    const int searches = fake.searches;
+    ASSERT_GE(searches, 2);
+    for (fake.searchThatFails = 1; fake.searchThatFails <= searches; ++fake.searchThatFails) {
+        EXPECT_FALSE(search()) << fake.searchThatFails;
     }
 }
 
-TEST_F(RefusingSystem, ARefusedThreadReturnsNullAndFreesItsBody) {
+TEST_F(RefusingSystem, StartingReturnsNullAndFreesTheBodyIfThreadsAreRefused) {
     const auto owned = std::make_shared<int>(0);
-    wanted.refusesThreads = true;
+    fake.refusesThreads = true;
     EXPECT_FALSE(StartWorkerThread([owned] { ++*owned; }));
     EXPECT_EQ(*owned, 0);
     EXPECT_EQ(owned.use_count(), 1);
 }
 
-TEST_F(RefusingSystem, AThreadHasEndedOnlyIfTheWaitSucceeds) {
+TEST_F(RefusingSystem, WaitingForAThreadFailsOnTimeoutOrError) {
     constexpr uint32_t kLongWait = 60'000;
     std::promise<void> end;
     const WorkerThreadHandle worker = StartWorkerThread([&end] { end.get_future().wait(); });
@@ -326,7 +324,7 @@ TEST_F(RefusingSystem, AThreadHasEndedOnlyIfTheWaitSucceeds) {
     EXPECT_FALSE(WaitForWorkerThread(*worker, 1));
     end.set_value();
     EXPECT_TRUE(WaitForWorkerThread(*worker, kLongWait));
-    wanted.waitsFail = true;
+    fake.waitsFail = true;
     EXPECT_FALSE(WaitForWorkerThread(*worker, 1));
 }
 

@@ -25,7 +25,7 @@ bool DecodeInto(const Octets& octets, std::vector<VarbindRecord>& records) {
     return DecodeSnmpMessage(fenced.data(), fenced.size(), records);
 }
 
-// The records of a message; the result must be true exactly when there is one.
+// The records of a message. DecodeSnmpMessage must return true exactly when there are any.
 Lines Decode(const Octets& octets) {
     std::vector<VarbindRecord> records = {{L"left", L"over", L"from", L"before"}};
     const bool decoded = DecodeInto(octets, records);
@@ -58,13 +58,13 @@ Octets PduOf(std::initializer_list<Octets> elements) {
     return EncodeMessage(1, EncodeElement(ber::kV2TrapPdu, Concatenate(elements)));
 }
 
-// Type and value of a single binding that holds this element.
+// Type and value of a single binding with this element as its value.
 std::wstring DecodeValue(const Octets& element) {
     const Lines lines = Decode(EncodeV2Trap({{"1.3", element}}));
     return lines.size() == 1 ? lines[0].substr(5) : L"not one record";
 }
 
-// The only names of the store, for as long as this lives.
+// Replaces the names in the store, and clears it at scope exit.
 class ScopedNames {
   public:
     explicit ScopedNames(std::initializer_list<std::pair<std::wstring, std::wstring>> namesAndOids) {
@@ -155,7 +155,7 @@ const MessageCase kUndecodable[] = {
     {"one octet", {0x30}, {}},
     {"no content", {0x30, 0x00}, {}},
     {"content of one octet", {0x30, 0x01, 0x02}, {}},
-    {"octets after the message do not count", {0x30, 0x01, 0x02, 0x01, 0x01}, {}},
+    {"octets after the message are not read", {0x30, 0x01, 0x02, 0x01, 0x01}, {}},
     {"unreadable version", EncodeSequence({kUnreadable, kCommunity, kPdu}), {}},
     {"unreadable community", EncodeSequence({kVersion, kUnreadable, kPdu}), {}},
     {"ends after the version", EncodeSequence({kVersion}), {}},
@@ -175,7 +175,7 @@ const MessageCase kUndecodable[] = {
     {"no binding in the list", ListOf({EncodeNull(), EncodeSequence({kVersion, kVersion})}), {}},
 };
 
-TEST(DecodeSnmpMessage, WithoutARecordTheResultIsFalse) {
+TEST(DecodeSnmpMessage, ReturnsFalseWithoutRecords) {
     for (const MessageCase& row : kUndecodable) {
         EXPECT_EQ(Decode(row.message), kNotDecoded) << row.why;
     }
@@ -272,7 +272,7 @@ TEST(DecodeSnmpMessage, RecordsOfAnEarlierMessageAreRemoved) {
 
 // ---- Names
 
-TEST(DecodeSnmpMessage, NameBelongsToExactlyItsIdentifier) {
+TEST(DecodeSnmpMessage, NamesMatchOnlyTheExactIdentifier) {
     const ScopedNames names({{L"sysUpTimeInstance", L"1.3.6.1.2.1.1.3.0"}, {L"sysName", L"1.3.6.1.2.1.1.5"}});
     EXPECT_EQ(Decode(EncodeV2Trap({kUpTime, kName})),
               (Lines{L"1.3.6.1.2.1.1.3.0|sysUpTimeInstance|TimeTicks|123456", kNameLine}));
@@ -340,7 +340,7 @@ std::wstring RenderString(std::string_view octets) {
     return RenderOctetString(fenced.data(), fenced.size());
 }
 
-TEST(RenderOctetString, PrintableOctetsAreQuotedAndNeverCut) {
+TEST(RenderOctetString, PrintableOctetsAreQuotedAndNeverTruncated) {
     EXPECT_EQ(RenderString(std::string(65000, 'x')), L"\"" + std::wstring(65000, L'x') + L"\"");
     EXPECT_EQ(RenderString("public"), L"\"public\"");
     EXPECT_EQ(RenderString(" ~"), L"\" ~\"") << "32 and 126 are printable";
@@ -356,7 +356,7 @@ TEST(RenderOctetString, AnyOtherOctetMakesItHexadecimal) {
     EXPECT_EQ(RenderString(""), L"0x") << "no octets";
 }
 
-TEST(RenderOctetString, HexadecimalIsCutAfter24Octets) {
+TEST(RenderOctetString, HexadecimalIsTruncatedAfter24Octets) {
     EXPECT_EQ(RenderString(std::string(23, '\xFF')), L"0x" + std::wstring(46, L'F'));
     EXPECT_EQ(RenderString(std::string(24, '\xFF')), L"0x" + std::wstring(48, L'F'));
     EXPECT_EQ(RenderString(std::string(25, '\xFF')), L"0x" + std::wstring(48, L'F') + L"...");
@@ -376,10 +376,10 @@ TEST(RenderIpAddress, AnyOtherCountIsAnOctetString) {
     EXPECT_EQ(DecodeValue({0x40, 0x05, 'a', 'b', 'c', 'd', 'e'}), L"IpAddress|\"abcde\"");
 }
 
-// ---- Cut messages
+// ---- Truncated messages
 
-// Shortens the element at `position` and, down to `levels` levels, the constructed element inside it that
-// runs past the end, so that each ends where the octets end. A cut header is left unchanged.
+// Makes the truncated element at `position` end where the octets end, then the truncated constructed element
+// inside it, and so on for `levels` levels. An incomplete header is unchanged.
 void RepairLengths(Octets& octets, size_t position, int levels) {
     while (levels-- > 0 && octets.size() - position >= 2) {
         const size_t lengthOctets = (octets[position + 1] & 0x80) != 0 ? octets[position + 1] & 0x7FU : 0;
@@ -406,16 +406,14 @@ void RepairLengths(Octets& octets, size_t position, int levels) {
     }
 }
 
-Octets Cut(const Octets& octets, size_t size) {
+Octets Truncate(const Octets& octets, size_t size) {
     return Octets(octets.begin(), octets.begin() + static_cast<ptrdiff_t>(size));
 }
 
-// An identifier without content in a binding of its own.
-constexpr size_t kSmallestBinding = 4;
+constexpr size_t kSmallestBinding = 4;  // octets; its identifier is empty
+constexpr int kDownToTheList = 3;       // levels: message, PDU and list
 
-constexpr int kDownToTheList = 3;
-
-TEST(CutMessage, IsNotDecodedAtAnyLength) {
+TEST(TruncatedMessage, IsNotDecodedAtAnyLength) {
     for (const SampleMessage& sample : SampleMessages()) {
         TlvHeader message;
         const uint8_t* const end = sample.octets.data() + sample.octets.size();
@@ -423,38 +421,41 @@ TEST(CutMessage, IsNotDecodedAtAnyLength) {
         const size_t messageSize =
             readable ? static_cast<size_t>(message.contentEnd - sample.octets.data()) : sample.octets.size();
         for (size_t size = 0; size < messageSize; ++size) {
-            EXPECT_EQ(Decode(Cut(sample.octets, size)), kNotDecoded) << sample.name << " cut at " << size;
+            EXPECT_EQ(Decode(Truncate(sample.octets, size)), kNotDecoded)
+                << sample.name << " truncated at " << size;
         }
     }
 }
 
-TEST(CutMessage, WithRepairedLengthsIsNeverReadPastItsEnd) {
+TEST(TruncatedMessage, WithRepairedLengthsIsNeverReadPastItsEnd) {
     for (const SampleMessage& sample : SampleMessages()) {
         for (size_t size = 0; size < sample.octets.size(); ++size) {
             for (int levels = 1; levels <= 6; ++levels) {
-                Octets cut = Cut(sample.octets, size);
-                RepairLengths(cut, 0, levels);
-                EXPECT_LE(Decode(cut).size(), size / kSmallestBinding) << sample.name << " cut at " << size;
+                Octets truncated = Truncate(sample.octets, size);
+                RepairLengths(truncated, 0, levels);
+                EXPECT_LE(Decode(truncated).size(), size / kSmallestBinding)
+                    << sample.name << " truncated at " << size;
             }
         }
     }
 }
 
-TEST(CutMessage, WithRepairedOuterLengthsDecodesItsWholeBindings) {
+TEST(TruncatedMessage, WithRepairedOuterLengthsDecodesItsCompleteBindings) {
     for (const char* name :
          {"v2_eight_bindings", "v2_every_value_type", "v1_link_down", "v2_sixty_bindings"}) {
         const SampleMessage& sample = FindSample(name);
         const Lines whole = Decode(sample.octets);
-        size_t most = 0;
+        size_t mostLines = 0;
         for (size_t size = 0; size < sample.octets.size(); ++size) {
-            Octets cut = Cut(sample.octets, size);
-            RepairLengths(cut, 0, kDownToTheList);
-            const Lines left = Decode(cut);
+            Octets truncated = Truncate(sample.octets, size);
+            RepairLengths(truncated, 0, kDownToTheList);
+            const Lines left = Decode(truncated);
             ASSERT_LT(left.size(), whole.size());
-            EXPECT_TRUE(std::equal(left.begin(), left.end(), whole.begin())) << name << " cut at " << size;
-            most = std::max(most, left.size());
+            EXPECT_TRUE(std::equal(left.begin(), left.end(), whole.begin()))
+                << name << " truncated at " << size;
+            mostLines = std::max(mostLines, left.size());
         }
-        EXPECT_EQ(most, whole.size() - 1) << "the cuts did not reach the list";
+        EXPECT_EQ(mostLines, whole.size() - 1) << "never truncated inside the list";
     }
 }
 

@@ -1,5 +1,5 @@
-// A socket on a system that refuses, and the errors and options that Wine does not show. The system's calls
-// are replaced by linking with ones that return what a test wants, hence a separate program.
+// Sockets when system calls fail, also with errors that Wine never returns. The system calls are replaced at
+// link time by fakes that return what a test sets, hence a separate program.
 #include <gtest/gtest.h>
 
 #include <bit>
@@ -14,9 +14,9 @@ namespace {
 
 constexpr SOCKET kSocket = 0x400;
 
-// The system as one test wants it, and the calls that it received.
+// What the fakes return in a test, and the calls that they received.
 struct System {
-    bool isFake = false;  // the runtime's own calls go to the real system
+    bool isFake = false;  // only during a test; other calls go to the real system
     std::vector<std::string> calls;
     int locks = 0;
     SOCKET socket = kSocket;
@@ -59,13 +59,13 @@ int WSAAPI FakeBind(SOCKET, const sockaddr*, int) {
 int WSAAPI FakeSetOption(SOCKET, int, int option, const char* value, int) {
     NoteLocked("option " + std::to_string(option) + " " +
                std::to_string(*reinterpret_cast<const int*>(value)));
-    return SOCKET_ERROR;  // a refusal changes nothing
+    return SOCKET_ERROR;  // must be ignored
 }
 
 int WSAAPI FakeIoctl(SOCKET, DWORD code, LPVOID in, DWORD, LPVOID, DWORD, LPDWORD, LPWSAOVERLAPPED,
                      LPWSAOVERLAPPED_COMPLETION_ROUTINE) {
     Note("control " + std::to_string(code & 0xFFFF) + " " + std::to_string(*static_cast<const BOOL*>(in)));
-    return SOCKET_ERROR;  // a refusal changes nothing
+    return SOCKET_ERROR;  // must be ignored
 }
 
 int WSAAPI FakeReceive(SOCKET, char*, int, int, sockaddr* from, int*) {
@@ -138,8 +138,7 @@ void WINAPI CountUnlock(PSRWLOCK lock) {
 
 }  // namespace
 
-// The pointers through which imported functions are called; the linker uses these and not the import
-// libraries'.
+// Imported functions are called through these pointers; the linker prefers them to the import library's.
 extern "C" {
 decltype(&socket) __imp_socket = FakeSocket;
 decltype(&closesocket) __imp_closesocket = FakeCloseSocket;
@@ -155,7 +154,7 @@ decltype(&SetEvent) __imp_SetEvent = FakeSetEvent;
 decltype(&CloseHandle) __imp_CloseHandle = FakeCloseHandle;
 decltype(&WaitForMultipleObjects) __imp_WaitForMultipleObjects = FakeWait;
 #ifdef __MINGW32__
-// Its headers declare these two as functions of the program's own.
+// Its headers declare these two without dllimport.
 void WINAPI AcquireSRWLockExclusive(PSRWLOCK lock) {
     CountLock(lock);
 }
@@ -183,7 +182,7 @@ class SocketCalls : public testing::Test {
         fake = {};
     }
 
-    // An open socket whose calls so far are forgotten.
+    // Opens a socket and removes the calls recorded so far.
     static UdpSocketRef Open() {
         UdpSocketRef opened = OpenUdpSocket();
         EXPECT_TRUE(opened);
@@ -191,7 +190,7 @@ class SocketCalls : public testing::Test {
         return opened;
     }
 
-    static Calls TakeCalls() { return std::exchange(fake.calls, {}); }
+    static Calls DrainCalls() { return std::exchange(fake.calls, {}); }
 
     static ReceiveResult Receive(UdpSocket& socket) {
         size_ = 99;
@@ -208,39 +207,39 @@ class SocketCalls : public testing::Test {
     static inline Ipv4Endpoint sender_;
 };
 
-// SIO_UDP_CONNRESET and SIO_UDP_NETRESET.
-TEST_F(SocketCalls, OpeningSwitchesIcmpErrorsOffAndTheEndReleasesEverything) {
+// Controls 12 and 15 are SIO_UDP_CONNRESET and SIO_UDP_NETRESET.
+TEST_F(SocketCalls, OpeningDisablesIcmpErrorsAndResetReleasesEverything) {
     UdpSocketRef opened = OpenUdpSocket();
     ASSERT_TRUE(opened);
-    EXPECT_EQ(TakeCalls(), (Calls{"control 12 0", "control 15 0"}));
+    EXPECT_EQ(DrainCalls(), (Calls{"control 12 0", "control 15 0"}));
     opened.reset();
-    EXPECT_EQ(TakeCalls(), (Calls{"close event", "close event", "close socket"}));
+    EXPECT_EQ(DrainCalls(), (Calls{"close event", "close event", "close socket"}));
 }
 
-TEST_F(SocketCalls, ARefusedPartMakesOpeningFailAndReleasesTheOthers) {
+TEST_F(SocketCalls, AFailedStepMakesOpeningFailAndReleasesTheRest) {
     fake.socket = INVALID_SOCKET;
     EXPECT_FALSE(OpenUdpSocket());
-    EXPECT_EQ(TakeCalls(), Calls{});
+    EXPECT_EQ(DrainCalls(), Calls{});
     fake.socket = kSocket;
     const Calls controls = {"control 12 0", "control 15 0"};
     for (const int failing : {1, 2}) {
         fake.events = 0;
         fake.eventThatFails = failing;
         EXPECT_FALSE(OpenUdpSocket()) << failing;
-        EXPECT_EQ(TakeCalls(), (Calls{controls[0], controls[1], "close event", "close socket"})) << failing;
+        EXPECT_EQ(DrainCalls(), (Calls{controls[0], controls[1], "close event", "close socket"})) << failing;
     }
     fake.eventThatFails = 0;
     fake.result = SOCKET_ERROR;  // of WSAEventSelect
     EXPECT_FALSE(OpenUdpSocket());
-    EXPECT_EQ(TakeCalls(), (Calls{controls[0], controls[1], "close event", "close event", "close socket"}));
+    EXPECT_EQ(DrainCalls(), (Calls{controls[0], controls[1], "close event", "close event", "close socket"}));
 }
 
-TEST_F(SocketCalls, RefusedOptionsChangeNothingAndARefusedBindIsReported) {
+TEST_F(SocketCalls, FailedOptionsAreIgnoredAndAFailedBindIsReported) {
     const UdpSocketRef opened = Open();
     RequestReceiveBuffer(*opened, 12345);
     EXPECT_TRUE(BindToAllAddresses(*opened, 162));
-    EXPECT_EQ(TakeCalls(), (Calls{"option " + std::to_string(SO_RCVBUF) + " 12345",
-                                  "option " + std::to_string(SO_REUSEADDR) + " 1", "bind"}));
+    EXPECT_EQ(DrainCalls(), (Calls{"option " + std::to_string(SO_RCVBUF) + " 12345",
+                                   "option " + std::to_string(SO_REUSEADDR) + " 1", "bind"}));
     fake.result = SOCKET_ERROR;
     EXPECT_FALSE(BindToAllAddresses(*opened, 162));
 }
@@ -255,7 +254,7 @@ TEST_F(SocketCalls, ADatagramTooLongForTheBufferFillsIt) {
     EXPECT_EQ(sender_.port, 4711);
 }
 
-TEST_F(SocketCalls, ReceiveErrorsAreSortedAndTouchNeitherSizeNorSender) {
+TEST_F(SocketCalls, ReceiveErrorsAreMappedAndLeaveSizeAndSenderUnchanged) {
     const UdpSocketRef opened = Open();
     fake.result = SOCKET_ERROR;
     struct Case {
@@ -278,7 +277,7 @@ TEST_F(SocketCalls, ReceiveErrorsAreSortedAndTouchNeitherSizeNorSender) {
     EXPECT_EQ(size_, 0U);
 }
 
-TEST_F(SocketCalls, SendErrorsAreSortedAfterASingleAttempt) {
+TEST_F(SocketCalls, SendErrorsAreMappedAfterASingleAttempt) {
     const UdpSocketRef opened = Open();
     fake.error = WSAEWOULDBLOCK;  // of an earlier call
     EXPECT_EQ(Send(*opened), SendResult::Sent);
@@ -291,15 +290,15 @@ TEST_F(SocketCalls, SendErrorsAreSortedAfterASingleAttempt) {
         fake.error = error;
         EXPECT_EQ(Send(*opened), SendResult::Failed) << error;
     }
-    EXPECT_EQ(TakeCalls(), Calls(6, "send"));
+    EXPECT_EQ(DrainCalls(), Calls(6, "send"));
 }
 
-TEST_F(SocketCalls, OnlyARefusedWaitForADatagramFails) {
+TEST_F(SocketCalls, WaitingForADatagramFailsOnlyIfTheSystemCallFails) {
     const UdpSocketRef opened = Open();
     for (const DWORD result : {WAIT_OBJECT_0, WAIT_OBJECT_0 + 1, DWORD{WAIT_TIMEOUT}}) {
         fake.waitResult = result;
         EXPECT_TRUE(WaitForDatagram(*opened)) << result;
-        EXPECT_EQ(TakeCalls(), Calls{"wait -1"});
+        EXPECT_EQ(DrainCalls(), Calls{"wait -1"});
     }
     for (const DWORD result : {DWORD{WAIT_FAILED}, DWORD{WAIT_ABANDONED_0}}) {
         fake.waitResult = result;
@@ -307,13 +306,13 @@ TEST_F(SocketCalls, OnlyARefusedWaitForADatagramFails) {
     }
 }
 
-// The system does not signal room after WSAENOBUFS.
-TEST_F(SocketCalls, WaitingForRoomTakesAtMost100MillisecondsAndFailsWhenEndedOrRefused) {
+// Windows does not signal free buffer space after WSAENOBUFS.
+TEST_F(SocketCalls, WaitingForRoomEndsAfter100MillisecondsAndFailsWhenEndedOrOnError) {
     const UdpSocketRef opened = Open();
     for (const DWORD result : {WAIT_OBJECT_0 + 1, DWORD{WAIT_TIMEOUT}}) {
         fake.waitResult = result;
         EXPECT_TRUE(WaitForRoom(*opened)) << result;
-        EXPECT_EQ(TakeCalls(), Calls{"wait 100"});
+        EXPECT_EQ(DrainCalls(), Calls{"wait 100"});
     }
     for (const DWORD result : {DWORD{WAIT_OBJECT_0}, DWORD{WAIT_FAILED}}) {
         fake.waitResult = result;
@@ -324,12 +323,13 @@ TEST_F(SocketCalls, WaitingForRoomTakesAtMost100MillisecondsAndFailsWhenEndedOrR
 TEST_F(SocketCalls, AClosedSocketIsNeverUsedAgain) {
     UdpSocketRef opened = Open();
     CloseUdpSocket(*opened);
-    EXPECT_EQ(TakeCalls(), (Calls{"close socket", "set event"})) << "the port before any waiting thread";
+    EXPECT_EQ(DrainCalls(), (Calls{"close socket", "set event"}))
+        << "frees the port before waking a waiting thread";
     EXPECT_EQ(Receive(*opened), ReceiveResult::Closed);
     EXPECT_EQ(Send(*opened), SendResult::Closed);
-    EXPECT_EQ(TakeCalls(), Calls{});
+    EXPECT_EQ(DrainCalls(), Calls{});
     opened.reset();
-    EXPECT_EQ(TakeCalls(), (Calls{"close event", "close event"}));
+    EXPECT_EQ(DrainCalls(), (Calls{"close event", "close event"}));
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// Start-up on a system that refuses. The windows, the receiver and its files are the real ones; the calls
-// that a test wants refused are replaced by linking, hence a separate program.
+// Start-up when system calls fail. The windows, the receiver and its files are real; the calls that fail in a
+// test are replaced at link time.
 #include "platform/windows/windows_headers.h"
 
 // After the system's own header, whose types it uses.
@@ -22,17 +22,17 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE former, PWSTR commandLine, int
 
 namespace {
 
-// The system as one test wants it.
+// The failures and commands that a test requests.
 struct System {
     std::wstring applicationData;
     bool refusesSockets = false;
     bool refusesMainWindow = false;
     bool refusesToolWindows = false;
     bool refusesFontAndBrush = false;
-    std::deque<UINT> commands;  // of the main window, fetched one by one once the real messages are handled
-    bool breaksOff = false;     // the fetch after them fails; otherwise the main window is closed
-    int toolWindows = 0;        // asked for
-} wanted;
+    std::deque<UINT> commands;     // of the main window, fetched one by one after the real messages
+    bool refusesMessages = false;  // the fetch after them fails; otherwise the main window is closed
+    int toolWindows = 0;           // requested by the program
+} fake;
 
 template <typename Function>
 Function RealFunction(const wchar_t* library, const char* name) {
@@ -40,25 +40,25 @@ Function RealFunction(const wchar_t* library, const char* name) {
 }
 
 HRESULT WINAPI FindFolder(HWND, int, HANDLE, DWORD, LPWSTR path) {
-    path[wanted.applicationData.copy(path, MAX_PATH - 1)] = L'\0';
+    path[fake.applicationData.copy(path, MAX_PATH - 1)] = L'\0';
     return S_OK;
 }
 
 int WINAPI StartSockets(WORD version, LPWSADATA data) {
     static const auto real = RealFunction<decltype(&WSAStartup)>(L"ws2_32.dll", "WSAStartup");
-    return wanted.refusesSockets ? WSASYSNOTREADY : real(version, data);
+    return fake.refusesSockets ? WSASYSNOTREADY : real(version, data);
 }
 
 HBRUSH WINAPI MakeBrush(COLORREF color) {
     static const auto real = RealFunction<decltype(&CreateSolidBrush)>(L"gdi32.dll", "CreateSolidBrush");
-    return wanted.refusesFontAndBrush ? nullptr : real(color);
+    return fake.refusesFontAndBrush ? nullptr : real(color);
 }
 
 HFONT WINAPI MakeFont(int height, int width, int escapement, int orientation, int weight, DWORD italic,
                       DWORD underline, DWORD strikeOut, DWORD charSet, DWORD outPrecision,
                       DWORD clipPrecision, DWORD quality, DWORD pitchAndFamily, LPCWSTR face) {
     static const auto real = RealFunction<decltype(&CreateFontW)>(L"gdi32.dll", "CreateFontW");
-    return wanted.refusesFontAndBrush
+    return fake.refusesFontAndBrush
                ? nullptr
                : real(height, width, escapement, orientation, weight, italic, underline, strikeOut, charSet,
                       outPrecision, clipPrecision, quality, pitchAndFamily, face);
@@ -68,8 +68,8 @@ HWND WINAPI MakeWindow(DWORD exStyle, LPCWSTR className, LPCWSTR text, DWORD sty
                        int height, HWND parent, HMENU menu, HINSTANCE instance, LPVOID parameter) {
     static const auto real = RealFunction<decltype(&CreateWindowExW)>(L"user32.dll", "CreateWindowExW");
     const bool isToolWindow = parent && (style & WS_CHILD) == 0;
-    wanted.toolWindows += isToolWindow ? 1 : 0;
-    if (isToolWindow ? wanted.refusesToolWindows : !parent && wanted.refusesMainWindow) {
+    fake.toolWindows += isToolWindow ? 1 : 0;
+    if (isToolWindow ? fake.refusesToolWindows : !parent && fake.refusesMainWindow) {
         return nullptr;
     }
     return real(exStyle, className, text, style, x, y, width, height, parent, menu, instance, parameter);
@@ -80,12 +80,12 @@ BOOL WINAPI FetchMessage(LPMSG message, HWND window, UINT first, UINT last) {
     if (PeekMessageW(message, window, first, last, PM_REMOVE)) {
         return message->message != WM_QUIT;
     }
-    if (!wanted.commands.empty()) {
-        *message = {MainWindowHandle, WM_COMMAND, wanted.commands.front(), 0, 0, {}};
-        wanted.commands.pop_front();
+    if (!fake.commands.empty()) {
+        *message = {MainWindowHandle, WM_COMMAND, fake.commands.front(), 0, 0, {}};
+        fake.commands.pop_front();
         return TRUE;
     }
-    if (wanted.breaksOff) {
+    if (fake.refusesMessages) {
         return -1;
     }
     PostMessageW(MainWindowHandle, WM_CLOSE, 0, 0);
@@ -98,8 +98,7 @@ BOOL WINAPI FetchMessage(LPMSG message, HWND window, UINT first, UINT last) {
 
 }  // namespace
 
-// The pointers through which imported functions are called; the linker uses these and not the import
-// libraries'.
+// Imported functions are called through these pointers; the linker prefers them to the import library's.
 extern "C" {
 decltype(&SHGetFolderPathW) __imp_SHGetFolderPathW = FindFolder;
 decltype(&WSAStartup) __imp_WSAStartup = StartSockets;
@@ -117,13 +116,13 @@ const std::string kLoaded = "<No config.xml found (or empty). Using defaults.><M
 class StartUp : public testing::Test {
   protected:
     StartUp() {
-        wanted = {};
-        wanted.applicationData = scratch_.path().wstring();
+        fake = {};
+        fake.applicationData = scratch_.path().wstring();
     }
     ~StartUp() override {
         DeleteUiResources();
         MainWindowHandle = nullptr;
-        wanted = {};
+        fake = {};
     }
 
     // Runs the program on a thread that ends where the process would; returns its exit code.
@@ -156,13 +155,13 @@ class StartUp : public testing::Test {
 };
 
 TEST_F(StartUp, WithoutTheSocketLibraryItEndsAtOnceAndSilently) {
-    wanted.refusesSockets = true;
+    fake.refusesSockets = true;
     EXPECT_EQ(Run(), 0U);
     EXPECT_EQ(LogMessages(), "");
 }
 
 TEST_F(StartUp, WithoutAMainWindowItCleansUpAndEnds) {
-    wanted.refusesMainWindow = true;
+    fake.refusesMainWindow = true;
     EXPECT_EQ(Run(), 0U);
     EXPECT_EQ(LogMessages(), kLoaded);
     EXPECT_EQ(UiFont, nullptr);
@@ -170,26 +169,26 @@ TEST_F(StartUp, WithoutAMainWindowItCleansUpAndEnds) {
 }
 
 TEST_F(StartUp, AFailedMessageLoopStopsTheReceiverAndSavesNothing) {
-    wanted.breaksOff = true;
+    fake.refusesMessages = true;
     EXPECT_EQ(Run(), 0U);
     EXPECT_FALSE(ServerState.running.load());
     EXPECT_TRUE(LogMessages().ends_with("<Server stopped.>")) << LogMessages();
 }
 
-// The button has no effect, and the next click tries again.
+// The click has no effect, and the next one tries again.
 TEST_F(StartUp, ARefusedToolWindowHasNoOtherEffect) {
-    wanted.refusesToolWindows = true;
-    wanted.commands = {101, 102, 103, 104, 101};
+    fake.refusesToolWindows = true;
+    fake.commands = {101, 102, 103, 104, 101};
     EXPECT_EQ(Run(), 0U);
-    EXPECT_EQ(wanted.toolWindows, 5);
+    EXPECT_EQ(fake.toolWindows, 5);
     EXPECT_TRUE(LogMessages().ends_with("<Server stopped.><Config saved.>")) << LogMessages();
 }
 
 TEST_F(StartUp, WithoutFontAndBrushItRuns) {
-    wanted.refusesFontAndBrush = true;
-    wanted.commands = {104};
+    fake.refusesFontAndBrush = true;
+    fake.commands = {104};
     EXPECT_EQ(Run(), 0U);
-    EXPECT_EQ(wanted.toolWindows, 1);
+    EXPECT_EQ(fake.toolWindows, 1);
     EXPECT_NE(LogMessages().find("<Server started.>"), std::string::npos);
     EXPECT_TRUE(LogMessages().ends_with("<Server stopped.><Config saved.>")) << LogMessages();
 }

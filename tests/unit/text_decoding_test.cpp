@@ -8,7 +8,7 @@
 
 namespace {
 
-// The text of the octets, or a mark that they are not UTF-8.
+// The decoded text, or a marker if the octets are not UTF-8.
 std::wstring DecodeStrictly(std::string_view octets) {
     const FencedOctets fenced(octets);
     std::wstring text = L"leftover";
@@ -22,7 +22,7 @@ std::wstring DecodeEither(std::string_view octets) {
     return text;
 }
 
-// The octets of a code point, valid in UTF-8 or not.
+// Encodes a code point in `size` octets, valid UTF-8 or not.
 std::string EncodeCodePoint(uint32_t codePoint, int size) {
     const uint32_t leads[] = {0, 0x00, 0xC0, 0xE0, 0xF0};
     std::string octets;
@@ -33,7 +33,7 @@ std::string EncodeCodePoint(uint32_t codePoint, int size) {
     return static_cast<char>(leads[size] | codePoint) + octets;
 }
 
-int ShortestForm(uint32_t codePoint) {
+int ShortestSize(uint32_t codePoint) {
     return codePoint < 0x80 ? 1 : codePoint < 0x800 ? 2 : codePoint < 0x10000 ? 3 : 4;
 }
 
@@ -44,7 +44,7 @@ TEST(DecodeUtf8, EveryScalarValueInItsShortestFormIsAccepted) {
         if (codePoint >= 0xD800 && codePoint <= 0xDFFF) {
             continue;
         }
-        octets = EncodeCodePoint(codePoint, ShortestForm(codePoint));
+        octets = EncodeCodePoint(codePoint, ShortestSize(codePoint));
         ASSERT_TRUE(DecodeUtf8(octets, text)) << std::hex << codePoint;
         if (text.size() == 2) {
             ASSERT_EQ(sizeof(wchar_t), 2U);
@@ -63,14 +63,14 @@ TEST(DecodeUtf8, SurrogatesAndOverlongFormsAreRejected) {
         EXPECT_EQ(DecodeStrictly(EncodeCodePoint(codePoint, 3)), L"(not UTF-8)");
     }
     for (const uint32_t codePoint : {0x00U, 0x2FU, 0x7FU, 0x80U, 0x7FFU, 0x800U, 0xFFFFU}) {
-        for (int size = ShortestForm(codePoint) + 1; size <= 4; ++size) {
+        for (int size = ShortestSize(codePoint) + 1; size <= 4; ++size) {
             EXPECT_EQ(DecodeStrictly(EncodeCodePoint(codePoint, size)), L"(not UTF-8)")
                 << codePoint << " " << size;
         }
     }
 }
 
-TEST(DecodeUtf8, CutSequencesAndLoneContinuationsAreRejectedAnywhere) {
+TEST(DecodeUtf8, TruncatedSequencesAndLoneContinuationsAreRejectedAnywhere) {
     for (const std::string wrong : {"\xC3", "\xE2", "\xE2\x82", "\xF0", "\xF0\x9F", "\xF0\x9F\x98", "\x80",
                                     "\xC3\xA9\xA9", "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xFF"}) {
         for (const std::string& octets : {wrong, "before " + wrong, wrong + " after", wrong + "\xC3\xA9"}) {
@@ -79,7 +79,7 @@ TEST(DecodeUtf8, CutSequencesAndLoneContinuationsAreRejectedAnywhere) {
     }
 }
 
-TEST(DecodeUtf8, EveryCharacterIsOrdinary) {
+TEST(DecodeUtf8, NoCharacterIsSpecial) {
     EXPECT_EQ(DecodeStrictly("\xEF\xBB\xBFiso"), L"\uFEFFiso");
     EXPECT_EQ(DecodeStrictly(std::string_view("a\0b\r\r\n\x1A", 7)), std::wstring(L"a\0b\r\r\n\x1A", 7));
     EXPECT_EQ(DecodeStrictly(""), L"");
@@ -98,7 +98,7 @@ TEST(DecodeUtf8, OnlyOctetsFromC2ToF4BeginASequence) {
     }
 }
 
-TEST(DecodeUtf8, OneWrongOctetIsFoundAtAnyDistance) {
+TEST(DecodeUtf8, OneInvalidOctetIsFoundAtAnyPosition) {
     for (size_t size = 1; size < 40; ++size) {
         for (size_t at = 0; at < size; ++at) {
             std::string octets(size, 'x');
@@ -111,12 +111,11 @@ TEST(DecodeUtf8, OneWrongOctetIsFoundAtAnyDistance) {
     }
 }
 
-TEST(DecodeUtf8OrAnsi, ValidUtf8IsDecodedAsSuch) {
+TEST(DecodeUtf8OrAnsi, ValidUtf8IsDecodedAsUtf8) {
     EXPECT_EQ(DecodeEither("caf\xC3\xA9"), L"caf\u00E9");
     EXPECT_EQ(DecodeEither(""), L"");
 }
 
-// The code page of the system that runs the tests: 1252 wherever they run today.
 bool AnsiIsWindows1252() {
     std::wstring text;
     DecodeAnsi("\x80\xE4", text);
@@ -125,9 +124,9 @@ bool AnsiIsWindows1252() {
 
 TEST(DecodeAnsi, EveryOctetIsOneCharacterOfCodePage1252) {
     if (!AnsiIsWindows1252()) {
-        GTEST_SKIP() << "The expected texts are those of code page 1252, and this system's is another.";
+        GTEST_SKIP() << "The expected texts are for code page 1252; this system uses another.";
     }
-    EXPECT_EQ(DecodeEither("caf\xC3\xA9 \xE9"), L"caf\u00C3\u00A9 \u00E9") << "one invalid octet decides";
+    EXPECT_EQ(DecodeEither("caf\xC3\xA9 \xE9"), L"caf\u00C3\u00A9 \u00E9") << "one invalid octet is enough";
     constexpr wchar_t kFrom80To9F[] =
         L"\u20AC\u0081\u201A\u0192\u201E\u2026\u2020\u2021\u02C6\u2030\u0160\u2039\u0152\u008D\u017D\u008F"
         L"\u0090\u2018\u2019\u201C\u201D\u2022\u2013\u2014\u02DC\u2122\u0161\u203A\u0153\u009D\u017E\u0178";

@@ -1,6 +1,6 @@
 // Datagrams that are received and handled as a batch: files, log and forwarded datagrams are the same as if
-// each were handled alone. Sockets, clock and files are scripted, so that a send buffer is full, a file is
-// refused or a stop begins at a chosen moment.
+// each were handled alone. Sockets, clock and files are scripted: a test chooses when a send buffer is full,
+// a file is refused or a stop begins.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -57,16 +57,16 @@ class Batches : public ::testing::Test {
         Fake.receptions.insert(Fake.receptions.end(), count, {ReceiveResult::Datagram, octets, kSender});
     }
 
-    // Clears the running flag right after the datagram of that number, counted from one.
-    static void StopAfter(size_t datagram) {
-        Fake.onReceive = [received = size_t{0}, datagram]() mutable {
-            ServerState.running = ++received < datagram;
+    // Clears the running flag after that many datagrams.
+    static void StopAfter(size_t datagrams) {
+        Fake.onReceive = [received = size_t{0}, datagrams]() mutable {
+            ServerState.running = ++received < datagrams;
         };
     }
 
     static std::string TrapFile() { return Files.ReadOctetsOf(AppPaths.trapFilePath); }
 
-    // The log without its stamps, whose shape is checked.
+    // The messages of the log. Also checks the stamps.
     static Lines LogLines() {
         Lines lines;
         const std::string octets = Files.ReadOctetsOf(AppPaths.logFilePath);
@@ -155,7 +155,7 @@ TEST_F(Receiving, ARefusedWaitIsRetriedLikeAReceiveError) {
 
 class TrapBatches : public Batches {
   protected:
-    // As the socket does.
+    // Adds a datagram as the receive loop does.
     void Add(size_t count, uint8_t fill, const Ipv4Endpoint& sender = kSender) {
         const std::span<uint8_t> room = batch_->Room();
         ASSERT_GE(room.size(), TrapBatch::kLargestDatagram);
@@ -261,7 +261,7 @@ class Processing : public Batches {
     }
 };
 
-TEST_F(Processing, ABatchIsRecordedAsIfItsTrapsCameOneByOne) {
+TEST_F(Processing, ABatchIsRecordedLikeSingleTraps) {
     std::string expected;
     for (const SampleMessage& sample : SampleMessages()) {
         expected += OnDisk(sample);
@@ -290,20 +290,19 @@ TEST_F(Processing, EachTrapIsRecordedAndAnnouncedWithItsOwnSender) {
     EXPECT_EQ(LogLines(), (Lines{"Trap received (127.0.0.1).", kReceived}));
 }
 
-// The name ends the record at the character that the file cannot represent; the next record continues the
-// line.
-TEST_F(Processing, ARecordThatIsCutCutsNoOther) {
+// A record ends at the euro sign, which the file cannot represent; the next record continues its line.
+TEST_F(Processing, ATruncatedRecordDoesNotTruncateOthers) {
     {
         const std::lock_guard lock(MibStoreLock);
         StoreNamedOid(L"na\u20ACme", L"1.3.6.1.4.1.2");
     }
-    const Octets cut = EncodeV2Trap({{"1.3.6.1.4.1.2", EncodeInteger(1)}});
-    Process({cut, Numbered(1)[0], cut});
+    const Octets truncated = EncodeV2Trap({{"1.3.6.1.4.1.2", EncodeInteger(1)}});
+    Process({truncated, Numbered(1)[0], truncated});
     const std::string part = std::string(kFrom) + "---> [1] 1.3.6.1.4.1.2 (na";
     EXPECT_EQ(TrapFile(), part + Record(0) + part);
 }
 
-// Longer than any that UDP over IPv4 can carry.
+// Longer than any datagram over IPv4.
 TEST_F(Processing, ADatagramThatFillsTheBufferIsRecordedToItsLastOctet) {
     constexpr size_t kText = 65'471;
     const Octets full = EncodeV2Trap({{"1.3.6.1.4.1.1", EncodeOctetString(std::string(kText, 'x'))},
@@ -317,7 +316,7 @@ TEST_F(Processing, ADatagramThatFillsTheBufferIsRecordedToItsLastOctet) {
 
 // ---- Forwarding
 
-TEST_F(Processing, ATrapAloneIsRecordedThenAnnouncedThenSent) {
+TEST_F(Processing, ASingleTrapIsRecordedThenAnnouncedThenSent) {
     ReplaceForwarding(true, L"10.0.0.7", 9162);
     NoteAppends();
     Process(Numbered(1));
@@ -385,8 +384,8 @@ TEST_F(Processing, ASendThatFailsAfterWaitingIsOneFailure) {
     EXPECT_EQ(LogLines(), (Lines{kReceived, kFailed, kReceived}));
 }
 
-// The stop begins while the second trap waits; from then on every wait for room ends at once.
-TEST_F(Processing, AStopLogsAFailureForEachTrapWithoutRoom) {
+// The stop begins while the second trap waits; later waits for room end at once.
+TEST_F(Processing, AfterAStopEachTrapWithoutRoomIsLoggedAsFailed) {
     ReplaceForwarding(true, L"10.0.0.7", 9162);
     Fake.sendResults = {SendResult::Failed, SendResult::NoRoom, SendResult::NoRoom, SendResult::NoRoom};
     Fake.onWaitForRoom = [] {
@@ -425,7 +424,7 @@ TEST_F(Processing, ARefusedBatchIsWrittenTrapByTrap) {
         Files.Reset();
         Fake.steps.clear();
         NoteAppends();
-        // Another program has the file open for the batch's attempt and for that of the second trap.
+        // Another program has the file open during the attempts for the batch and for the second trap.
         size_t attempts = 0;
         Files.refusesAppend = [&](const std::wstring& path) {
             attempts += path == refused ? 1 : 0;

@@ -29,7 +29,7 @@ TEST(BuildViewText, ZerosBecomeBlanks) {
     EXPECT_EQ(BuildViewText(std::wstring(L"\0one\0\0two\n\0", 11)), L" one  two\n ");
 }
 
-// The lines of a text, without their ends.
+// The lines of a text without their line ends.
 std::vector<std::wstring> SplitLines(const std::wstring& text) {
     std::vector<std::wstring> lines(1);
     for (const wchar_t character : text) {
@@ -42,7 +42,7 @@ std::vector<std::wstring> SplitLines(const std::wstring& text) {
     return lines;
 }
 
-TEST(BuildViewText, LongLinesAreBrokenIntoPartsWithoutLosingACharacter) {
+TEST(BuildViewText, LongLinesAreSplitWithoutLosingACharacter) {
     for (const size_t length :
          {1001U, 1002U, 1097U, 1098U, 1099U, 1100U, 1101U, 1102U, 1103U, 1104U, 260000U}) {
         for (const std::wstring end : {L"", L"\r\n", L"\r\r\n"}) {
@@ -66,8 +66,8 @@ TEST(BuildViewText, LongLinesAreBrokenIntoPartsWithoutLosingACharacter) {
     }
 }
 
-// The control does not end a line at a line feed alone, as in a file that was saved again by another program.
-TEST(BuildViewText, LineFeedsAloneDoNotEndALine) {
+// The edit control does not break a line at a lone line feed, which another program may write.
+TEST(BuildViewText, LoneLineFeedsDoNotEndALine) {
     const std::wstring text = Line(600) + L"\n" + Line(600) + L"\n";
     std::wstring joined = BuildViewText(text);
     EXPECT_EQ(joined.find(L"\r\n"), 100U);

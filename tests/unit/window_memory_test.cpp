@@ -1,5 +1,4 @@
-// Windows when memory runs out at each allocation: after a click that failed the next one works. The windows
-// are real.
+// Real windows when memory runs out at any allocation: after a click that failed, the next one works.
 #include "platform/windows/windows_headers.h"
 
 #include <string>
@@ -27,7 +26,7 @@ int WINAPI AnswerYes(HWND, LPCWSTR, LPCWSTR, UINT) {
 
 }  // namespace
 
-// What a call of the imported function goes through; the linker takes this before the import library's.
+// The imported function is called through this pointer. The linker prefers it to the import library's.
 extern "C" {
 decltype(&MessageBoxW) __imp_MessageBoxW = AnswerYes;
 }
@@ -138,7 +137,7 @@ TEST_F(WindowsInAShortage, AStatusWindowThatOpenedWithoutMemoryStillRefreshes) {
     Close(className);
 }
 
-TEST_F(WindowsInAShortage, ADeletionThatFindsNoMemoryIsLoggedAsFailed) {
+TEST_F(WindowsInAShortage, ADeletionWithoutMemoryIsLoggedAsFailed) {
     const std::wstring file = AppPaths.mibsDir + L"\\some.mib";
     const auto prepare = [&] {
         WriteOctets(file, "some OBJECT IDENTIFIER ::= { enterprises 1 }\n");

@@ -21,8 +21,8 @@ std::string Name(unsigned code) {
     return name;
 }
 
-// Calls `visit` for every character of the basic plane except three: the one that ends a text, and U+0085 and
-// U+180E, which are white space or not depending on the runtime.
+// Calls `visit` for every character of the basic plane except U+0000, which ends a text, and U+0085 and
+// U+180E, which are white space in some runtimes only.
 template <typename Visit>
 void ForEachCharacter(Visit visit) {
     for (unsigned code = 1; code <= 0xFFFF; ++code) {
@@ -64,7 +64,7 @@ TEST(WindowsRuntime, ReadsTheSameNumbers) {
     }
 }
 
-// Decodes UTF-8 with the system; false: it refuses the octets.
+// Decodes UTF-8 with the system. False: it rejects the octets.
 bool DecodeAsTheSystemDoes(const std::string& octets, std::wstring& text) {
     const int size = static_cast<int>(octets.size());
     const int length = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, octets.data(), size, nullptr, 0);
@@ -117,7 +117,7 @@ TEST(WindowsRuntime, IsNotCalledForMoreOctetsThanItCanCount) {
     EXPECT_EQ(text, L"");
 }
 
-TEST(WindowsRuntime, DecodesNoOctetsToNoCharacters) {
+TEST(WindowsRuntime, DecodesEmptyInputToEmptyText) {
     std::wstring text = L"leftover";
     DecodeAnsi({}, text);
     EXPECT_EQ(text, L"");
