@@ -1,9 +1,8 @@
-// The driver of the desktop tests: a console program that runs at the same time as the program under test, in
-// the same Wine prefix. Each line of its standard input is a request (request.h), each line of its standard
-// output one JSON reply: {"value": ...} or {"error": "..."}.
+// The driver of the desktop tests: a console program in the same Wine prefix as the program under test. Each
+// line of its standard input is a request (request.h), each line of its standard output one JSON reply:
+// {"value": ...} or {"error": "..."}.
 //
-// At the end of its input it terminates the programs that it started, so an aborted test leaves nothing
-// running.
+// At the end of its input it terminates the programs that it started, so an aborted test leaves none running.
 
 #include <functional>
 #include <iostream>
@@ -50,7 +49,7 @@ DWORD StartAt(const std::wstring& program, POINT place, PROCESS_INFORMATION* sta
     });
 }
 
-// Two numbers after the program: where the system places its first window if the program leaves that to it.
+// Two numbers may follow the program: the default position that the system gives to its first window.
 std::string StartProcess(const Request& request) {
     PROCESS_INFORMATION started = {};
     POINT place = {};
@@ -65,7 +64,7 @@ std::string StartProcess(const Request& request) {
     return JsonNumber(started.dwProcessId);
 }
 
-// The exit code, or null if the process still runs after the given time.
+// Returns the exit code, or null if the process still runs after the given time.
 std::string WaitForExit(const Request& request) {
     const HANDLE process = StartedProcess(request, 0);
     if (WaitForSingleObject(process, static_cast<DWORD>(request.Number(1))) != WAIT_OBJECT_0) {
@@ -109,7 +108,7 @@ std::string TypeText(const Request& request) {
     return "null";
 }
 
-// Pixels of the client area at x, y, x, y, ... as 0xBBGGRR. Covered pixels cannot be read.
+// Returns the pixels of the client area at x, y, x, y, ... as 0xBBGGRR. Covered pixels cannot be read.
 std::string ReadPixels(const Request& request) {
     const HWND window = request.Window(0);
     const HDC context = GetDC(window);
@@ -154,9 +153,9 @@ std::string ClickMouseAt(const Request& request) {
     return JsonNumber(SendInput(2, inputs, sizeof(INPUT)));
 }
 
-// Sends the window messages for the given number of milliseconds. Returns the longest time to an answer, in
+// Sends messages to the window for the given number of milliseconds. Returns the longest response time in
 // microseconds.
-std::string MeasureLongestAnswer(const Request& request) {
+std::string MeasureLongestResponse(const Request& request) {
     const HWND window = request.Window(0);
     LARGE_INTEGER frequency = {};
     QueryPerformanceFrequency(&frequency);
@@ -206,7 +205,7 @@ std::string SetAttributes(const Request& request) {
                     FALSE);
 }
 
-// Not cached: the folder that a program would use that starts now.
+// Queried each time: returns the folder that a program started now would use.
 std::string LocalApplicationData(const Request&) {
     wchar_t folder[MAX_PATH] = {};
     const HRESULT result =
@@ -250,7 +249,7 @@ const std::map<std::string, Handler> kHandlers = {
     {"resize", ResizeWindowTo},
     {"repaint", RepaintWindow},
     {"mouse_click", ClickMouseAt},
-    {"longest_answer", MeasureLongestAnswer},
+    {"longest_response", MeasureLongestResponse},
     {"lock_file", LockFile},
     {"release_files", ReleaseFiles},
     {"attributes", ReadAttributes},
@@ -266,7 +265,7 @@ const std::map<std::string, Handler> kHandlers = {
      }},
     {"spy_calls", [](const Request&) { return ReadSpyCalls(); }},
     {"spy_choose", [](const Request& r) { return ChooseInNextDialog(r.arguments); }},
-    {"spy_grow", [](const Request& r) { return GrowAtNextReading(r.Text(0), r.Text(1)); }},
+    {"spy_append", [](const Request& r) { return AppendBeforeNextRead(r.Text(0), r.Text(1)); }},
     {"spy_kill_timer",
      [](const Request& r) {
          return AskSpy(r.Window(0), SpyQuestion::killTimer, static_cast<UINT>(r.Number(1)));

@@ -151,7 +151,7 @@ def test_selected_text_of_a_view_is_copied_with_ctrl_c(program, data):
     data.wait_for_start()
     send_raw(octets_of_the_test_trap())
     data.wait_for_traps(1)
-    view = MONITOR.open(program).only("Edit")
+    view = MONITOR.open(program).child("Edit")
     view.send(EM_SETSEL, 0, len(STAMP))
     view.post(WM_CHAR, COPY_KEY)
     program.settle()

@@ -240,5 +240,5 @@ def test_the_tool_windows_are_minimised_and_restored_with_the_main_window(progra
     assert [program.find_windows(tool.class_name) for tool in TOOL_WINDOWS] == [[window] for window in windows]
     wait_for_disc(program, GREEN)
     monitor = windows[TOOL_WINDOWS.index(MONITOR)]
-    wait_until(lambda: "(not decoded)" in monitor.only("Edit").text, "the trap received meanwhile")
+    wait_until(lambda: "(not decoded)" in monitor.child("Edit").text, "the trap received meanwhile")
     assert program.close() == 0

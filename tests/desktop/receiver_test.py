@@ -14,7 +14,7 @@ from harness.traps import (
     integer_binding,
     integer_line,
     message,
-    request_from_listener,
+    send_get_request,
     send_inform,
     send_raw,
     send_v1,
@@ -118,7 +118,7 @@ def test_a_stopped_receiver_frees_both_ports_and_records_nothing(program, data):
 
 def test_a_request_to_port_161_is_logged_and_gets_no_reply(program, data):
     data.wait_for_start()
-    assert not request_from_listener()
+    assert not send_get_request()
     data.wait_for_log("Datagram on UDP 161 from 127.0.0.1.")
     assert data.log_messages().count("Datagram on UDP 161 from 127.0.0.1.") == 1
     assert data.trap_octets() == b""

@@ -32,7 +32,7 @@ long long Request::Number(size_t index) const {
     try {
         return std::stoll(Text(index));
     } catch (const std::logic_error&) {
-        throw RequestError(verb + ": argument " + std::to_string(index + 1) + " is no number");
+        throw RequestError(verb + ": argument " + std::to_string(index + 1) + " is not a number");
     }
 }
 

@@ -19,7 +19,7 @@ struct Request {
     std::string verb;
     std::vector<std::wstring> arguments;
 
-    // These throw RequestError if the argument is missing or of another kind.
+    // These throw RequestError if the argument is missing or invalid.
     const std::wstring& Text(size_t index) const;
     long long Number(size_t index) const;
     // The handle of an existing window.

@@ -15,7 +15,7 @@ SpyMemory* memory = nullptr;
 HHOOK sentHook = nullptr;
 HHOOK fetchedHook = nullptr;
 
-// Must run before the library is loaded, which opens the memory.
+// Must run before the library is loaded, since the library opens the memory.
 void CreateSharedMemory() {
     if (memory != nullptr) {
         return;
@@ -110,8 +110,8 @@ std::string AttachSpy(HWND window) {
     DWORD process = 0;
     const DWORD thread = GetWindowThreadProcessId(window, &process);
     memory->program = process;
-    sentHook = SetHook(library, WH_CALLWNDPROC, "SeeSentMessage", thread);
-    fetchedHook = SetHook(library, WH_GETMESSAGE, "SeeFetchedMessage", thread);
+    sentHook = SetHook(library, WH_CALLWNDPROC, "OnSentMessage", thread);
+    fetchedHook = SetHook(library, WH_GETMESSAGE, "OnFetchedMessage", thread);
     SendWithLimit(window, WM_NULL, 0, 0);  // the first hooked message loads the library
     return "null";
 }
@@ -150,37 +150,37 @@ std::string ReadSpyCalls() {
     SpyMemory& spy = AttachedMemory();
     const uint32_t count = spy.callCount;
     std::vector<std::string> calls;
-    for (uint32_t i = count - std::min(count, spyCalls); i != count; ++i) {
-        calls.push_back(JsonText(spy.calls[i % spyCalls]));
+    for (uint32_t i = count - std::min(count, kSpyCalls); i != count; ++i) {
+        calls.push_back(JsonText(spy.calls[i % kSpyCalls]));
     }
     return JsonList(calls);
 }
 
-// The texts in a row, each with its terminator, and one more terminator.
+// In the buffer each text has its terminator, and one more terminator follows the last.
 std::string ChooseInNextDialog(const std::vector<std::wstring>& texts) {
     SpyMemory& spy = AttachedMemory();
     std::wstring buffer;
     for (const std::wstring& text : texts) {
         buffer += text + L'\0';
     }
-    if (buffer.size() >= std::size(spy.orders.choice)) {
+    if (buffer.size() >= std::size(spy.actions.choice)) {
         throw RequestError("too many files to choose");
     }
-    std::fill(std::begin(spy.orders.choice), std::end(spy.orders.choice), L'\0');
-    buffer.copy(spy.orders.choice, buffer.size());
-    spy.orders.choiceIsReady = 1;
+    std::fill(std::begin(spy.actions.choice), std::end(spy.actions.choice), L'\0');
+    buffer.copy(spy.actions.choice, buffer.size());
+    spy.actions.choiceIsReady = 1;
     return "null";
 }
 
-std::string GrowAtNextReading(const std::wstring& path, const std::wstring& octets) {
-    SpyOrders& orders = AttachedMemory().orders;
-    if (path.size() >= std::size(orders.growingFile) || octets.size() >= std::size(orders.growth)) {
-        throw RequestError("too long");
+std::string AppendBeforeNextRead(const std::wstring& path, const std::wstring& octets) {
+    SpyActions& actions = AttachedMemory().actions;
+    if (path.size() >= std::size(actions.appendPath) || octets.size() >= std::size(actions.appendOctets)) {
+        throw RequestError("the path or the text to append is too long");
     }
-    orders.growingFile[path.copy(orders.growingFile, path.size())] = L'\0';
-    std::transform(octets.begin(), octets.end(), orders.growth,
+    actions.appendPath[path.copy(actions.appendPath, path.size())] = L'\0';
+    std::transform(octets.begin(), octets.end(), actions.appendOctets,
                    [](wchar_t character) { return static_cast<char>(character); });
-    orders.growth[octets.size()] = '\0';
-    orders.growthIsReady = 1;
+    actions.appendOctets[octets.size()] = '\0';
+    actions.appendIsReady = 1;
     return "null";
 }

@@ -22,12 +22,12 @@ bool IsWatched() {
     return memory->program == GetCurrentProcessId();
 }
 
-void Note(const std::wstring& call) {
+void LogCall(const std::wstring& call) {
     if (!IsWatched()) {
         return;
     }
-    wchar_t* place = memory->calls[memory->callCount % spyCalls];
-    place[call.copy(place, spyCallLength - 1)] = L'\0';
+    wchar_t* entry = memory->calls[memory->callCount % kSpyCalls];
+    entry[call.copy(entry, kSpyCallLength - 1)] = L'\0';
     memory->callCount = memory->callCount + 1;
 }
 
@@ -35,7 +35,7 @@ std::wstring Number(HWND window) {
     return std::to_wstring(std::bit_cast<INT_PTR>(window));
 }
 
-// All texts up to the empty one that ends them.
+// An empty text ends the filter.
 std::wstring FilterText(const wchar_t* filter) {
     std::wstring text;
     while (*filter != L'\0') {
@@ -50,13 +50,13 @@ std::wstring TextOrNone(const wchar_t* text) {
     return text ? text : L"none";
 }
 
-LRESULT WINAPI SeeSendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT WINAPI InterceptSendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_SETREDRAW:
-            Note(L"WM_SETREDRAW " + Number(window) + L" " + std::to_wstring(wParam));
+            LogCall(L"WM_SETREDRAW " + Number(window) + L" " + std::to_wstring(wParam));
             break;
         case LB_RESETCONTENT:
-            Note(L"LB_RESETCONTENT " + Number(window));
+            LogCall(L"LB_RESETCONTENT " + Number(window));
             break;
         default:
             break;
@@ -64,30 +64,31 @@ LRESULT WINAPI SeeSendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM 
     return SendMessageW(window, message, wParam, lParam);
 }
 
-BOOL WINAPI SeeInvalidateRect(HWND window, const RECT* rectangle, BOOL erase) {
-    Note(L"InvalidateRect " + Number(window) + (rectangle ? L" part " : L" whole ") + std::to_wstring(erase));
+BOOL WINAPI InterceptInvalidateRect(HWND window, const RECT* rectangle, BOOL erase) {
+    LogCall(L"InvalidateRect " + Number(window) + (rectangle ? L" part " : L" whole ") +
+            std::to_wstring(erase));
     return InvalidateRect(window, rectangle, erase);
 }
 
-int WINAPI SeeMessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type) {
-    Note(L"MessageBoxW " + std::to_wstring(type));
+int WINAPI InterceptMessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT type) {
+    LogCall(L"MessageBoxW " + std::to_wstring(type));
     return MessageBoxW(owner, text, caption, type);
 }
 
-BOOL WINAPI SeeGetOpenFileNameW(LPOPENFILENAMEW dialog) {
-    Note(L"GetOpenFileNameW filter=" + FilterText(dialog->lpstrFilter) + L" index=" +
+BOOL WINAPI InterceptGetOpenFileNameW(LPOPENFILENAMEW dialog) {
+    LogCall(L"GetOpenFileNameW filter=" + FilterText(dialog->lpstrFilter) + L" index=" +
          std::to_wstring(dialog->nFilterIndex) + L" capacity=" + std::to_wstring(dialog->nMaxFile) +
-         L" flags=" + std::to_wstring(dialog->Flags) + L" more=" + std::to_wstring(dialog->FlagsEx) +
-         L" size=" + std::to_wstring(dialog->lStructSize == sizeof(*dialog)) + L" file=" +
+         L" flags=" + std::to_wstring(dialog->Flags) + L" flagsEx=" + std::to_wstring(dialog->FlagsEx) +
+         L" sizeIsRight=" + std::to_wstring(dialog->lStructSize == sizeof(*dialog)) + L" file=" +
          TextOrNone(dialog->lpstrFile) + L" folder=" + TextOrNone(dialog->lpstrInitialDir) + L" extension=" +
          TextOrNone(dialog->lpstrDefExt));
-    SpyOrders& orders = memory->orders;
-    if (orders.choiceIsReady == 0 || !IsWatched()) {
+    SpyActions& actions = memory->actions;
+    if (actions.choiceIsReady == 0 || !IsWatched()) {
         return GetOpenFileNameW(dialog);
     }
-    orders.choiceIsReady = 0;
-    const size_t size = std::min(std::size(orders.choice), static_cast<size_t>(dialog->nMaxFile));
-    std::copy_n(orders.choice, size, dialog->lpstrFile);
+    actions.choiceIsReady = 0;
+    const size_t size = std::min(std::size(actions.choice), static_cast<size_t>(dialog->nMaxFile));
+    std::copy_n(actions.choice, size, dialog->lpstrFile);
     return TRUE;
 }
 
@@ -99,18 +100,18 @@ void AppendTo(const wchar_t* path, const char* octets) {
     CloseHandle(file);
 }
 
-HANDLE WINAPI SeeCreateFileW(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
-                             DWORD disposition, DWORD attributes, HANDLE pattern) {
-    SpyOrders& orders = memory->orders;
-    if (orders.growthIsReady != 0 && IsWatched() && access == GENERIC_READ &&
-        _wcsicmp(path, orders.growingFile) == 0) {
-        orders.growthIsReady = 0;
-        AppendTo(path, orders.growth);
+HANDLE WINAPI InterceptCreateFileW(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
+                                   DWORD disposition, DWORD attributes, HANDLE pattern) {
+    SpyActions& actions = memory->actions;
+    if (actions.appendIsReady != 0 && IsWatched() && access == GENERIC_READ &&
+        _wcsicmp(path, actions.appendPath) == 0) {
+        actions.appendIsReady = 0;
+        AppendTo(path, actions.appendOctets);
     }
     return CreateFileW(path, access, share, security, disposition, attributes, pattern);
 }
 
-struct Catch {
+struct Replacement {
     const char* name;
     const void* function;
 };
@@ -120,24 +121,24 @@ const void* AddressOf(Function function) {
     return std::bit_cast<const void*>(function);
 }
 
-const Catch catches[] = {
-    {"SendMessageW", AddressOf(&SeeSendMessageW)},         {"MessageBoxW", AddressOf(&SeeMessageBoxW)},
-    {"GetOpenFileNameW", AddressOf(&SeeGetOpenFileNameW)}, {"CreateFileW", AddressOf(&SeeCreateFileW)},
-    {"InvalidateRect", AddressOf(&SeeInvalidateRect)},
+const Replacement kReplacements[] = {
+    {"SendMessageW", AddressOf(&InterceptSendMessageW)},         {"MessageBoxW", AddressOf(&InterceptMessageBoxW)},
+    {"GetOpenFileNameW", AddressOf(&InterceptGetOpenFileNameW)}, {"CreateFileW", AddressOf(&InterceptCreateFileW)},
+    {"InvalidateRect", AddressOf(&InterceptInvalidateRect)},
 };
 
 void Redirect(const char* name, IMAGE_THUNK_DATA& entry) {
-    for (const Catch& caught : catches) {
-        if (std::strcmp(name, caught.name) == 0) {
+    for (const Replacement& replacement : kReplacements) {
+        if (std::strcmp(name, replacement.name) == 0) {
             DWORD protection = 0;
             VirtualProtect(&entry, sizeof(entry), PAGE_READWRITE, &protection);
-            entry.u1.Function = std::bit_cast<ULONG_PTR>(caught.function);
+            entry.u1.Function = std::bit_cast<ULONG_PTR>(replacement.function);
             VirtualProtect(&entry, sizeof(entry), protection, &protection);
         }
     }
 }
 
-// Patches the program's import table, which all its calls of the system use.
+// Patches the program's import table, through which it calls the system.
 void RedirectImports() {
     auto* image = std::bit_cast<BYTE*>(GetModuleHandleW(nullptr));
     const auto* dosHeader = std::bit_cast<const IMAGE_DOS_HEADER*>(image);
@@ -158,10 +159,10 @@ void RedirectImports() {
 
 }  // namespace
 
-void CatchCalls(SpyMemory& shared) {
+void InterceptCalls(SpyMemory& shared) {
     memory = &shared;
-    HMODULE itself = nullptr;
+    HMODULE library = nullptr;
     GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
-                       std::bit_cast<LPCWSTR>(&CatchCalls), &itself);
+                       std::bit_cast<LPCWSTR>(&InterceptCalls), &library);
     RedirectImports();
 }

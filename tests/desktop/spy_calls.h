@@ -1,13 +1,13 @@
-// Logs system calls of the program under test. Each is logged as a text and then made, except a file dialog
-// that the driver has answered already.
+// Intercepts system calls of the program under test. Most are logged as texts, all are then made, except a
+// file dialog whose result the driver has prepared.
 #pragma once
 
 #include "tests/desktop/spy_memory.h"
 
-// Called once in the program's process; the library then stays loaded. Logs, with numbers in decimal and a
+// Called once in the program's process; the library then stays loaded. Logs, with decimal numbers and each
 // window as the number of its handle:
 //   WM_SETREDRAW WINDOW FLAG, LB_RESETCONTENT WINDOW     sent messages
 //   InvalidateRect WINDOW part|whole ERASE
 //   MessageBoxW TYPE
-//   GetOpenFileNameW ...             the record as "name=value" texts, the zeros of the filter as "|"
-void CatchCalls(SpyMemory& shared);
+//   GetOpenFileNameW ...             the structure as "name=value" texts, zeros in the filter as "|"
+void InterceptCalls(SpyMemory& shared);

@@ -1,5 +1,5 @@
-// Loaded into the program under test by a message hook: reads facts that another process cannot (a control's
-// font, a window class's brush, a window's answers to the colouring messages) and logs every timer message.
+// Loaded into the program under test by a message hook. Reads what another process cannot read (a control's
+// font, a window class's brush, a window's replies to the colouring messages) and logs every timer message.
 #include "tests/desktop/spy_calls.h"
 #include "tests/desktop/spy_memory.h"
 
@@ -99,7 +99,7 @@ void AnswerQuestion(const CWPSTRUCT& message) {
     memory->answer = answer;
 }
 
-void NoteTimer(const MSG& message) {
+void LogTimer(const MSG& message) {
     SpyTimerEvent& event = memory->timers[memory->timerCount % kSpyTimerEvents];
     event.window = reinterpret_cast<uint64_t>(message.hwnd);
     event.timer = message.wParam;
@@ -109,7 +109,7 @@ void NoteTimer(const MSG& message) {
 
 }  // namespace
 
-extern "C" __declspec(dllexport) LRESULT CALLBACK SeeSentMessage(int code, WPARAM wParam, LPARAM lParam) {
+extern "C" __declspec(dllexport) LRESULT CALLBACK OnSentMessage(int code, WPARAM wParam, LPARAM lParam) {
     const auto* message = reinterpret_cast<const CWPSTRUCT*>(lParam);
     if (code == HC_ACTION && memory != nullptr && message->message == spyMessage) {
         AnswerQuestion(*message);
@@ -117,10 +117,10 @@ extern "C" __declspec(dllexport) LRESULT CALLBACK SeeSentMessage(int code, WPARA
     return CallNextHookEx(nullptr, code, wParam, lParam);
 }
 
-extern "C" __declspec(dllexport) LRESULT CALLBACK SeeFetchedMessage(int code, WPARAM wParam, LPARAM lParam) {
+extern "C" __declspec(dllexport) LRESULT CALLBACK OnFetchedMessage(int code, WPARAM wParam, LPARAM lParam) {
     const auto* message = reinterpret_cast<const MSG*>(lParam);
     if (code == HC_ACTION && wParam == PM_REMOVE && memory != nullptr && message->message == WM_TIMER) {
-        NoteTimer(*message);
+        LogTimer(*message);
     }
     return CallNextHookEx(nullptr, code, wParam, lParam);
 }
@@ -130,7 +130,7 @@ BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {
         spyMessage = RegisterWindowMessageW(kSpyMessageName);
         OpenSharedMemory();
         if (memory != nullptr && memory->program == GetCurrentProcessId()) {
-            CatchCalls(*memory);
+            InterceptCalls(*memory);
         }
     }
     return TRUE;

@@ -1,4 +1,4 @@
-// Named memory that the spy (a library inside the program under test) and the driver share. The driver asks
+// Named memory shared by the driver and the spy (a library inside the program under test). The driver asks
 // by sending the spy's message to a window; the answer is here when that call returns. The logs are always
 // written.
 #pragma once
@@ -12,10 +12,10 @@ inline constexpr wchar_t kSpyMessageName[] = L"QuillmontDesktopSpyQuestion";
 
 enum class SpyQuestion : uint32_t {
     window = 1,     // font and class of the window
-    colouring = 2,  // what its parent answers to the WM_CTLCOLOR message in lParam
+    colouring = 2,  // the parent's reply to the WM_CTLCOLOR message in lParam
     resources = 3,  // GDI objects and kernel handles of the program
     folder = 4,     // the program's current folder
-    killTimer = 5,  // ends the window's timer of the number in lParam
+    killTimer = 5,  // kills the window's timer whose id is in lParam
 };
 
 struct SpyBrush {
@@ -49,26 +49,26 @@ struct SpyTimerEvent {
 };
 
 inline constexpr uint32_t kSpyTimerEvents = 512;
-inline constexpr uint32_t spyCalls = 256;
-inline constexpr uint32_t spyCallLength = 512;
+inline constexpr uint32_t kSpyCalls = 256;
+inline constexpr uint32_t kSpyCallLength = 512;
 
-// What the spy does at the next call of a function, once each.
-struct SpyOrders {
-    // Ready: the next file dialog is not shown and returns these texts in its buffer.
+// What the driver prepares; each action runs once.
+struct SpyActions {
+    // If set, the next file dialog is not shown and its buffer contains these texts.
     volatile uint32_t choiceIsReady;
     wchar_t choice[4096];
-    // Ready: before the program opens that file for reading, these octets are appended to it.
-    volatile uint32_t growthIsReady;
-    wchar_t growingFile[MAX_PATH];
-    char growth[256];
+    // If set, these octets are appended to the file just before the program next opens it for reading.
+    volatile uint32_t appendIsReady;
+    wchar_t appendPath[MAX_PATH];
+    char appendOctets[256];
 };
 
 struct SpyMemory {
     uint32_t program;  // the process whose calls are logged
-    SpyOrders orders;
+    SpyActions actions;
     volatile uint32_t callCount;  // calls since the spy was attached
-    wchar_t calls[spyCalls][spyCallLength];
+    wchar_t calls[kSpyCalls][kSpyCallLength];
     SpyAnswer answer;
-    volatile uint32_t timerCount;  // events since then; the last kSpyTimerEvents are stored
+    volatile uint32_t timerCount;  // events since then
     SpyTimerEvent timers[kSpyTimerEvents];
 };

@@ -44,7 +44,7 @@ def test_the_window_opens_with_every_line_filled(program, data):
     assert label(window, COUNTS) == counts_line(0, 0)
     # A line without a text would be an empty label.
     assert "" not in [facts.text for facts in window.children() if facts.__dict__["class"] == "Static"]
-    assert window.only("ListBox").list_items() == []
+    assert window.child("ListBox").list_items() == []
 
 
 def test_stopping_shows_stopped_and_removes_161(program):
@@ -107,17 +107,17 @@ def test_files_are_listed_as_they_are_now_and_mappings_as_they_were_loaded(data,
     assert label(window, COUNTS) == counts_line(1, 2)
     data.add_mib("other.mib", "three OBJECT IDENTIFIER ::= { enterprises 3 }\n")
     wait_for_label(window, COUNTS, counts_line(2, 2))
-    assert window.only("ListBox").list_items() == ["one.mib", "other.mib"]
+    assert window.child("ListBox").list_items() == ["one.mib", "other.mib"]
     (data.mibs / "one.mib").unlink()
     wait_for_label(window, COUNTS, counts_line(1, 2))
-    assert window.only("ListBox").list_items() == ["other.mib"]
+    assert window.child("ListBox").list_items() == ["other.mib"]
 
 
 def test_a_refresh_clears_the_selection_and_scrolls_to_the_top(data, start):
     for number in range(100):
         data.add_mib(f"{number:03}.mib", "")
     window = STATUS.open(start().wait_running())
-    files = window.only("ListBox")
+    files = window.child("ListBox")
     files.send(LB_SETCURSEL, 60)
     files.send(LB_SETTOPINDEX, 60)
     wait_until(lambda: files.send(LB_GETCURSEL) == LB_ERR, "the selection to be gone")
@@ -143,7 +143,7 @@ def test_the_list_is_refilled_without_flicker_and_erased_only_when_its_length_ha
     program.attach_spy()
     window = STATUS.open(program)
     window.kill_timer(STATUS.timer)
-    files = window.only("ListBox")
+    files = window.child("ListBox")
 
     def refill(*names):
         """Adds these names to the folder and refreshes. Returns the calls that changed the list."""
@@ -176,7 +176,7 @@ def test_a_second_click_changes_nothing_in_the_window(data, start):
     program = start().wait_running()
     window = STATUS.open(program)
     program.attach_spy()
-    files = window.only("ListBox")
+    files = window.child("ListBox")
 
     def selection_outlives_click():
         """Whether a click leaves the selection; None when a refresh, which clears it, came in between."""
@@ -204,7 +204,7 @@ def test_with_3000_files_a_refresh_needs_less_than_half_the_period(data, start):
     window = STATUS.open(program)
     assert label(window, COUNTS) == counts_line(3000, 0)
     # Each measurement includes at least one refresh; the shortest is the least disturbed by other programs.
-    longest = min(program.driver("longest_answer", window.handle, 2 * PERIOD_MILLISECONDS) for _ in range(4))
+    longest = min(program.driver("longest_response", window.handle, 2 * PERIOD_MILLISECONDS) for _ in range(4))
     print(f"One refresh with 3,000 files blocked the program for {longest / 1000:.1f} ms.")
     assert longest < PERIOD_MILLISECONDS * 1000 / 2
-    assert len(window.only("ListBox").list_items()) == 3000
+    assert len(window.child("ListBox").list_items()) == 3000

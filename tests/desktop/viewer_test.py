@@ -227,7 +227,7 @@ def test_a_second_click_does_not_reload_the_file(program, data, viewer):
 def test_text_written_between_the_size_query_and_the_reading_is_shown_twice(program, data):
     data.traps.write_bytes(b"old\n")
     program.attach_spy()
-    program.grow_at_next_reading(data.windows_path(data.traps), "first ")
+    program.append_before_next_read(data.windows_path(data.traps), "first ")
     window = MONITOR.open(program)
     window.kill_timer(MONITOR.timer)
     shown = "old\nfirst "
@@ -236,7 +236,7 @@ def test_text_written_between_the_size_query_and_the_reading_is_shown_twice(prog
     shown += "first "
     assert view_of(window).text == shown
     append(data.traps, b"second ")
-    program.grow_at_next_reading(data.windows_path(data.traps), "third ")
+    program.append_before_next_read(data.windows_path(data.traps), "third ")
     window.send(WM_TIMER, MONITOR.timer)
     shown += "second third "
     assert view_of(window).text == shown

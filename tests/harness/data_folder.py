@@ -15,7 +15,7 @@ LOG_LINE = re.compile(rb"(" + STAMP + rb")  ([^\r\n]*)\r\r\n")
 
 
 def mask_stamps(octets):
-    """The octets with every time stamp as 23 times '#'."""
+    """The octets with every time stamp replaced by 23 '#'."""
     return re.sub(STAMP, b"#" * 23, octets)
 
 
@@ -42,7 +42,7 @@ SHELL_FOLDERS = r"HKCU\Software\Microsoft\Windows\CurrentVersion\Explorer\User S
 
 @contextmanager
 def local_application_data(value):
-    """Programs that start inside find their data below this folder."""
+    """Makes this the local application data folder of programs started within the context."""
 
     def set_folder(text):
         arguments = ["/v", "Local AppData", "/t", "REG_EXPAND_SZ", "/d", text, "/f"]
@@ -56,8 +56,7 @@ def local_application_data(value):
 
 
 def find_data_folder(driver):
-    """The data folder of a program that starts now. The driver asks Wine for it, since Wine chooses the name of the
-    user's folder."""
+    """The data folder of a program started now. The driver asks Wine for its path, which contains the user's name."""
     return DataFolder(unix_path(driver("local_application_data")))
 
 
@@ -98,22 +97,22 @@ class DataFolder:
         return mask_stamps(self.trap_octets())
 
     def log_messages(self):
-        """The messages in order. Fails if there is anything but log lines, except a last one without its end."""
+        """The messages in order. Fails if the log contains anything but log lines; the last one may be unfinished."""
         octets = self.log_octets()
         whole = octets[: octets.rfind(b"\n") + 1]
-        strange = LOG_LINE.sub(b"", whole)
-        assert strange == b"", f"not log lines: {strange[:300]!r}"
+        other = LOG_LINE.sub(b"", whole)
+        assert other == b"", f"not log lines: {other[:300]!r}"
         return [message.decode("latin-1") for _, message in LOG_LINE.findall(whole)]
 
     def wait_for_log(self, message, count=1):
         """Waits until the log has the message `count` times."""
         wait_until(
             lambda: self.log_messages().count(message) >= count,
-            lambda: f"{count} x {message!r} in the log, which ends in {self.log_messages()[-20:]!r}",
+            lambda: f"{count} x {message!r} in the log, which ends with {self.log_messages()[-20:]!r}",
         )
 
     def wait_for_start(self, count=1):
-        """Waits for the last log lines of `count` starts with both ports free."""
+        """Waits until the log has the last lines of `count` starts with both ports free."""
         last_lines = [
             b"Trap thread started (UDP 162).",
             b"Listener thread started (UDP 161).",
@@ -121,16 +120,16 @@ class DataFolder:
         ]
         wait_until(
             lambda: all(self.log_octets().count(line + LINE_END) >= count for line in last_lines),
-            lambda: f"start {count}, the log ends in {self.log_octets()[-500:]!r}",
+            lambda: f"start {count}, the log ends with {self.log_octets()[-500:]!r}",
         )
 
     def traps_received(self):
-        """How many datagrams are in the log. Their records are written before that."""
+        """The number of datagrams in the log. A record is written before its log line."""
         return sum(message.startswith("Trap received (") for message in self.log_messages())
 
     def wait_for_traps(self, count):
         """Waits until `count` datagrams are in the log."""
         wait_until(
             lambda: self.traps_received() >= count,
-            lambda: f"{count} traps in the log, which ends in {self.log_messages()[-5:]!r}",
+            lambda: f"{count} traps in the log, which ends with {self.log_messages()[-5:]!r}",
         )

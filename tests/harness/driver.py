@@ -6,7 +6,7 @@ import select
 from harness.places import driver_file
 from harness.processes import start_wine
 
-ANSWER_SECONDS = 120
+REPLY_SECONDS = 120
 
 
 class DriverError(Exception):
@@ -35,10 +35,10 @@ class Driver:
         return reply["value"]
 
     def _read_line(self):
-        # There is one request at a time, so this is its reply.
-        readable, _, _ = select.select([self._process.stdout], [], [], ANSWER_SECONDS)
+        # There is only one request at a time, so this line is its reply.
+        readable, _, _ = select.select([self._process.stdout], [], [], REPLY_SECONDS)
         if not readable:
-            raise DriverError(f"no answer within {ANSWER_SECONDS} s")
+            raise DriverError(f"no reply within {REPLY_SECONDS} s")
         line = self._process.stdout.readline()
         if not line:
             raise DriverError("the driver has ended")

@@ -1,4 +1,4 @@
-"""The pytest fixtures of all tests that drive the program in its windows."""
+"""Pytest fixtures for all tests that drive the program through its windows."""
 
 import shutil
 
@@ -43,7 +43,6 @@ def start(driver):
 @pytest.fixture
 def program(data, start):
     """The program with a new data folder and a running receiver."""
-    del data
     return start().wait_running()
 
 

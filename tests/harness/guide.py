@@ -1,4 +1,4 @@
-"""The pages of the user guide, and their blocks."""
+"""The pages of the user guide and their code blocks."""
 
 import re
 
@@ -14,20 +14,20 @@ def guide():
 
 
 def prose():
-    """The pages as one line, wherever they break theirs."""
+    """The pages as one line, so that their line breaks do not matter."""
     return " ".join(guide().split())
 
 
 def blocks(language):
-    """The texts of the blocks of this language, in their order."""
+    """The code blocks in this language, in order."""
     return [text for found, text in BLOCK.findall(guide()) if found == language]
 
 
 def block_with(language, mark):
-    """The first block of this language that contains the mark."""
+    """The first code block in this language that contains the mark."""
     return next(text for text in blocks(language) if mark in text)
 
 
 def powershell_checks():
-    """The PowerShell blocks that a Windows machine can try, by the name that the page gives each."""
+    """The PowerShell blocks to be run on Windows, by the names that the pages give them."""
     return dict(MARKED.findall(guide()))

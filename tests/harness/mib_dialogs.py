@@ -1,4 +1,4 @@
-"""Importing and deleting MIB files in the windows: the system's file dialog and the question before the deletion."""
+"""Importing and deleting MIB files through the windows: the system's file dialog and the deletion question."""
 
 from harness.places import windows_path
 from harness.tool_windows import DELETE_BUTTON, IMPORT_BUTTON
@@ -39,7 +39,7 @@ class FileDialog:
         self._file_name()
 
     def _descendant(self, class_name, number):
-        """A control of the dialog. The dialog creates some of them after it has become visible."""
+        """A control of the dialog. Some are created only after the dialog has become visible."""
 
         def find():
             for facts in self.window.descendants():
@@ -61,13 +61,13 @@ class FileDialog:
         self._descendant("Button", ID_OK).click()
 
     def go_to(self, folder):
-        """Shows the folder, by typing its name and pressing Open."""
+        """Shows the folder: types its path and presses Open."""
         self.type_name(folder)
         self.press_open()
         self._descendant("ComboBox", ID_LOOK_IN).wait_text(folder.rsplit("\\", 1)[1])
 
     def choose(self, *paths):
-        """Chooses one file by its path, or several in one folder by folder and names."""
+        """Chooses one file (its path), or several of one folder (the folder, then file names)."""
         if len(paths) == 1:
             self.type_name(paths[0])
         else:
@@ -109,7 +109,7 @@ def new_messages(data, before):
 
 def listed(status):
     """The status window's list of MIB files."""
-    return status.only("ListBox").list_items()
+    return status.child("ListBox").list_items()
 
 
 def counts(status):

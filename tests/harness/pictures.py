@@ -5,19 +5,19 @@ import subprocess
 from harness.waiting import wait_until
 
 
-def _look_at_display():
+def _capture_display():
     """The whole display, in xwd's format."""
     return subprocess.run(["xwd", "-root", "-silent"], check=True, capture_output=True).stdout
 
 
 def save_area(path, windows, rect):
-    """Saves this part of the display as a PNG file, once the windows are painted: when two captures are the same."""
+    """Saves this part of the display as a PNG file, once the windows are painted: two captures in a row are equal."""
     for window in windows:
         window.repaint()
     seen = [None]
 
     def is_still():
-        last, seen[0] = seen[0], _look_at_display()
+        last, seen[0] = seen[0], _capture_display()
         return seen[0] == last
 
     wait_until(is_still, "the windows to be painted")

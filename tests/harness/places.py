@@ -13,17 +13,17 @@ def program_file():
 
 
 def driver_file():
-    """The driver's executable, likewise."""
+    """The driver: the one that QUILLMONT_DRIVER names, or the one built last."""
     return Path(os.environ.get("QUILLMONT_DRIVER") or BUILD / "tests/desktop/quillmont_desktop_driver.exe").resolve()
 
 
 def drive_c():
-    """The drive C: of the Wine prefix, as a folder of this machine."""
+    """The Unix path of drive C: in the Wine prefix."""
     return Path(os.environ["WINEPREFIX"], "drive_c")
 
 
 def windows_path(path):
-    """The path as a Windows program writes it."""
+    """The path as Windows programs see it."""
     path = Path(path)
     if "WINEPREFIX" in os.environ and path.is_relative_to(drive_c()):
         drive, path = "C:\\", path.relative_to(drive_c())
@@ -33,7 +33,7 @@ def windows_path(path):
 
 
 def unix_path(path):
-    """A path on drive C: as a path of this machine."""
+    """The Unix path of a Windows path on drive C:."""
     drive, _, rest = path.partition("\\")
     assert drive.upper() == "C:", f"{path} is not on drive C:"
     return drive_c() / rest.replace("\\", "/")

@@ -1,4 +1,4 @@
-"""Windows processes under Wine: starting them, and their Unix processes."""
+"""Starts Windows programs under Wine and inspects their Unix processes."""
 
 import os
 import re
@@ -18,8 +18,8 @@ def start_wine(*command, **options):
 
 
 def run_wine(*command, seconds=120, output=subprocess.DEVNULL):
-    """Returns the exit code; the output goes into the file `output`. Not into a pipe: programs that the command leaves
-    running, such as Wine's services, would keep it open."""
+    """Returns the exit code. The output goes to the file `output`, not to a pipe: programs that the command leaves
+    running, such as Wine's services, would keep a pipe open."""
     return subprocess.run(
         ["wine", *map(str, command)],
         stdin=subprocess.DEVNULL,
@@ -38,7 +38,7 @@ def ask_wine(*command, seconds=120):
 
 
 def wine_processes(executable):
-    """The Unix process numbers of the programs with that file name in our prefix, with their command lines."""
+    """The Unix process ids and command lines of the programs with that file name in our prefix."""
     prefix = f"WINEPREFIX={os.environ['WINEPREFIX']}".encode()
     found = {}
     for folder in Path("/proc").glob("[0-9]*"):
@@ -54,14 +54,14 @@ def wine_processes(executable):
 
 
 def find_wine_process(executable):
-    """The Unix process number of the program with that file name in our prefix."""
+    """The Unix process id of the program with that file name in our prefix."""
     for pid in wine_processes(executable):
         return pid
     raise AssertionError(f"no process {executable}")
 
 
 def memory_kilobytes(pid, field="VmRSS"):
-    """Memory of the process: VmRSS is the resident memory, VmHWM its peak."""
+    """The memory of the process: VmRSS is resident memory, VmHWM its peak."""
     status = Path("/proc", str(pid), "status").read_text(encoding="ascii", errors="replace")
     return int(re.search(rf"^{field}:\s+(\d+)", status, re.M)[1])
 

@@ -29,7 +29,7 @@ STOP_LINES = sorted(
 
 class Program:
     def __init__(self, driver, executable=None, place=(0, 0)):
-        """`place`: where the system places the first window if the program leaves that to it."""
+        """`place`: the default position that the system gives to the first window."""
         self.driver = driver
         self.process = driver("start", windows_path(executable or program_file()), *place)
         self.main = self.wait_for_window(MAIN_CLASS)
@@ -91,12 +91,12 @@ class Program:
         return [call for call in self.driver("spy_calls") if call.split(" ", 1)[0] == function]
 
     def choose_in_next_dialog(self, *texts):
-        """The next file dialog is not shown; it returns these texts in its buffer."""
+        """The next file dialog is not shown; its buffer contains these texts."""
         self.driver("spy_choose", *texts)
 
-    def grow_at_next_reading(self, path, text):
-        """Appends the text just before the program opens the file for reading the next time."""
-        self.driver("spy_grow", path, text)
+    def append_before_next_read(self, path, text):
+        """Appends the text just before the program next opens the file for reading."""
+        self.driver("spy_append", path, text)
 
     def settle(self):
         """Waits until the program has handled all messages posted before this call."""

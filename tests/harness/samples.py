@@ -1,14 +1,12 @@
-"""MIB files and traps as real devices bring them: what run.sh and the pictures show."""
+"""MIB files and traps like those of real devices, for run.sh and the pictures."""
 
-import os
 import shutil
-import subprocess
 from pathlib import Path
 
 from harness.standard_names import FILE_NAME, make_standard_names
-from harness.traps import LOOPBACK
+from harness.traps import LINK_DOWN, LOOPBACK, run_snmp_tool
 
-# Of Debian's libsnmp-base.
+# From Debian's libsnmp-base.
 MIB_FOLDER = Path("/usr/share/snmp/mibs")
 MIB_FILES = [
     "NET-SNMP-AGENT-MIB.txt",
@@ -19,7 +17,6 @@ MIB_FILES = [
 ]
 
 UPTIME = "8640000"  # one day, in hundredths of a second
-LINK_DOWN = "1.3.6.1.6.3.1.1.5.3"
 IF_ENTRY = "1.3.6.1.2.1.2.2.1"
 UPS_MIB = "1.3.6.1.2.1.33"
 UCD_MIB = "1.3.6.1.4.1.2021"
@@ -29,7 +26,7 @@ EVENT_OBJECTS = "1.3.6.1.2.1.88.2.1"
 
 
 def add_samples(data):
-    """Puts the files and the standard names where the program reads them at its start. Returns their names."""
+    """Copies the files and the standard names into the mibs folder. Returns the file names."""
     data.mibs.mkdir(parents=True, exist_ok=True)
     for name in MIB_FILES:
         shutil.copy(MIB_FOLDER / name, data.mibs)
@@ -38,11 +35,8 @@ def add_samples(data):
 
 
 def _send(sender, *arguments):
-    """Runs snmptrap with this source address. Returns the exit code, which is not 0 for an inform without an answer."""
-    # Independent of the machine's settings and MIB files.
-    environment = dict(os.environ, SNMPCONFPATH="/nonexistent", MIBS="")
-    command = ["snmptrap", f"--clientaddr={sender}", "-cpublic", *arguments]
-    return subprocess.run(command, env=environment, capture_output=True, timeout=60, check=False).returncode
+    """Runs snmptrap with this source address. Returns the exit code, which is not 0 for an unanswered inform."""
+    return run_snmp_tool("snmptrap", f"--clientaddr={sender}", "-cpublic", *arguments).returncode
 
 
 def _send_v2c(sender, notification, *bindings):
@@ -62,8 +56,8 @@ def send_on_battery(sender):
 
 
 def send_disk_full(sender):
-    """A server's agent reports a full disk. The vendor's MIB file names the columns, but not the instances .1 of them
-    that the trap carries, so these two stay numbers."""
+    """A server's agent reports a full disk. The vendor's MIB file names only the columns, and the trap carries their
+    instances .1, so these two stay numbers."""
     trigger = [f"{EVENT_OBJECTS}.1.0", "s", "dskTable", f"{EVENT_OBJECTS}.4.0", "o", f"{DISK_ENTRY}.100.1"]
     value = [f"{EVENT_OBJECTS}.5.0", "i", "1"]
     disk = [f"{DISK_ENTRY}.2.1", "s", "/var", f"{DISK_ENTRY}.101.1", "s", "/var: less than 10% free (= 4%)"]
@@ -71,7 +65,7 @@ def send_disk_full(sender):
 
 
 def send_memory_report(sender):
-    """A version 1 trap of the vendor's own kind: enterprise-specific, number 1."""
+    """A version 1 trap: enterprise-specific, number 1."""
     memory = [f"{UCD_MIB}.4.5", "i", "8029184", f"{UCD_MIB}.4.6", "i", "1204"]
     assert _send(sender, "-v1", LOOPBACK, UCD_MIB, sender, "6", "1", UPTIME, *memory) == 0
 
@@ -83,5 +77,5 @@ def send_inform(sender):
 
 
 def missing_names(data, *names):
-    """Returns those of these names that no record shows."""
+    """Returns the names that no record shows."""
     return [name for name in names if f"({name})".encode() not in data.trap_octets()]

@@ -12,6 +12,6 @@ def make_standard_names(folder):
     """Writes the file into the folder. Returns its path."""
     packaging = ROOT / "packaging"
     file = folder / FILE_NAME
-    maker = [sys.executable, "-B", packaging / "make_names.py", packaging / "standard_names.txt", file]
-    subprocess.run(maker, check=True, timeout=60)
+    command = [sys.executable, "-B", packaging / "make_names.py", packaging / "standard_names.txt", file]
+    subprocess.run(command, check=True, timeout=60)
     return file

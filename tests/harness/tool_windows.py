@@ -1,5 +1,5 @@
-"""The design of the four tool windows: the desktop tests compare it with the screen, and all tests open the windows
-with it."""
+"""The layout of the four tool windows. The desktop tests compare it with the real windows, and all tests open the
+windows through it."""
 
 from dataclasses import dataclass
 
@@ -20,10 +20,9 @@ from harness.win32 import (
     WS_VSCROLL,
 )
 
-# Of the status window.
+# Control ids of the status window.
 IMPORT_BUTTON = 500
 DELETE_BUTTON = 501
-
 
 CHILD = WS_CHILD | WS_VISIBLE
 FIXED_FRAME = WS_CAPTION | WS_SYSMENU
@@ -39,7 +38,7 @@ class ToolWindow:
     title: str
     style: int
     size: tuple
-    # As describe_control gives them; None where the text depends on the program's state.
+    # As describe_control returns them; the text is None if it depends on the program's state.
     controls: tuple
     timer: int = 0
     period: int = 0

@@ -20,36 +20,36 @@ ENTERPRISE = "1.3.6.1.4.1.8072.2.3"
 V2C_HEAD = [f"---> [1] {SYS_UPTIME}  TimeTicks = {UPTIME}", f"---> [2] {SNMP_TRAP_OID}  OID = {LINK_DOWN}"]
 
 
-def _run(*command):
+def run_snmp_tool(*command):
     # Independent of the machine's settings and MIB files.
     environment = dict(os.environ, SNMPCONFPATH="/nonexistent", MIBS="")
     return subprocess.run(command, env=environment, capture_output=True, text=True, timeout=60, check=False)
 
 
 def send_v1(*bindings):
-    """bindings: oid, type letter, value, oid, ... A linkDown with agent address 10.9.8.7."""
-    result = _run(
+    """Sends a linkDown with agent address 10.9.8.7. bindings: oid, type letter, value, oid, ..."""
+    result = run_snmp_tool(
         "snmptrap", "-v1", "-cpublic", LOOPBACK, ENTERPRISE, "10.9.8.7", "2", "0", UPTIME, *bindings
     )
     assert result.returncode == 0, result.stderr
 
 
 def send_v2c(*bindings):
-    result = _run("snmptrap", "-v2c", "-cpublic", LOOPBACK, UPTIME, LINK_DOWN, *bindings)
+    result = run_snmp_tool("snmptrap", "-v2c", "-cpublic", LOOPBACK, UPTIME, LINK_DOWN, *bindings)
     assert result.returncode == 0, result.stderr
 
 
 def send_inform(*bindings):
     """Sends an inform once. Returns whether it was answered within half a second."""
-    result = _run(
+    result = run_snmp_tool(
         "snmptrap", "-Ci", "-v2c", "-cpublic", "-r0", "-t0.5", LOOPBACK, UPTIME, LINK_DOWN, *bindings
     )
     return result.returncode == 0
 
 
-def request_from_listener():
+def send_get_request():
     """Sends a get request to port 161. Returns whether it was answered within half a second."""
-    result = _run("snmpget", "-v2c", "-cpublic", "-r0", "-t0.5", LOOPBACK, SYS_UPTIME)
+    result = run_snmp_tool("snmpget", "-v2c", "-cpublic", "-r0", "-t0.5", LOOPBACK, SYS_UPTIME)
     return result.returncode == 0
 
 
@@ -62,8 +62,8 @@ def udp_socket(port=0):
 
 
 def occupy_port(port):
-    """Binds the port on all addresses, so that the program cannot. Waits, since Wine frees the port of a program a
-    moment after its end."""
+    """Binds the port on all addresses, so that the program cannot. Retries, since Wine frees a program's port a moment
+    after the program has ended."""
     udp = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
 
     def is_bound():
@@ -94,12 +94,12 @@ def tlv(tag, content):
 
 
 def integer_binding(value):
-    """The identifier 1.3.6.1.4.1.9.1 with a small non-negative INTEGER of four octets."""
+    """A binding of 1.3.6.1.4.1.9.1 with a non-negative INTEGER of four octets."""
     return tlv(0x30, tlv(0x06, bytes([0x2B, 6, 1, 4, 1, 9, 1])) + tlv(0x02, value.to_bytes(4, "big")))
 
 
 def integer_line(value, number=1):
-    """The line of a record for integer_binding."""
+    """The record's line for integer_binding(value)."""
     return f"---> [{number}] 1.3.6.1.4.1.9.1  INTEGER = {value}"
 
 

@@ -11,12 +11,12 @@ each_viewer = pytest.mark.parametrize("viewer", VIEWERS, ids=lambda viewer: view
 
 
 def as_read_at_opening(octets):
-    """One character for each octet; a line feed loses the carriage return before it; 0x1A ends the text."""
+    """One character per octet; CR LF becomes LF; 0x1A ends the text."""
     return octets.split(b"\x1a")[0].replace(b"\r\n", b"\n").decode("latin-1")
 
 
 def as_read_later(octets):
-    """UTF-8 where that is valid, else the ANSI code page (1252 here, its holes as themselves); line ends stay."""
+    """UTF-8 if valid, else code page 1252, whose undefined octets map to themselves. CR LF stays."""
     try:
         return octets.decode("utf-8")
     except UnicodeDecodeError:
@@ -28,7 +28,7 @@ def file_of(data, viewer):
 
 
 def view_of(window):
-    return window.only("Edit")
+    return window.child("Edit")
 
 
 def wait_for_view(view, text):
@@ -45,10 +45,10 @@ def append(path, octets):
 
 
 def check_view_follows(view, text):
-    """The view shows the numbered records of the text in order, and all of them; some may show twice.
+    """Checks that the view shows all numbered records of the text in order. Some may be repeated.
 
     Intentional: the program reads the size before the file, so records written in between are read again at the next
-    poll. The view then repeats some records.
+    poll.
     """
     records = {
         int(re.search(r"INTEGER = (\d+)", part)[1]): part
@@ -58,11 +58,9 @@ def check_view_follows(view, text):
     shown = [int(number) for number in re.findall(r"INTEGER = (\d+)", view)]
     assert "".join(records[number] for number in shown) == view
     order = list(records)
-    places = [order.index(number) for number in shown]
-    assert places[0] == 0
-    assert all(after <= before + 1 for before, after in zip(places, places[1:]))
-    assert sorted(set(places)) == list(range(len(order)))
+    positions = [order.index(number) for number in shown]
+    assert positions[0] == 0
+    assert all(after <= before + 1 for before, after in zip(positions, positions[1:]))
+    assert sorted(set(positions)) == list(range(len(order)))
     if len(shown) > len(order):
-        print(
-            f"{len(shown) - len(order)} records arrived between the size and the reading and are shown twice."
-        )
+        print(f"{len(shown) - len(order)} records were written between the size query and the read: shown twice.")

@@ -3,12 +3,13 @@
 import time
 
 POLL_SECONDS = 0.01
-# Far more than needed, so that a busy machine fails no test.
+# Far more than needed, so that no test fails on a busy machine.
 DEFAULT_SECONDS = 60
 
 
 def wait_until(condition, what, seconds=DEFAULT_SECONDS):
-    """The first true value of condition(); fails with `what` (a text, or a function giving one) after `seconds`."""
+    """Returns the first true value of condition(). Fails with `what` (a text, or a function that returns one) after
+    `seconds`."""
     deadline = time.monotonic() + seconds
     while True:
         value = condition()
@@ -20,7 +21,7 @@ def wait_until(condition, what, seconds=DEFAULT_SECONDS):
 
 
 def stays_true(condition, seconds):
-    """Whether condition() was true at each poll for `seconds`: for events that must not happen."""
+    """Whether condition() was true at every poll for `seconds`. For events that must not happen."""
     deadline = time.monotonic() + seconds
     while time.monotonic() < deadline:
         if not condition():

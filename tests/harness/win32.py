@@ -1,4 +1,4 @@
-"""Constants of Windows, under the names of its headers."""
+"""Windows constants, most with the names from its headers."""
 
 WM_CLOSE = 0x0010
 WM_SETICON = 0x0080
@@ -59,7 +59,7 @@ ES_AUTOVSCROLL = 0x0040
 ES_AUTOHSCROLL = 0x0080
 ES_READONLY = 0x0800
 
-# The system adds these.
+# Styles that the system adds.
 SYSTEM_STYLES = 0x04000000  # WS_CLIPSIBLINGS
 SYSTEM_EXSTYLES = 0x00000104  # WS_EX_WINDOWEDGE, WS_EX_NOPARENTNOTIFY
 

@@ -1,4 +1,4 @@
-"""A window of the program under test, through the driver."""
+"""A window of the program under test, accessed through the driver."""
 
 from types import SimpleNamespace
 
@@ -75,7 +75,7 @@ class Window:
         return [Window(self.driver, facts.handle) for facts in self.children()]
 
     def _child_where(self, what, condition):
-        """The index, in the order of creation, and the window of the first direct child that fulfils the condition."""
+        """The first direct child that meets the condition: its index, in the order of creation, and its window."""
         for index, facts in enumerate(self.children()):
             if condition(facts):
                 return index, Window(self.driver, facts.handle)
@@ -90,16 +90,13 @@ class Window:
         index, _ = self._child_where(caption, lambda facts: facts.text == caption)
         return self.controls()[index + 1]
 
-    def only(self, class_name):
+    def child(self, class_name):
         """The first direct child of this class."""
         return self._child_where(class_name, lambda facts: facts.__dict__["class"] == class_name)[1]
 
     def control(self, number):
         """The direct child with this control id."""
-        for facts in self.children():
-            if facts.id == number:
-                return Window(self.driver, facts.handle)
-        raise AssertionError(f"no control {number} in {self.facts.text!r}")
+        return self._child_where(f"control {number}", lambda facts: facts.id == number)[1]
 
     def list_items(self):
         return self.driver("list_items", self.handle)
@@ -123,7 +120,7 @@ class Window:
     def wait_text(self, text):
         wait_until(lambda: self.text == text, lambda: f"text {text!r}, last seen {self.text!r}")
 
-    # Needs the spy (Program.attach_spy).
+    # The rest needs the spy (Program.attach_spy).
 
     @property
     def font(self):
@@ -153,7 +150,7 @@ class Window:
 
 
 def describe_control(facts):
-    """The control in the form of the tables of tool_windows.py."""
+    """The control as a row of the tables in tool_windows.py."""
     return (
         facts.__dict__["class"],
         facts.text,
