@@ -1,4 +1,4 @@
-"""The examples of the user guide, tried with the program: traps, records, scripts, names."""
+"""The examples of the user guide, run against the program: traps, records, scripts, names."""
 
 import re
 import shlex
@@ -7,7 +7,7 @@ import sys
 
 import pytest
 
-from harness.data_folder import mask_stamps
+from harness.data_folder import LINE_END, mask_stamps
 from harness.guide import block_with, blocks, powershell_checks, prose
 from harness.places import ROOT
 from harness.standard_names import make_standard_names
@@ -15,7 +15,6 @@ from harness.tool_windows import FORWARDING, MONITOR
 from harness.traps import send_raw, send_v1, send_v2c
 from harness.win32 import EM_SETSEL, VK_F4, VK_SPACE, WM_CHAR, WM_KEYDOWN, WM_KEYUP, WM_PASTE, WM_SYSKEYDOWN
 
-LINE_END = b"\r\r\n"
 STAMP = "2026-03-07 09:05:02.047"
 LINK_DOWN = [
     *("1.3.6.1.2.1.2.2.1.1.3", "i", "3"),
@@ -27,7 +26,7 @@ ALT_PRESSED = 1 << 29
 
 
 def on_disk(block):
-    """A record of the guide as octets in a file, its stamp masked."""
+    """A record shown in the guide, as octets on disk, with its stamp masked."""
     return mask_stamps(b"".join(line.encode("latin-1") + LINE_END for line in block.splitlines()))
 
 
@@ -48,14 +47,14 @@ def octets_of_the_test_trap():
     return bytes.fromhex(re.search(r"@'\n([0-9A-F\s]+)'@ \| ForEach-Object \{ \[Convert\]::ToByte", lines)[1])
 
 
-def test_the_lines_for_powershell_send_a_trap_that_gives_the_record_shown(program, data):
+def test_the_trap_sent_from_powershell_gives_the_record_shown(program, data):
     data.wait_for_start()
     send_raw(octets_of_the_test_trap())
     data.wait_for_traps(1)
     assert data.masked_traps() == on_disk(block_with("text", "  TimeTicks = 100\n"))
 
 
-def test_the_line_with_snmptrap_sends_a_trap(program, data):
+def test_the_snmptrap_command_sends_a_trap(program, data):
     data.wait_for_start()
     line = re.search(r"`(snmptrap [^`]+)`", prose())[1].replace("192.0.2.10", "127.0.0.1")
     subprocess.run(shlex.split(line), capture_output=True, timeout=60, check=True)
@@ -63,7 +62,7 @@ def test_the_line_with_snmptrap_sends_a_trap(program, data):
     assert b"] 1.3.6.1.6.3.1.1.4.1.0  OID = 1.3.6.1.6.3.1.1.5.1" + LINE_END in data.trap_octets()
 
 
-def test_with_the_names_imported_the_same_trap_has_the_name_shown(named, data):
+def test_with_the_standard_names_the_same_trap_has_the_name_shown(named, data):
     send_raw(octets_of_the_test_trap())
     data.wait_for_traps(1)
     shown = re.search(r"the last line above has `([^`]+)`", prose())[1]
@@ -81,7 +80,6 @@ def test_a_link_down_gives_the_record_shown(named, data):
 def recorded(named, data):
     """A trap file with traps of both versions, one that cannot be decoded, and misleading texts. The last record but
     one is cut, as after a full disk or a kill."""
-    del named
     send_v1(*LINK_DOWN)
     send_v2c(*LINK_DOWN, "1.3.6.1.4.1.9.1", "s", "2026-01-01 00:00:00.000       FROM: 192.0.2.1")
     send_raw(b"not a message")
@@ -98,7 +96,7 @@ def recorded(named, data):
 EXPECTED = [f"{STAMP} 127.0.0.1 1.3.6.1.6.3.1.1.5.{trap}" for trap in (3, 3, 1)]
 
 
-def with_the_stamp_shown(lines):
+def with_example_stamp(lines):
     return [re.sub(r"^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} ", f"{STAMP} ", line) for line in lines]
 
 
@@ -106,33 +104,33 @@ def test_the_python_script_reads_the_file(recorded, tmp_path):
     script = tmp_path / "traps.py"
     script.write_text(block_with("python", "BINDING"))
     result = subprocess.run([sys.executable, script, recorded], capture_output=True, text=True, timeout=60, check=True)
-    assert with_the_stamp_shown(result.stdout.splitlines()) == EXPECTED
+    assert with_example_stamp(result.stdout.splitlines()) == EXPECTED
 
 
 def test_the_awk_script_reads_the_file(recorded, tmp_path):
     script = tmp_path / "traps.awk"
     script.write_text(blocks("awk")[0])
     result = subprocess.run(["awk", "-f", script, recorded], capture_output=True, text=True, timeout=60, check=True)
-    assert with_the_stamp_shown(result.stdout.splitlines()) == EXPECTED
+    assert with_example_stamp(result.stdout.splitlines()) == EXPECTED
 
 
-def test_the_page_shows_what_the_scripts_print():
+def test_the_guide_shows_what_the_scripts_print():
     assert EXPECTED[0].replace("127.0.0.1", "10.1.2.3") + "\n" == block_with("text", f"{STAMP} 10.1.2.3 1.3")
 
 
-def test_simple_readers_return_an_empty_line_after_each(program, data):
+def test_in_text_mode_an_empty_line_follows_each_line(program, data):
     data.wait_for_start()
     send_raw(octets_of_the_test_trap())
     data.wait_for_traps(1)
     with open(data.traps, encoding="latin-1") as file:
-        assert [line for line in file.readlines()[1::2] if line != "\n"] == []
+        assert set(file.readlines()[1::2]) == {"\n"}
 
 
 def test_the_guide_marks_these_powershell_blocks_for_the_check_kit():
     assert sorted(powershell_checks()) == ["keep-days", "read-records", "send-a-trap"]
 
 
-def test_the_space_bar_presses_the_button_that_was_clicked_last(program):
+def test_the_space_bar_presses_the_last_clicked_button(program):
     program.stop()
     program.start_button.post(WM_KEYDOWN, VK_SPACE)
     program.start_button.post(WM_KEYUP, VK_SPACE)
@@ -147,7 +145,7 @@ def test_alt_f4_closes_the_active_window(program):
     assert program.wait_for_exit() == 0
 
 
-def test_selected_text_of_a_view_is_copied_with_ctrl_c(program, data):
+def test_ctrl_c_copies_the_selected_text_of_a_view(program, data):
     data.wait_for_start()
     send_raw(octets_of_the_test_trap())
     data.wait_for_traps(1)
@@ -161,7 +159,7 @@ def test_selected_text_of_a_view_is_copied_with_ctrl_c(program, data):
     assert address.text.encode() == data.trap_octets()[: len(STAMP)]
 
 
-def test_the_guides_example_of_own_names_works(data, start):
+def test_the_example_of_own_names_works(data, start):
     data.mibs.mkdir(parents=True)
     make_standard_names(data.mibs)
     data.add_mib("my-names.mib", block_with("text", "mtrapargsString-0"))
@@ -176,8 +174,8 @@ def test_the_guides_example_of_own_names_works(data, start):
     assert shown == [(oid.encode(), name.encode()) for oid, name in names.items()]
 
 
-def test_the_guide_names_every_document_of_the_table():
+def test_the_guide_lists_every_document_of_the_standard_names():
     table = (ROOT / "packaging" / "standard_names.txt").read_text(encoding="utf-8")
     documents = re.findall(r"^## (?:.* and )?(\S+) \(", table, re.M)
-    said = re.search(r"names the instances of (.*?) that their traps carry", prose())[1]
-    assert re.split(r", | and ", said) == documents
+    listed = re.search(r"names the instances of (.*?) that their traps carry", prose())[1]
+    assert re.split(r", | and ", listed) == documents

@@ -1,5 +1,5 @@
-"""Resources of the program before and after many repetitions of one action: kernel handles, GDI objects, windows,
-descriptors, threads and memory. QUILLMONT_LONG=1 in the environment makes it more repetitions.
+"""The program's resources before and after many repetitions of one action: kernel handles, GDI objects, windows,
+descriptors, threads and memory. With QUILLMONT_LONG=1 in the environment there are more repetitions.
 """
 
 import os
@@ -18,9 +18,9 @@ LONG = os.environ.get("QUILLMONT_LONG") == "1"
 MIB_SAMPLES = Path("/usr/share/snmp/mibs")
 
 # A cache stops growing, a leak does not. Wine caches device contexts: up to 50 GDI objects in the first hundred
-# openings of a window, none in the next seven hundred. So one batch of so many must show no growth.
+# openings of a window, none in the next seven hundred. So at least one of this many batches must show no growth.
 BATCHES = 6
-# Wine's worker threads own a handle or two. One leaked object in each round would be more than this.
+# Wine's worker threads own a handle or two. One leaked object per repetition would exceed this.
 FEW = 4
 # The allocator caches memory; its size varies by this much without a leak.
 MEMORY_SLACK_KILOBYTES = 8192
@@ -46,7 +46,7 @@ class Observer:
         self._program = program
         self._process = find_wine_process("Quillmont.exe")
 
-    def look(self):
+    def resources(self):
         self._program.settle()
         main = self._program.main
         windows = sum(
@@ -70,17 +70,17 @@ def observer(program, data):
 
 def measure(observer, what, count, once):
     """Runs once() `count` times. Returns the resources before and after."""
-    before = observer.look()
+    before = observer.resources()
     for _ in range(count):
         once()
-    after = observer.look()
+    after = observer.resources()
     print(f"\n{count} x {what}")
     for field, old, new in zip(fields(Resources), astuple(before), astuple(after)):
         print(f"  {field.name:<17}{old:>8} before {new:>8} after")
     return before, after
 
 
-def is_quiet(before, after):
+def shows_no_growth(before, after):
     return (
         after.handles <= before.handles + FEW
         and after.gdi_objects <= before.gdi_objects + FEW
@@ -96,9 +96,9 @@ def expect_no_leak(observer, what, count, once):
     for _ in range(BATCHES):
         before, after = measure(observer, what, count, once)
         assert before.handles > 0 and before.gdi_objects > 0 and before.threads >= 3
-        if is_quiet(before, after):
+        if shows_no_growth(before, after):
             return
-    pytest.fail(f"{count} x {what} leak in each batch")
+    pytest.fail(f"{count} x {what}: growth in every batch")
 
 
 def test_stopping_and_starting_leaks_nothing(observer, program):
@@ -122,20 +122,20 @@ def test_opening_and_closing_a_window_leaks_nothing(observer, program, tool):
 def test_traffic_on_both_ports_leaks_nothing(observer, program, data):
     for tool in (MONITOR, LOG, STATUS):
         tool.open(program)
-    portion = 50
+    burst = 50
     sent = 0
 
     def cycle():
         nonlocal sent
         with udp_socket() as udp:
-            for _ in range(portion):
+            for _ in range(burst):
                 udp.sendto(message(integer_binding(sent)), (LOOPBACK, TRAP_PORT))
                 udp.sendto(b"", (LOOPBACK, LISTENER_PORT))
-        sent += portion
+        sent += burst
         data.wait_for_traps(sent)
         data.wait_for_log("Datagram on UDP 161 from 127.0.0.1.", sent)
 
-    expect_no_leak(observer, f"{portion} datagrams on each port, windows open", rounds(10, 100), cycle)
+    expect_no_leak(observer, f"{burst} datagrams on each port, windows open", rounds(10, 100), cycle)
 
 
 def test_repainting_leaks_nothing(observer, program):
@@ -143,7 +143,7 @@ def test_repainting_leaks_nothing(observer, program):
 
 
 def test_reloading_the_mib_files_leaks_nothing(observer, program, data):
-    # A first file that cannot be removed stops each deletion at once; the reload that follows reads the others.
+    # The first file is locked, so each deletion fails at once; the reload then reads all other files.
     data.add_mib("A.mib", mib("first", 9999))
     for name in ("NET-SNMP-MIB.txt", "UCD-SNMP-MIB.txt"):
         shutil.copy(MIB_SAMPLES / name, data.mibs)

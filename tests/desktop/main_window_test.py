@@ -1,4 +1,4 @@
-"""The main window: its frame, its buttons, its indicator, and what the first button does."""
+"""The main window: its frame, its buttons, its indicator, and what the start button does."""
 
 from harness.data_folder import config
 from harness.program import MAIN_CLASS, START_LINES, STOP_LINES, TITLE
@@ -52,13 +52,13 @@ def test_the_frame_has_its_title_its_size_and_no_maximize_box(program):
     left, top, right, bottom = facts.rect
     assert (right - left, bottom - top) == (694, 90)
     assert facts.__dict__["class"] == MAIN_CLASS
-    assert facts.style & ~(SYSTEM_STYLES | WS_VISIBLE) == 0x00CA0000
+    assert facts.style & ~(SYSTEM_STYLES | WS_VISIBLE) == 0x00CA0000  # WS_CAPTION | WS_SYSMENU | WS_MINIMIZEBOX
     assert facts.exstyle & ~SYSTEM_EXSTYLES == 0
     assert facts.owner == 0
     assert not facts.menu
 
 
-def test_the_system_chooses_its_place(data, start):
+def test_the_system_chooses_its_position(data, start):
     left, top, _, _ = start(place=(123, 77)).main.facts.rect
     assert (left, top) == (123, 77)
 
@@ -95,7 +95,7 @@ def test_the_indicator_is_a_disc_with_a_black_outline_on_white(program):
     assert program.main.pixels(*OUTSIDE_POINTS) == [WHITE] * len(OUTSIDE_POINTS)
 
 
-def test_the_first_button_stops_and_restarts_the_receiver(program, data):
+def test_the_start_button_stops_and_restarts_the_receiver(program, data):
     data.wait_for_start()
     before = len(data.log_messages())
     program.stop()
@@ -110,7 +110,7 @@ def test_the_first_button_stops_and_restarts_the_receiver(program, data):
     assert sorted(data.log_messages()[before + len(stopping) :]) == START_LINES
 
 
-def test_a_real_mouse_click_on_the_first_button_stops_the_receiver(program):
+def test_a_real_mouse_click_on_the_start_button_stops_the_receiver(program):
     program.driver("mouse_click", program.main.handle, 44 + 70, 10 + 16)
     program.wait_stopped()
     wait_for_disc(program, RED)
@@ -141,7 +141,7 @@ def test_only_the_low_16_bits_of_a_command_count(program, data):
     program.wait_stopped()
 
 
-def test_each_message_that_the_window_handles_is_answered_with_0(program):
+def test_handled_messages_return_0(program):
     assert program.main.send(WM_COMMAND, 101) == 0
     assert program.main.send(WM_CLOSE) == 0
     assert program.wait_for_exit() == 0
@@ -157,7 +157,7 @@ def test_an_unknown_command_does_nothing(program, data):
     assert len([facts for facts in program.windows() if facts["visible"]]) == windows
 
 
-def test_a_start_with_port_162_in_use_stays_red_and_logs_why(data, start):
+def test_a_start_with_port_162_in_use_fails_and_logs_why(data, start):
     with occupy_port(TRAP_PORT):
         program = start()
         data.wait_for_log("Bind failed on UDP 162 (Traps). Run as admin or free the port.")
@@ -168,13 +168,13 @@ def test_a_start_with_port_162_in_use_stays_red_and_logs_why(data, start):
             "Starting server...",
             "Bind failed on UDP 162 (Traps). Run as admin or free the port.",
         ]
-        # The failed start has closed the other port.
+        # The failed start leaves the other port free.
         occupy_port(LISTENER_PORT).close()
     program.start()
     wait_for_disc(program, GREEN)
 
 
-def test_a_start_with_port_161_in_use_warns_and_runs(data, start):
+def test_a_start_with_port_161_in_use_logs_a_warning_and_runs(data, start):
     with occupy_port(LISTENER_PORT):
         program = start().wait_running()
         data.wait_for_log("Trap thread started (UDP 162).")

@@ -1,4 +1,4 @@
-"""Deleting the MIB files: the question, its answers, and the files that are left."""
+"""Deleting the MIB files: the question, its answers, and the files that remain."""
 
 from harness.mib_dialogs import (
     MAPPINGS,
@@ -10,7 +10,6 @@ from harness.mib_dialogs import (
     mib,
     new_messages,
 )
-from harness.program import STATUS_BUTTON
 from harness.tool_windows import STATUS
 from harness.traps import integer_binding, message, send_raw
 from harness.waiting import wait_until
@@ -46,7 +45,7 @@ def test_the_question_has_its_exact_text_two_buttons_and_the_status_window_as_ow
 def test_the_question_warns_and_asks_yes_or_no_with_yes_as_its_default(program, status):
     program.attach_spy()
     question = ask_to_delete(program, status)
-    assert program.calls("MessageBoxW") == [f"MessageBoxW {0x04 | 0x30}"]
+    assert program.calls("MessageBoxW") == [f"MessageBoxW {0x04 | 0x30}"]  # MB_YESNO | MB_ICONWARNING
     question.control(ID_NO).click()
     question.wait_closed()
 
@@ -83,14 +82,14 @@ def test_deleting_from_an_empty_folder_is_logged_too(program, data, status):
     assert new_messages(data, before) == ["All MIB files deleted.", MAPPINGS + "0"]
 
 
-def test_a_missing_folder_is_a_failed_deletion(program, data, status):
+def test_without_the_mibs_folder_the_deletion_fails(program, data, status):
     data.mibs.rmdir()
     before = len(data.log_messages())
     delete_all(program, status)
     assert new_messages(data, before) == ["Delete MIBs failed.", MAPPINGS + "0"]
 
 
-def test_a_file_that_cannot_be_removed_stops_the_deletion_there(program, data, status, driver):
+def test_the_deletion_stops_at_a_file_that_cannot_be_removed(program, data, status, driver):
     for number, name in enumerate(("a.mib", "b.mib", "c.mib")):
         data.add_mib(name, mib(name[0], 9990 + number))
     driver("lock_file", data.windows_path(data.mibs / "b.mib"))
@@ -127,7 +126,5 @@ def test_the_program_works_after_the_status_window_is_closed_during_the_question
     ask_to_delete(program, status)
     status.close()
     status.wait_closed()
-    program.main.control(STATUS_BUTTON).click()
-    again = program.wait_for_window(STATUS.class_name)
-    assert listed(again) == ["one.mib"]
+    assert listed(STATUS.open(program)) == ["one.mib"]
     assert program.close() == 0

@@ -33,13 +33,13 @@ def test_the_dialog_does_not_change_the_current_folder(program, status, samples,
     assert before != samples.windows_folder
 
 
-def test_the_dialog_is_opened_with_exactly_this_record(program, status):
+def test_the_dialog_is_opened_with_exactly_these_parameters(program, status):
     program.attach_spy()
     FileDialog(program, status).cancel()
-    flags = 0x00080000 | 0x00000200 | 0x00001000  # explorer, several files, the file must exist
+    flags = 0x00080000 | 0x00000200 | 0x00001000  # OFN_EXPLORER | OFN_ALLOWMULTISELECT | OFN_FILEMUSTEXIST
     filters = "MIB files (*.mib;*.txt)|*.mib;*.txt;*.my|All files|*.*|"
     assert program.calls("GetOpenFileNameW") == [
-        f"GetOpenFileNameW filter={filters} index=1 capacity=8192 flags={flags} more=0 size=1"
+        f"GetOpenFileNameW filter={filters} index=1 capacity=8192 flags={flags} flagsEx=0 sizeIsRight=1"
         " file= folder=none extension=none"
     ]
 
@@ -100,7 +100,7 @@ def test_a_missing_file_cannot_be_chosen(program, data, status, samples):
     assert data.log_octets() == before
 
 
-def test_a_selection_beyond_the_buffer_crashes_nothing(program, data, status, samples):
+def test_a_selection_larger_than_the_buffer_does_not_crash(program, data, status, samples):
     names = [f"{number:03}-{'x' * 90}.mib" for number in range(100)]
     for name in names:
         samples.add(name, b"")
@@ -109,7 +109,7 @@ def test_a_selection_beyond_the_buffer_crashes_nothing(program, data, status, sa
     program.settle()
     # Windows refuses such a selection; Wine ignores the size of the buffer and reports success.
     imported = len(list(data.mibs.iterdir()))
-    print(f"{imported} of {len(names)} files were imported: Windows would import none")
+    print(f"{imported} of {len(names)} files were imported; Windows would import none")
     assert imported in (0, len(names))
     assert program.close() == 0
 

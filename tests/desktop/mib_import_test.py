@@ -43,7 +43,7 @@ def test_the_status_window_shows_an_import_and_a_deletion_at_once(program, statu
     assert (listed(status), counts(status)) == ([], "Loaded MIB files: 0  |  OID mappings: 0")
 
 
-def test_several_files_are_copied_in_one_go(program, data, status, samples):
+def test_several_files_are_imported_at_once(program, data, status, samples):
     before = len(data.log_messages())
     for number, name in enumerate(("a.mib", "b.txt", "c.my")):
         samples.add(name, mib(name[0], 9990 + number))
@@ -71,7 +71,7 @@ def test_a_my_file_is_imported_through_the_first_filter(program, data, status, s
     assert new_messages(data, before) == ["MIB imported: vendor.my", MAPPINGS + "1"]
 
 
-def test_a_file_of_another_type_is_copied_through_all_files_and_not_loaded(program, data, status, samples):
+def test_a_file_of_another_type_is_copied_through_the_all_files_filter_but_not_loaded(program, data, status, samples):
     before = len(data.log_messages())
     dialog = FileDialog(program, status)
     dialog.filter.send(CB_SETCURSEL, 1)
@@ -85,7 +85,7 @@ def test_a_file_of_another_type_is_copied_through_all_files_and_not_loaded(progr
     assert listed(status) == []
 
 
-def test_a_protected_file_is_imported_as_an_ordinary_one_over_a_protected_one(
+def test_a_protected_file_replaces_a_protected_one_and_the_copy_is_not_protected(
     program, data, status, samples, driver
 ):
     path = samples.add("one.mib", mib("one", 9991))
@@ -125,7 +125,7 @@ def test_one_file_that_cannot_be_read_is_logged_as_failed(program, data, status,
     assert list(data.mibs.iterdir()) == []
 
 
-def test_a_file_of_the_mibs_folder_cannot_be_imported_and_stays(program, data, status):
+def test_importing_a_file_of_the_mibs_folder_fails_and_leaves_it_unchanged(program, data, status):
     data.add_mib("one.mib", mib("one", 9991))
     before = len(data.log_messages())
     import_files(program, status, data.windows_path(data.mibs / "one.mib"))
@@ -140,7 +140,7 @@ def test_a_folder_with_the_name_of_the_file_makes_the_import_fail(program, data,
     assert new_messages(data, before) == ["MIB import failed.", MAPPINGS + "0"]
 
 
-def test_without_the_folder_imports_fail_until_the_next_start(program, data, status, start, samples):
+def test_without_the_mibs_folder_imports_fail_until_the_next_start(program, data, status, start, samples):
     data.mibs.rmdir()
     before = len(data.log_messages())
     path = samples.add("one.mib", mib("one", 9991))

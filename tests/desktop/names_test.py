@@ -1,5 +1,5 @@
-"""standard-names.mib, imported as an operator does it. The identifiers here come from the documents and not from the
-table that the file is made of, so that a wrong row is found."""
+"""standard-names.mib, imported as an operator does it. The identifiers here come from the MIB documents, not from the
+table that the file is made from, so that a wrong row is found."""
 
 from harness.data_folder import record
 from harness.mib_dialogs import import_files

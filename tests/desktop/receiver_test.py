@@ -10,10 +10,10 @@ from harness.traps import (
     LOOPBACK,
     TRAP_PORT,
     V2C_HEAD,
-    occupy_port,
     integer_binding,
     integer_line,
     message,
+    occupy_port,
     send_get_request,
     send_inform,
     send_raw,
@@ -41,7 +41,7 @@ def test_a_version_2c_trap_becomes_a_record_byte_for_byte(program, data):
     assert data.log_messages()[-1] == "Trap received (127.0.0.1)."
 
 
-def test_a_version_1_trap_shows_its_bindings_and_nothing_of_its_header(program, data):
+def test_a_version_1_trap_shows_its_bindings_but_not_its_header(program, data):
     send_v1("1.3.6.1.2.1.2.2.1.1.7", "i", "-7")
     data.wait_for_traps(1)
     assert data.masked_traps() == record("---> [1] 1.3.6.1.2.1.2.2.1.1.7  INTEGER = -7")
@@ -76,7 +76,7 @@ def test_every_value_type_of_snmptrap_has_its_label(program, data):
     )
 
 
-def test_a_name_from_the_mibs_folder_follows_exactly_its_identifier(data, start):
+def test_a_mib_name_is_shown_for_exactly_its_identifier(data, start):
     data.add_mib("tiny.mib", TINY_MIB)
     start().wait_running()
     send_v2c("1.3.6.1.4.1.9999.1", "i", "1", "1.3.6.1.4.1.9999.1.0", "i", "2")
@@ -90,10 +90,10 @@ def test_a_name_from_the_mibs_folder_follows_exactly_its_identifier(data, start)
 
 @pytest.mark.parametrize(
     "octets",
-    [b"", b"\x30", b"\x31\x00", b"no message at all", message()],
+    [b"", b"\x30", b"\x31\x00", b"not a message", message()],
     ids=["zero_length", "one_octet", "wrong_outer_tag", "words", "empty_binding_list"],
 )
-def test_what_cannot_be_decoded_is_recorded_as_not_decoded(program, data, octets):
+def test_an_undecodable_datagram_is_recorded_as_not_decoded(program, data, octets):
     send_raw(octets)
     data.wait_for_traps(1)
     assert data.masked_traps() == record(NOT_DECODED)
@@ -135,10 +135,10 @@ def test_files_can_be_deleted_while_the_receiver_runs(program, data):
     assert data.log_messages() == ["Trap received (127.0.0.1)."]
 
 
-def test_a_loaded_target_receives_each_datagram_unchanged(data, start):
+def test_the_target_in_the_settings_file_receives_each_datagram_unchanged(data, start):
     with udp_socket() as target:
         data.write_config(config(1, LOOPBACK, target.getsockname()[1]))
         start().wait_running()
-        for octets in (b"", b"\x00\xff no message", message(integer_binding(1)), b"z" * 65507):
+        for octets in (b"", b"\x00\xff not a message", message(integer_binding(1)), b"z" * 65507):
             send_raw(octets)
             assert target.recv(65535) == octets

@@ -1,4 +1,4 @@
-"""Start and exit: the data folder, the settings file, the first lines of the log, the header of the shipped file."""
+"""Start and exit: the data folder, the settings file, the first log lines, and the header of the executable."""
 
 import shutil
 import struct
@@ -14,7 +14,7 @@ NO_CONFIG = "No config.xml found (or empty). Using defaults."
 NO_MIBS = "MIBs loaded. OID mappings: 0"
 
 
-def test_a_first_start_makes_the_folders_and_empty_files_but_no_config(program, data):
+def test_a_first_start_creates_the_folders_and_empty_files_but_no_config(program, data):
     assert data.folder.is_dir()
     assert data.mibs.is_dir()
     assert list(data.mibs.iterdir()) == []
@@ -43,7 +43,6 @@ def long_path(length):
     "path", ["C:\\Gr\u00fc\u00dfe \u0416\u4e2d", *map(long_path, (200, 240, 246))], ids=lambda path: str(len(path))
 )
 def test_a_data_path_beyond_ascii_or_of_nearly_260_characters_is_used_unchanged(data, start, path):
-    del data
     parent = unix_path(path)
     parent.mkdir(parents=True)
     with local_application_data(path):
@@ -59,12 +58,11 @@ def test_a_data_path_beyond_ascii_or_of_nearly_260_characters_is_used_unchanged(
 
 
 def test_a_data_path_beyond_260_characters_does_not_stop_the_program(data, start):
-    del data
     with local_application_data("C:\\" + "x" * 300):
         assert start().wait_running().close() == 0
 
 
-def test_a_data_folder_that_cannot_be_made_does_not_stop_the_program(data, start):
+def test_a_data_folder_that_cannot_be_created_does_not_stop_the_program(data, start):
     data.folder.parent.mkdir(parents=True, exist_ok=True)
     data.folder.write_bytes(b"a file in the way")
     program = start().wait_running()
@@ -96,34 +94,35 @@ HIGH_ENTROPY_VA = 0x0020
 DYNAMIC_BASE = 0x0040
 NX_COMPAT = 0x0100
 TERMINAL_SERVER_AWARE = 0x8000
-BASE_RELOCATIONS = 5  # of the header's directories
+BASE_RELOCATIONS = 5  # index of a data directory
 
 
 class Header:
-    """The header of the shipped file, as the loader reads it."""
+    """The header of the executable, as the loader reads it."""
 
     def __init__(self):
         octets = program_file().read_bytes()
         (start,) = struct.unpack_from("<I", octets, 0x3C)
         assert octets[start : start + 4] == b"PE\0\0"
         optional = start + 24
-        assert struct.unpack_from("<H", octets, optional) == (0x20B,), "no 64-bit program"
+        assert struct.unpack_from("<H", octets, optional) == (0x20B,), "not a 64-bit program"
         (self.characteristics,) = struct.unpack_from("<H", octets, start + 22)
-        self.promises, self.stack_reserve, self.stack_commit = struct.unpack_from("<HQQ", octets, optional + 70)
+        fields = struct.unpack_from("<HQQ", octets, optional + 70)
+        self.dll_characteristics, self.stack_reserve, self.stack_commit = fields
         directory = optional + 112 + 8 * BASE_RELOCATIONS
         _, self.relocations_size = struct.unpack_from("<II", octets, directory)
 
 
-def test_each_thread_has_the_stack_of_its_receive_buffer_from_the_start():
+def test_the_stack_for_the_receive_buffer_is_committed_at_thread_start():
     header = Header()
     assert header.stack_reserve == 2 * 1024 * 1024
-    # Backed later, page by page, it would end the process when memory is short.
+    # A page that cannot be committed later, when memory is short, would end the process.
     assert header.stack_commit == 256 * 1024
 
 
-def test_the_program_runs_at_any_address_never_runs_data_and_serves_a_terminal_server():
+def test_the_header_enables_aslr_dep_and_terminal_servers():
     header = Header()
-    assert header.promises == HIGH_ENTROPY_VA | DYNAMIC_BASE | NX_COMPAT | TERMINAL_SERVER_AWARE
-    # Without these two the first two promises are empty.
+    assert header.dll_characteristics == HIGH_ENTROPY_VA | DYNAMIC_BASE | NX_COMPAT | TERMINAL_SERVER_AWARE
+    # ASLR also needs relocations and large addresses.
     assert header.characteristics & (RELOCATIONS_STRIPPED | LARGE_ADDRESS_AWARE) == LARGE_ADDRESS_AWARE
     assert header.relocations_size > 0

@@ -115,7 +115,7 @@ def test_after_closing_the_next_click_opens_a_new_window(program, tool):
 
 
 @each_window
-def test_an_unknown_command_and_a_foreign_timer_do_nothing(program, data, tool):
+def test_an_unknown_command_and_an_unknown_timer_do_nothing(program, data, tool):
     data.wait_for_start()
     window = tool.open(program)
     before = data.log_octets()
@@ -159,12 +159,12 @@ def test_the_timer_has_its_id_and_its_period_and_stops_with_the_window(program, 
     assert stays_true(lambda: len(program.driver("spy_timers")) == count, 2.5 * tool.period / 1000)
 
 
-# A command of each window that shows no dialog.
+# Commands that show no dialog.
 COMMANDS = {FORWARDING: 201, MONITOR: 300, LOG: 400}
 
 
 @each_window
-def test_each_message_that_a_window_handles_is_answered_with_0(program, data, tool):
+def test_handled_messages_return_0(program, data, tool):
     data.wait_for_start()
     window = tool.open(program)
     assert window.send(WM_TIMER, tool.timer) == 0

@@ -1,4 +1,4 @@
-"""The trap monitor and the log viewer: opening and following their file, and the files that are hard to show."""
+"""The trap monitor and the log viewer: opening and following their file, and files that are hard to show."""
 
 import time
 
@@ -20,17 +20,6 @@ from harness.win32 import EM_CANUNDO, WM_TIMER
 
 # The default limit of an edit control's text.
 DEFAULT_LIMIT = 30000
-
-
-def send_numbered(first, count, data, announced=None):
-    """Sends traps in portions that fit into the smallest receive buffer; their records show their numbers."""
-    announced = first if announced is None else announced
-    with udp_socket() as udp:
-        for portion in range(0, count, 100):
-            size = min(100, count - portion)
-            for number in range(first + portion, first + portion + size):
-                udp.sendto(message(integer_binding(number)), (LOOPBACK, TRAP_PORT))
-            data.wait_for_traps(announced + portion + size)
 
 
 @each_viewer
@@ -92,7 +81,11 @@ def is_at_end(view):
 
 def test_a_burst_of_400_traps_is_followed_to_the_end(program, data):
     view = view_of(MONITOR.open(program))
-    send_numbered(0, 400, data)
+    with udp_socket() as udp:
+        for number in range(400):
+            udp.sendto(message(integer_binding(number)), (LOOPBACK, TRAP_PORT))
+            if number % 100 == 99:  # 100 traps fit into the smallest receive buffer
+                data.wait_for_traps(number + 1)
     text = as_read_later(data.trap_octets())
     wait_until(lambda: view.text.endswith(text[-300:]), "the last record in the view")
     check_view_follows(view.text, text)
@@ -119,7 +112,7 @@ def test_a_file_far_beyond_the_default_limit_is_shown_whole_and_followed(data, s
 
 
 @each_viewer
-def test_octets_above_7f_are_read_one_way_at_opening_and_another_later(data, start, viewer):
+def test_octets_above_7f_are_decoded_differently_at_opening_and_later(data, start, viewer):
     data.folder.mkdir(parents=True)
     path = file_of(data, viewer)
     utf8 = "Gr\u00fc\u00dfe \u4e2d\n".encode()
@@ -149,7 +142,7 @@ def in_parts(line):
 
 
 def test_a_line_of_260000_digits_is_shown_in_parts_within_seconds(program, data):
-    """In one piece it would block the edit control for minutes."""
+    """In one piece, the line would block the edit control for minutes."""
     data.traps.write_bytes(b"before\r\r\n" + LONG_LINE + b"after\r\r\n")
     started = time.monotonic()
     view = view_of(MONITOR.open(program))
@@ -189,11 +182,8 @@ def test_a_file_too_large_for_the_view_is_replaced_by_its_size_and_followed(prog
     assert view.text == ""
 
 
-OTHER_TIMERS = (1, 1000, 1001, 1002, 1003)
-
-
-def open_before_a_new_line(program, data, viewer):
-    """A viewer without a timer, and its text; its file has one line more."""
+def open_then_append(program, data, viewer):
+    """Opens a viewer, stops its timer, and appends a line to its file. Returns the window and its text."""
     data.wait_for_start()
     program.attach_spy()
     window = viewer.open(program)
@@ -205,8 +195,8 @@ def open_before_a_new_line(program, data, viewer):
 
 @each_viewer
 def test_only_its_own_timer_refreshes_a_viewer(program, data, viewer):
-    window, before = open_before_a_new_line(program, data, viewer)
-    for number in OTHER_TIMERS:
+    window, before = open_then_append(program, data, viewer)
+    for number in (1, 1000, 1001, 1002, 1003):
         if number != viewer.timer:
             assert window.send(WM_TIMER, number) == 0
     assert view_of(window).text == before
@@ -216,7 +206,7 @@ def test_only_its_own_timer_refreshes_a_viewer(program, data, viewer):
 
 @each_viewer
 def test_a_second_click_does_not_reload_the_file(program, data, viewer):
-    window, before = open_before_a_new_line(program, data, viewer)
+    window, before = open_then_append(program, data, viewer)
     program.main.control(viewer.button).click()
     program.settle()
     assert view_of(window).text == before
@@ -224,7 +214,7 @@ def test_a_second_click_does_not_reload_the_file(program, data, viewer):
     assert view_of(window).text == before + "new\n"
 
 
-def test_text_written_between_the_size_query_and_the_reading_is_shown_twice(program, data):
+def test_text_written_between_the_size_query_and_the_read_is_shown_twice(program, data):
     data.traps.write_bytes(b"old\n")
     program.attach_spy()
     program.append_before_next_read(data.windows_path(data.traps), "first ")
@@ -251,7 +241,7 @@ def test_appended_text_cannot_be_undone(program, data):
     assert view.send(EM_CANUNDO) == 0
 
 
-def test_reopening_shows_the_traps_received_while_closed(program, data):
+def test_reopening_shows_the_traps_received_meanwhile(program, data):
     window = MONITOR.open(program)
     window.close()
     window.wait_closed()

@@ -13,8 +13,8 @@ LRESULT SendWithLimit(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 std::wstring ReadWindowText(HWND window);
 
 // handle, class, text, id, style, exstyle, visible, enabled, owner, parent, menu, process, thread,
-// rect (left, top, right, bottom on the screen), place (x, y, width, height; of a child in its parent's client
-// area). The text is the caption, read without a message to the program.
+// rect (left, top, right, bottom on the screen), place (x, y, width, height; for a child in its parent's
+// client area). The text is the caption, read without a message to the program.
 std::string DescribeWindow(HWND window);
 
 // The visible and hidden top-level windows of a process, topmost first.
