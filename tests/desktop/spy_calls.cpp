@@ -17,7 +17,7 @@ namespace {
 
 SpyMemory* memory = nullptr;
 
-// The spy is also loaded into other programs with hooked threads; it must not log their calls.
+// A program that the spy was attached to before is still patched; its calls are no longer logged.
 bool IsWatched() {
     return memory->program == GetCurrentProcessId();
 }
@@ -77,11 +77,11 @@ int WINAPI InterceptMessageBoxW(HWND owner, LPCWSTR text, LPCWSTR caption, UINT 
 
 BOOL WINAPI InterceptGetOpenFileNameW(LPOPENFILENAMEW dialog) {
     LogCall(L"GetOpenFileNameW filter=" + FilterText(dialog->lpstrFilter) + L" index=" +
-         std::to_wstring(dialog->nFilterIndex) + L" capacity=" + std::to_wstring(dialog->nMaxFile) +
-         L" flags=" + std::to_wstring(dialog->Flags) + L" flagsEx=" + std::to_wstring(dialog->FlagsEx) +
-         L" sizeIsRight=" + std::to_wstring(dialog->lStructSize == sizeof(*dialog)) + L" file=" +
-         TextOrNone(dialog->lpstrFile) + L" folder=" + TextOrNone(dialog->lpstrInitialDir) + L" extension=" +
-         TextOrNone(dialog->lpstrDefExt));
+            std::to_wstring(dialog->nFilterIndex) + L" capacity=" + std::to_wstring(dialog->nMaxFile) +
+            L" flags=" + std::to_wstring(dialog->Flags) + L" flagsEx=" + std::to_wstring(dialog->FlagsEx) +
+            L" sizeIsRight=" + std::to_wstring(dialog->lStructSize == sizeof(*dialog)) + L" file=" +
+            TextOrNone(dialog->lpstrFile) + L" folder=" + TextOrNone(dialog->lpstrInitialDir) +
+            L" extension=" + TextOrNone(dialog->lpstrDefExt));
     SpyActions& actions = memory->actions;
     if (actions.choiceIsReady == 0 || !IsWatched()) {
         return GetOpenFileNameW(dialog);
@@ -122,8 +122,10 @@ const void* AddressOf(Function function) {
 }
 
 const Replacement kReplacements[] = {
-    {"SendMessageW", AddressOf(&InterceptSendMessageW)},         {"MessageBoxW", AddressOf(&InterceptMessageBoxW)},
-    {"GetOpenFileNameW", AddressOf(&InterceptGetOpenFileNameW)}, {"CreateFileW", AddressOf(&InterceptCreateFileW)},
+    {"SendMessageW", AddressOf(&InterceptSendMessageW)},
+    {"MessageBoxW", AddressOf(&InterceptMessageBoxW)},
+    {"GetOpenFileNameW", AddressOf(&InterceptGetOpenFileNameW)},
+    {"CreateFileW", AddressOf(&InterceptCreateFileW)},
     {"InvalidateRect", AddressOf(&InterceptInvalidateRect)},
 };
 

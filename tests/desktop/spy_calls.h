@@ -1,5 +1,5 @@
-// Intercepts system calls of the program under test. Most are logged as texts, all are then made, except a
-// file dialog whose result the driver has prepared.
+// Intercepts system calls of the program under test, logs them as texts and then makes them. A file dialog
+// whose result the driver has prepared is logged but not shown.
 #pragma once
 
 #include "tests/desktop/spy_memory.h"
