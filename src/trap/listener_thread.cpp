@@ -14,7 +14,7 @@ namespace {
 class ListenerBatch : public ReceiveBatch {
   public:
     std::span<uint8_t> Room() override {
-        return arrivals_ < kMostArrivals ? std::span<uint8_t>(buffer_) : std::span<uint8_t>();
+        return arrivals_ < kMaxArrivals ? std::span<uint8_t>(buffer_) : std::span<uint8_t>();
     }
 
     void AddArrival(size_t, const Ipv4Endpoint& sender) override {
@@ -31,7 +31,7 @@ class ListenerBatch : public ReceiveBatch {
 
   private:
     static constexpr size_t kBufferSize = 4096;  // a longer datagram is truncated
-    static constexpr size_t kMostArrivals = 256;
+    static constexpr size_t kMaxArrivals = 256;
 
     std::array<uint8_t, kBufferSize> buffer_;
     size_t arrivals_ = 0;

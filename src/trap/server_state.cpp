@@ -15,7 +15,7 @@ std::wstring CopyLastTrapSender() {
     return ServerState.lastTrapSender;
 }
 
-void NoteLastTrap(const Ipv4Endpoint& sender) noexcept {
+void SetLastTrap(const Ipv4Endpoint& sender) noexcept {
     ServerState.lastTrapTick.exchange(ReadTickCount());
     RunGuarded([&] {
         std::wstring text = FormatIpv4Address(sender.address) + L":";

@@ -34,4 +34,4 @@ std::wstring CopyLastTrapSender();
 
 // Sets lastTrapTick to the current tick and lastTrapSender to `sender` as text. If memory runs out, the
 // previous sender remains. Locks LastTrapSenderLock. Throws nothing. Trap thread only.
-void NoteLastTrap(const Ipv4Endpoint& sender) noexcept;
+void SetLastTrap(const Ipv4Endpoint& sender) noexcept;

@@ -4,13 +4,13 @@
 
 std::span<uint8_t> TrapBatch::Room() {
     const std::span<uint8_t> left = std::span(octets_).subspan(octetCount_);
-    return arrivalCount_ < kMostArrivals && left.size() >= kLargestDatagram ? left : std::span<uint8_t>();
+    return arrivalCount_ < kMaxArrivals && left.size() >= kMaxDatagramSize ? left : std::span<uint8_t>();
 }
 
 void TrapBatch::AddArrival(size_t count, const Ipv4Endpoint& sender) {
     arrivals_[arrivalCount_++] = {octets_.data() + octetCount_, count, sender, ReadLocalTime()};
     octetCount_ += count;
-    NoteLastTrap(sender);
+    SetLastTrap(sender);
 }
 
 void TrapBatch::Process() {

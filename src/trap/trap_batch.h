@@ -12,13 +12,13 @@
 // Contains its buffers, so receiving allocates no memory. Trap thread only.
 class TrapBatch : public ReceiveBatch {
   public:
-    static constexpr size_t kLargestDatagram = 65535;
-    static constexpr size_t kMostArrivals = 256;
+    static constexpr size_t kMaxDatagramSize = 65535;
+    static constexpr size_t kMaxArrivals = 256;
 
     // `forwardSocket` must outlive the batch. Null: nothing is forwarded.
     explicit TrapBatch(UdpSocket* forwardSocket) : forwardSocket_(forwardSocket) {}
 
-    // Returns at least kLargestDatagram octets. Empty if fewer are left or the batch has kMostArrivals
+    // Returns at least kMaxDatagramSize octets. Empty if fewer are left or the batch has kMaxArrivals
     // datagrams.
     std::span<uint8_t> Room() override;
 
@@ -30,9 +30,9 @@ class TrapBatch : public ReceiveBatch {
     std::span<const TrapArrival> arrivals() const { return std::span(arrivals_).first(arrivalCount_); }
 
   private:
-    std::array<uint8_t, 2 * kLargestDatagram> octets_;
+    std::array<uint8_t, 2 * kMaxDatagramSize> octets_;
     size_t octetCount_ = 0;
-    std::array<TrapArrival, kMostArrivals> arrivals_;
+    std::array<TrapArrival, kMaxArrivals> arrivals_;
     size_t arrivalCount_ = 0;
     UdpSocket* forwardSocket_;
 };

@@ -138,7 +138,7 @@ TEST_F(ServerControl, TheLastTrapIsUnchangedByStopAndStart) {
 
 TEST_F(ServerControl, TheLastSenderIsCopiedAndReplacedUnderItsLock) {
     EXPECT_TRUE(WaitsFor(LastTrapSenderLock, [] { CopyLastTrapSender(); }));
-    EXPECT_TRUE(WaitsFor(LastTrapSenderLock, [] { NoteLastTrap({0x0A010203, 49152}); }));
+    EXPECT_TRUE(WaitsFor(LastTrapSenderLock, [] { SetLastTrap({0x0A010203, 49152}); }));
 }
 
 // A worker that is busy for longer than its stop waits: it finishes its trap, but must neither receive for

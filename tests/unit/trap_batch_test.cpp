@@ -158,7 +158,7 @@ class TrapBatches : public Batches {
     // Adds a datagram as the receive loop does.
     void Add(size_t count, uint8_t fill, const Ipv4Endpoint& sender = kSender) {
         const std::span<uint8_t> room = batch_->Room();
-        ASSERT_GE(room.size(), TrapBatch::kLargestDatagram);
+        ASSERT_GE(room.size(), TrapBatch::kMaxDatagramSize);
         std::fill_n(room.begin(), count, fill);
         batch_->AddArrival(count, sender);
     }
@@ -194,11 +194,11 @@ TEST_F(TrapBatches, AreFullAt256Datagrams) {
 
 TEST_F(TrapBatches, AreFullWhenTheLargestDatagramNoLongerFits) {
     for (int round = 0; round < 2; ++round) {
-        Add(TrapBatch::kLargestDatagram, 1);
+        Add(TrapBatch::kMaxDatagramSize, 1);
         Add(1, 2);
         EXPECT_TRUE(batch_->Room().empty());
         EXPECT_EQ(batch_->arrivals().size(), 2U);
-        EXPECT_EQ(batch_->arrivals()[0].octets[TrapBatch::kLargestDatagram - 1], 1) << "not overwritten";
+        EXPECT_EQ(batch_->arrivals()[0].octets[TrapBatch::kMaxDatagramSize - 1], 1) << "not overwritten";
         batch_->Process();
     }
 }
@@ -307,7 +307,7 @@ TEST_F(Processing, ADatagramThatFillsTheBufferIsRecordedToItsLastOctet) {
     constexpr size_t kText = 65'471;
     const Octets full = EncodeV2Trap({{"1.3.6.1.4.1.1", EncodeOctetString(std::string(kText, 'x'))},
                                       {"1.3.6.1.4.1.2", EncodeInteger(4711)}});
-    ASSERT_EQ(full.size(), TrapBatch::kLargestDatagram);
+    ASSERT_EQ(full.size(), TrapBatch::kMaxDatagramSize);
     Process({full});
     EXPECT_EQ(TrapFile(), std::string(kFrom) + "---> [1] 1.3.6.1.4.1.1  OCTET STRING = \"" +
                               std::string(kText, 'x') +
