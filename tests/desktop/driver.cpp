@@ -21,7 +21,7 @@
 #include "tests/desktop/request.h"
 #include "tests/desktop/spy.h"
 #include "tests/desktop/window_facts.h"
-#include "tests/support/patient_start.h"
+#include "tests/support/start_with_retries.h"
 
 namespace {
 
@@ -37,7 +37,7 @@ HANDLE StartedProcess(const Request& request, size_t index) {
 }
 
 DWORD StartAt(const std::wstring& program, POINT place, PROCESS_INFORMATION* started) {
-    return StartPatiently([&] {
+    return StartWithRetries([&] {
         std::wstring commandLine = L"\"" + program + L"\"";
         STARTUPINFOW startup = {};
         startup.cb = sizeof(startup);

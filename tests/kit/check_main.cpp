@@ -82,7 +82,7 @@ std::string FindObstacle() {
         return "Quillmont is running. Close it and start the check again.";
     }
     for (const uint16_t port : {uint16_t{161}, uint16_t{162}}) {
-        if (!ExclusivePort(port).held()) {
+        if (!ExclusivePort(port).bound()) {
             return "UDP port " + std::to_string(port) +
                    " is in use, perhaps by the SNMP or SNMP Trap service. Free it and start the check again.";
         }

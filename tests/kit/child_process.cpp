@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "tests/support/patient_start.h"
+#include "tests/support/start_with_retries.h"
 
 namespace {
 
@@ -52,7 +52,7 @@ ProgramResult RunProgram(const std::wstring& commandLine, const std::wstring& fo
     startup.hStdOutput = output.get();
     startup.hStdError = output.get();
     PROCESS_INFORMATION started = {};
-    const DWORD error = StartPatiently([&] {
+    const DWORD error = StartWithRetries([&] {
         std::wstring writable = commandLine;
         return CreateProcessW(nullptr, writable.data(), nullptr, nullptr, TRUE, CREATE_SUSPENDED, nullptr,
                               folder.c_str(), &startup, &started);

@@ -5,7 +5,7 @@
 #include <stdexcept>
 
 #include "platform/files.h"
-#include "tests/support/patient_start.h"
+#include "tests/support/start_with_retries.h"
 
 // After the system's own header, whose types it uses.
 #include <shlobj.h>
@@ -63,7 +63,7 @@ RunningProgram::RunningProgram() {
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION started = {};
-    const DWORD error = StartPatiently([&] {
+    const DWORD error = StartWithRetries([&] {
         return CreateProcessW(ProgramPath().c_str(), nullptr, nullptr, nullptr, FALSE, 0, nullptr, nullptr,
                               &startup, &started);
     });

@@ -53,8 +53,8 @@ TEST_F(SelfCheck, StopsFreesBothPortsAndStartsAgain) {
     Click(button);
     ASSERT_TRUE(WaitForText(kLog, "Server stopped."));
     EXPECT_EQ(ReadText(button), L"Start server");
-    EXPECT_TRUE(ExclusivePort(162).held());
-    EXPECT_TRUE(ExclusivePort(161).held());
+    EXPECT_TRUE(ExclusivePort(162).bound());
+    EXPECT_TRUE(ExclusivePort(161).bound());
     Click(button);
     ASSERT_TRUE(WaitUntil([] { return CountLogLines("Server started.") == 2; }));
     Send(FindSample("v2_link_down").octets);

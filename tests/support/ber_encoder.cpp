@@ -8,7 +8,7 @@ void Append(Octets& to, const Octets& part) {
     to.insert(to.end(), part.begin(), part.end());
 }
 
-// Big-endian, without leading zero octets; nothing for 0.
+// Big-endian, without leading zero octets; empty for 0.
 Octets EncodeMagnitude(size_t value) {
     Octets octets;
     for (; value > 0; value >>= 8) {
@@ -17,7 +17,7 @@ Octets EncodeMagnitude(size_t value) {
     return octets;
 }
 
-// Two's complement of 64 bits, without the leading octets that the number does not need.
+// 64-bit two's complement without redundant leading octets.
 Octets EncodeShortestInteger(uint64_t bits, uint8_t filler) {
     Octets octets = {filler};
     for (int shift = 56; shift >= 0; shift -= 8) {
@@ -29,7 +29,7 @@ Octets EncodeShortestInteger(uint64_t bits, uint8_t filler) {
     return octets;
 }
 
-// Base 128, the top bit set in all octets but the last.
+// Base 128, with the top bit set in all octets except the last.
 void AppendArc(Octets& content, uint64_t arc) {
     Octets octets = {static_cast<uint8_t>(arc & 0x7F)};
     for (arc >>= 7; arc > 0; arc >>= 7) {

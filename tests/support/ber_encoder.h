@@ -1,5 +1,5 @@
-// Encodes messages for trap/ber_reader.h, written from the encoding rules and not from the reader: messages
-// as agents send them and, piece by piece, messages that no agent would send.
+// Encodes SNMP messages: whole ones as agents send them and, element by element, malformed ones. Written from
+// the encoding rules, independently of trap/ber_reader.h.
 #pragma once
 
 #include <cstdint>
@@ -38,10 +38,10 @@ Octets Concatenate(std::initializer_list<Octets> parts);
 // Tag, the shortest form of the length, content.
 Octets EncodeElement(uint8_t tag, const Octets& content);
 
-// The same with the length in the long form of exactly `lengthOctets` octets, leading zeros included.
+// The same, with the length in the long form of exactly `lengthOctets` octets including leading zeros.
 Octets EncodeLongFormElement(uint8_t tag, const Octets& content, unsigned lengthOctets);
 
-// Tag and length, which may be wrong, without content.
+// Tag and length only; the length may be wrong.
 Octets EncodeHeader(uint8_t tag, size_t length);
 
 Octets EncodeSequence(std::initializer_list<Octets> elements);
@@ -49,21 +49,19 @@ Octets EncodeSequence(std::initializer_list<Octets> elements);
 // The shortest two's complement content for the value.
 Octets EncodeInteger(int64_t value);
 
-// The same for the unsigned application types, with a zero octet where the value would be negative without
-// it.
+// The same for the unsigned types, with a leading zero octet if the value would be negative without it.
 Octets EncodeUnsigned(uint8_t tag, uint64_t value);
 
 Octets EncodeOctetString(std::string_view octets);
 
 Octets EncodeNull();
 
-// `dotted` has two arcs or more, such as "1.3.6.1.2.1.1.3.0"; the empty text gives an identifier
-// without content.
+// `dotted` has two arcs or more, such as "1.3.6.1.2.1.1.3.0", or is empty for an identifier without content.
 Octets EncodeOid(std::string_view dotted);
 
 Octets EncodeIpAddress(uint8_t first, uint8_t second, uint8_t third, uint8_t fourth);
 
-// One variable binding as a test states it: the dotted identifier and the encoded value element.
+// One variable binding: the dotted identifier and the encoded value element.
 struct Binding {
     std::string oid;
     Octets value;
@@ -71,10 +69,9 @@ struct Binding {
 
 Octets EncodeBinding(const Binding& binding);
 
-// The list as one SEQUENCE of bindings.
 Octets EncodeBindingList(const std::vector<Binding>& bindings);
 
-// A whole message around a PDU element, with the community "public". `version` is 0 for v1 and 1 for v2c.
+// A whole message with the community "public" and this PDU. `version` is 0 for v1 and 1 for v2c.
 Octets EncodeMessage(int version, const Octets& pdu);
 
 // A v2c PDU of any tag: request id, error status, error index, then the octets of `list`.
@@ -84,10 +81,10 @@ Octets EncodeV2Pdu(uint8_t tag, const Octets& list);
 // stamp of 123456, then `list`.
 Octets EncodeV1Pdu(const Octets& list);
 
-// Whole messages with these bindings and no others.
+// Whole messages with exactly these bindings.
 Octets EncodeV1Trap(const std::vector<Binding>& bindings);
 Octets EncodeV2Trap(const std::vector<Binding>& bindings);
 Octets EncodeInform(const std::vector<Binding>& bindings);
 
-// A v2c trap whose list consists of `listContent`, bindings or not.
+// A v2c trap with `listContent` in its list, bindings or not.
 Octets EncodeV2TrapWithListContent(const Octets& listContent);

@@ -1,6 +1,6 @@
 #include "tests/support/exclusive_port.h"
 
-// Not the program's own sockets: they always set address reuse.
+// The program's own sockets always set address reuse.
 #ifdef _WIN32
 #include "platform/windows/windows_headers.h"
 #else
@@ -31,7 +31,7 @@ ExclusivePort::ExclusivePort(uint16_t port)
 #else
     const int handle = static_cast<int>(socket_);
 #endif
-    held_ = bind(handle, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    bound_ = bind(handle, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
 }
 
 ExclusivePort::~ExclusivePort() {

@@ -1,18 +1,18 @@
-// Another program that has a UDP port for itself alone, such as a service installed before us.
+// A UDP port in use by another program, such as a service.
 #pragma once
 
 #include <cstdint>
 
 class ExclusivePort {
   public:
-    explicit ExclusivePort(uint16_t port);  // bound without address reuse, so nobody else can bind it
+    explicit ExclusivePort(uint16_t port);  // binds without address reuse, so no other socket can
     ~ExclusivePort();
     ExclusivePort(const ExclusivePort&) = delete;
     ExclusivePort& operator=(const ExclusivePort&) = delete;
 
-    bool held() const { return held_; }
+    bool bound() const { return bound_; }
 
   private:
     uintptr_t socket_;
-    bool held_ = false;
+    bool bound_ = false;
 };

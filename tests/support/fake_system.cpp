@@ -86,7 +86,7 @@ void CloseUdpSocket(UdpSocket& socket) {
     Note("close " + socket.name);
 }
 
-// The last number of a dotted address is enough to distinguish the tests' targets.
+// The last number of the dotted address is enough to distinguish the targets.
 bool ParseIpv4Address(const std::string& text, uint32_t* address) {
     const size_t dot = text.rfind('.');
     if (dot == std::string::npos) {

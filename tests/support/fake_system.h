@@ -1,5 +1,5 @@
-// Sockets, threads and the clock as a test scripts them, for programs that link this instead of the real
-// ones: no real system refuses a socket, fills a send buffer or stops a receiver at a chosen moment.
+// Scripted sockets, threads and clock, linked instead of the real ones: no real system refuses a socket,
+// fills a send buffer or stops a receiver at a chosen moment.
 #pragma once
 
 #include <cstdint>
@@ -19,7 +19,7 @@ struct UdpSocket {
 constexpr LocalTime kFakeTime = {2026, 3, 7, 9, 5, 2, 47};
 
 struct FakeSystem {
-    std::vector<std::string> steps;  // the calls of the program, in order
+    std::vector<std::string> steps;  // the program's calls, in order
     LocalTime now = kFakeTime;
 
     int socketsLeft = 3;

@@ -1,5 +1,5 @@
-// A copy of some octets that ends at the end of its allocation, so that AddressSanitizer stops a reader that
-// reads one octet too many.
+// A copy of some octets that ends at the end of its allocation, so that AddressSanitizer detects a read past
+// its end.
 #pragma once
 
 #include <algorithm>
@@ -10,7 +10,7 @@
 
 class FencedOctets {
   public:
-    // One more octet at the start: an allocation of no octets would have no fence.
+    // With an extra octet at the start: an allocation of 0 octets would have no fence.
     FencedOctets(const uint8_t* octets, size_t size) : memory_(new uint8_t[size + 1]), size_(size) {
         std::copy(octets, octets + size, memory_.get() + 1);
     }

@@ -1,4 +1,4 @@
-// Whether an action waits for a lock.
+// Tests whether an action waits for a lock.
 #pragma once
 
 #include <atomic>
@@ -6,9 +6,8 @@
 #include <mutex>
 #include <thread>
 
-// Runs `action` on another thread while the lock is held here. True: it had not ended a tenth of a second
-// after its start; it has when this returns. An action that locks always waits, so a slow machine can hide a
-// missing lock but never fail because of an existing one.
+// Runs `action` on another thread while this one holds `lock`. True: it was still running after 100 ms. It
+// has ended when this returns. A slow machine can hide a missing lock but cannot fail an action that locks.
 template <typename Action>
 bool WaitsFor(std::mutex& lock, Action action) {
     std::atomic<bool> started{false};

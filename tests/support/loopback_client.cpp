@@ -4,11 +4,11 @@
 
 #include <utility>
 
-// The program's own sockets cannot be bound to one address.
+// The program's own sockets cannot be bound to a single address.
 #ifdef _WIN32
 #include "platform/windows/windows_headers.h"
 
-// After the system's own header, whose types it uses.
+// Needs the types of the header above.
 #include <mswsock.h>
 #else
 #include <netinet/in.h>
@@ -18,6 +18,8 @@
 #endif
 
 namespace {
+
+constexpr int kReceiveSeconds = 20;
 
 #ifdef _WIN32
 
@@ -29,16 +31,16 @@ void CloseNative(NativeSocket socket) {
     closesocket(socket);
 }
 
-// Windows reports a datagram that reached no open port as an error of a later call on the same socket, unless
-// this is switched off. A test sends to a stopped receiver too.
+// By default Windows reports a datagram sent to a closed port as an error of a later call on the same socket.
+// Some tests send to a stopped receiver.
 void IgnoreUnreachablePorts(NativeSocket socket) {
     BOOL report = FALSE;
     DWORD got = 0;
     WSAIoctl(socket, SIO_UDP_CONNRESET, &report, sizeof report, nullptr, 0, &got, nullptr, nullptr);
 }
 
-void LimitReceiving(NativeSocket socket, std::chrono::milliseconds limit) {
-    const auto milliseconds = static_cast<DWORD>(limit.count());
+void LimitReceiving(NativeSocket socket) {
+    const DWORD milliseconds = kReceiveSeconds * 1000;
     setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, reinterpret_cast<const char*>(&milliseconds),
                sizeof milliseconds);
 }
@@ -55,11 +57,9 @@ void CloseNative(NativeSocket socket) {
 
 void IgnoreUnreachablePorts(NativeSocket) {}
 
-void LimitReceiving(NativeSocket socket, std::chrono::milliseconds limit) {
-    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(limit);
-    const std::chrono::microseconds rest = limit - seconds;
-    const timeval value = {static_cast<time_t>(seconds.count()), static_cast<suseconds_t>(rest.count())};
-    setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &value, sizeof value);
+void LimitReceiving(NativeSocket socket) {
+    const timeval limit = {kReceiveSeconds, 0};
+    setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
 }
 
 #endif
@@ -82,6 +82,7 @@ sockaddr_in LoopbackAddress(uint16_t port) {
 
 LoopbackClient::LoopbackClient() : socket_(static_cast<uintptr_t>(socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP))) {
     IgnoreUnreachablePorts(Native(socket_));
+    LimitReceiving(Native(socket_));
     sockaddr_in address = LoopbackAddress(0);
     AddressSize size = sizeof address;
     EXPECT_EQ(bind(Native(socket_), reinterpret_cast<const sockaddr*>(&address), size), 0);
@@ -101,8 +102,7 @@ void LoopbackClient::Send(const Octets& octets, uint16_t toPort) const {
     EXPECT_EQ(static_cast<int64_t>(sent), static_cast<int64_t>(octets.size()));
 }
 
-Octets LoopbackClient::Receive(std::chrono::milliseconds limit) const {
-    LimitReceiving(Native(socket_), limit);
+Octets LoopbackClient::Receive() const {
     Octets octets(65535);
     const auto got = recvfrom(Native(socket_), reinterpret_cast<char*>(octets.data()),
                               static_cast<DataSize>(octets.size()), 0, nullptr, nullptr);

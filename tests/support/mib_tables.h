@@ -1,4 +1,4 @@
-// Reading the tables of the MIB name store as text, and filling them from text.
+// Fills and reads the tables of the name store as text.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -29,7 +29,7 @@ class FreshNameStore {
     }
 };
 
-// ---- Filling; the caller holds MibStoreLock where another thread reads
+// ---- Filling. The caller holds MibStoreLock if another thread reads.
 
 inline const Oid* StoreOid(std::wstring_view text) {
     const Oid* oid = nullptr;
@@ -47,6 +47,7 @@ inline void StoreDefinition(std::wstring_view name, std::wstring_view parent, in
     StoreDefinition(StoreName(name), StoreName(parent), subId);
 }
 
+// These two lock it themselves.
 inline void ParseText(std::wstring_view text) {
     const std::lock_guard lock(MibStoreLock);
     ParseMibText(text);
@@ -57,11 +58,11 @@ inline void ResolveAll() {
     StoreResolvedDefinitions();
 }
 
-// ---- Reading; the caller does not hold MibStoreLock, unless it says so
+// ---- Reading. The caller does not hold MibStoreLock unless the comment says so.
 
 // The decimal arcs joined by "."; empty for null.
 inline std::wstring FormatOid(const Oid* oid) {
-    std::vector<int32_t> arcs;  // the last one first
+    std::vector<int32_t> arcs;  // in reverse order
     for (; oid != nullptr; oid = oid->parent) {
         arcs.push_back(oid->arc);
     }
@@ -94,7 +95,7 @@ inline std::optional<Definition> DefinitionOf(std::wstring_view name) {
     return Definition{std::wstring(definition.parent->text), definition.subId, definition.valid};
 }
 
-// The identifier of a name; empty: none.
+// The identifier of a name, empty if it has none.
 inline std::wstring OidOf(std::wstring_view name) {
     const std::lock_guard lock(MibStoreLock);
     return FormatOid(ResolveName(StoreName(name)));

@@ -53,7 +53,6 @@ SampleMessage EightBindings() {
 }
 
 SampleMessage EveryValueType() {
-    const auto element = [](uint8_t tag, const Octets& content) { return EncodeElement(tag, content); };
     const std::vector<Binding> bindings = {
         {"1.3.6.1.4.1.8072.1", EncodeInteger(-42)},
         {"1.3.6.1.4.1.8072.2", EncodeOctetString("plain text")},
@@ -64,11 +63,11 @@ SampleMessage EveryValueType() {
         {"1.3.6.1.4.1.8072.7", EncodeUnsigned(ber::kCounter32, 4294967295)},
         {"1.3.6.1.4.1.8072.8", EncodeUnsigned(ber::kGauge32, 100)},
         {"1.3.6.1.4.1.8072.9", EncodeUnsigned(ber::kTimeTicks, 0)},
-        {"1.3.6.1.4.1.8072.10", element(ber::kOpaque, {0x9F, 0x78, 0x04, 0x42})},
+        {"1.3.6.1.4.1.8072.10", EncodeElement(ber::kOpaque, {0x9F, 0x78, 0x04, 0x42})},
         {"1.3.6.1.4.1.8072.11", EncodeUnsigned(ber::kCounter64, UINT64_MAX)},
-        {"1.3.6.1.4.1.8072.12", element(ber::kNoSuchObject, {})},
-        {"1.3.6.1.4.1.8072.13", element(ber::kNoSuchInstance, {})},
-        {"1.3.6.1.4.1.8072.14", element(ber::kEndOfMibView, {})}};
+        {"1.3.6.1.4.1.8072.12", EncodeElement(ber::kNoSuchObject, {})},
+        {"1.3.6.1.4.1.8072.13", EncodeElement(ber::kNoSuchInstance, {})},
+        {"1.3.6.1.4.1.8072.14", EncodeElement(ber::kEndOfMibView, {})}};
     return {
         "v2_every_value_type",
         EncodeV2Trap(bindings),
@@ -107,7 +106,7 @@ SampleMessage SkippedBinding() {
             {TwoLines()[0]}};
 }
 
-// Every length in a long form of four octets.
+// Every length in the long form, with four octets.
 SampleMessage LongLengths() {
     const auto longer = [](uint8_t tag, const Octets& content) {
         return EncodeLongFormElement(tag, content, 4);
@@ -200,7 +199,7 @@ const SampleMessage& FindSample(std::string_view name) {
     const auto found = std::find_if(SampleMessages().begin(), SampleMessages().end(),
                                     [&](const SampleMessage& sample) { return sample.name == name; });
     if (found == SampleMessages().end()) {
-        std::fprintf(stderr, "There is no sample message %s.\n", std::string(name).c_str());
+        std::fprintf(stderr, "No sample message %s.\n", std::string(name).c_str());
         std::abort();
     }
     return *found;

@@ -1,4 +1,4 @@
-// Datagrams with names, shared by the unit tests, the engine tests and the seeds of the fuzzers.
+// Named datagrams, shared by the tests and the seeds of the fuzzers.
 #pragma once
 
 #include <string>
@@ -8,18 +8,18 @@
 #include "tests/support/ber_encoder.h"
 
 struct SampleMessage {
-    std::string name;  // fit for a file name
+    std::string name;  // usable as a file name
     Octets octets;
-    // The text in SNMP.txt for each binding after "---> [n] " while no identifier has a name; no line: the
-    // message does not decode.
+    // The text of each binding in SNMP.txt after "---> [n] ", without MIB names. None: the message does not
+    // decode.
     std::vector<std::wstring> lines;
 };
 
-// Every sample, well-formed and malformed ones.
+// All samples, well-formed and malformed.
 const std::vector<SampleMessage>& SampleMessages();
 
-// The one of that name; a name that does not exist ends the test program.
+// The sample `name`; ends the test program if there is none.
 const SampleMessage& FindSample(std::string_view name);
 
-// The lines of a record after its header line, with the empty one, as in the record text (CR LF).
+// The sample's record text after the header line, including the empty line at the end.
 std::wstring BuildExpectedBody(const SampleMessage& sample);

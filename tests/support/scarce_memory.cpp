@@ -48,7 +48,8 @@ size_t ScopedShortage::octets() {
     return octetCount;
 }
 
-// All forms but the over-aligned ones, which nothing here uses: the runtime's own do not always call these.
+// The runtime's other forms do not always call these, so all are replaced except the over-aligned ones, which
+// nothing here uses.
 void* operator new(size_t size) {
     return AllocateOrThrow(size);
 }

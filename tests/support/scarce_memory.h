@@ -1,5 +1,5 @@
-// Memory that runs out at each request, one after the other. Linking scarce_memory.cpp replaces the global
-// operator new, hence a separate program.
+// Refuses memory requests, one after the other. Linking scarce_memory.cpp replaces the global operator new,
+// hence a separate program.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -13,7 +13,7 @@ enum class Shortage { OneRequest, ThatAndAllLater };
 
 constexpr size_t kNoRequest = SIZE_MAX;
 
-// Counts requests during its lifetime and refuses the given one.
+// Counts memory requests during its lifetime and refuses number `request`, counted from 0.
 class ScopedShortage {
   public:
     ScopedShortage(size_t request, Shortage kind);
@@ -21,8 +21,8 @@ class ScopedShortage {
     ScopedShortage(const ScopedShortage&) = delete;
     ScopedShortage& operator=(const ScopedShortage&) = delete;
 
-    static size_t requests();  // made since the last one began
-    static size_t octets();    // requested by these
+    static size_t requests();  // since the latest ScopedShortage
+    static size_t octets();    // requested in total
 };
 
 enum class Outcome { Returned, NoMemory, OtherException };
@@ -30,7 +30,7 @@ enum class Outcome { Returned, NoMemory, OtherException };
 struct Attempt {
     Outcome outcome = Outcome::Returned;
     size_t requests = 0;
-    size_t octets = 0;     // requested in all
+    size_t octets = 0;     // requested in total
     bool refused = false;  // whether the refused request was made
 };
 
@@ -51,8 +51,8 @@ Attempt Try(const Action& action, size_t request = kNoRequest, Shortage kind = S
     return attempt;
 }
 
-// Calls prepare(), action() and check(attempt, request) for each request of `action`, until it makes fewer.
-// Returns how many were refused.
+// For each memory request that `action` makes: calls prepare(), action() with that request refused, and
+// check(attempt, request). Returns the number of requests.
 template <typename Prepare, typename Action, typename Check>
 size_t RefuseEachRequest(Shortage kind, const Prepare& prepare, const Action& action, const Check& check) {
     for (size_t request = 0;; ++request) {

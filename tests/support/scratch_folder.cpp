@@ -9,7 +9,7 @@
 
 namespace {
 
-// Unlike any other folder of this run, of a concurrent run and of one that was killed.
+// Its name differs from those of other tests, of concurrent runs and of killed ones.
 std::filesystem::path MakeUniqueFolder() {
     static std::atomic<unsigned> counter{0};
     std::random_device random;
@@ -50,7 +50,7 @@ AppPathsGuard::~AppPathsGuard() {
 }
 
 void WriteOctets(const std::wstring& path, std::string_view octets) {
-    EXPECT_TRUE(RemoveFile(path) || !QueryFileSize(path)) << "an old file is in the way";
+    EXPECT_TRUE(RemoveFile(path) || !QueryFileSize(path)) << "the old file cannot be removed";
     EXPECT_TRUE(AppendOctets(path, octets));
 }
 

@@ -9,7 +9,7 @@
 
 class ScratchFolder {
   public:
-    ScratchFolder();   // a new, empty folder below the system's folder for temporary files
+    ScratchFolder();   // creates an empty folder in the system's temporary folder
     ~ScratchFolder();  // removes it with everything in it
     ScratchFolder(const ScratchFolder&) = delete;
     ScratchFolder& operator=(const ScratchFolder&) = delete;
@@ -23,7 +23,7 @@ class ScratchFolder {
     std::filesystem::path path_;
 };
 
-// Points AppPaths into the folder, creates the mibs folder there, and restores the old paths at the end.
+// Points AppPaths into the folder and creates the mibs folder there. Restores the old paths at the end.
 class AppPathsGuard {
   public:
     explicit AppPathsGuard(const ScratchFolder& folder);
@@ -35,7 +35,6 @@ class AppPathsGuard {
     AppPathTexts old_;
 };
 
-// Whole files, octet for octet. A file that cannot be written fails the test; one that cannot be read
-// is empty.
+// Whole files, octet for octet. A failed write fails the test; a failed read returns no octets.
 void WriteOctets(const std::wstring& path, std::string_view octets);
 std::string ReadOctets(const std::wstring& path);

@@ -1,4 +1,4 @@
-// Time stamps in the program's files: tests check their shape and remove them.
+// The time stamps in the program's files.
 #pragma once
 
 #include <cstddef>
@@ -6,7 +6,7 @@
 
 constexpr size_t kStampLength = 23;
 
-// Whether `text` has the shape of "2026-03-07 09:05:02.047" and nothing else.
+// Whether `text` is a stamp such as "2026-03-07 09:05:02.047".
 inline bool IsStamp(std::string_view text) {
     constexpr std::string_view kShape = "dddd-dd-dd dd:dd:dd.ddd";
     if (text.size() != kShape.size()) {

@@ -4,7 +4,7 @@
 #include <chrono>
 #include <thread>
 
-// True as soon as `condition` returns true; false if it still does not after `limit`.
+// Returns true as soon as `condition` does, false if it does not within `limit`.
 template <typename Condition>
 bool WaitUntil(const Condition& condition,
                std::chrono::milliseconds limit = std::chrono::milliseconds(20000)) {

@@ -12,7 +12,7 @@ std::map<std::wstring, std::string> contents;
 std::map<std::wstring, uint64_t> claimedSizes;
 std::map<std::wstring, uint64_t> claimedOpenSizes;
 
-void NoteOpening(const std::wstring& path) {
+void CallOnOpen(const std::wstring& path) {
     if (Files.onOpen) {
         Files.onOpen(path);
     }
@@ -47,7 +47,7 @@ bool WatchedFiles::Has(const std::wstring& path) const {
 }
 
 bool AppendOctets(const std::wstring& path, std::string_view octets) {
-    NoteOpening(path);
+    CallOnOpen(path);
     if (Files.onAppend) {
         Files.onAppend(path, octets);
     }
@@ -59,14 +59,14 @@ bool AppendOctets(const std::wstring& path, std::string_view octets) {
 }
 
 bool ReplaceOctets(const std::wstring& path, std::string_view octets) {
-    NoteOpening(path);
+    CallOnOpen(path);
     contents[path] = octets;
     return true;
 }
 
 std::optional<uint64_t> ReadOctetsFrom(const std::wstring& path, uint64_t offset, std::string& octets,
                                        uint64_t most) {
-    NoteOpening(path);
+    CallOnOpen(path);
     octets.clear();
     const auto file = contents.find(path);
     if (file == contents.end()) {

@@ -1,5 +1,5 @@
-// platform/files.h in memory, for programs that link this instead of the real one and watch or change what
-// happens to a file. Nothing here locks: the data files are used under FileLock, as on a disk.
+// An in-memory platform/files.h, linked instead of the real one, so that tests can watch file operations or
+// make them fail. Nothing here locks: callers hold FileLock, as for real files.
 #pragma once
 
 #include <cstdint>
@@ -11,16 +11,16 @@ struct WatchedFiles {
     // Called before each append, on the caller's thread and under its locks.
     std::function<void(const std::wstring& path, std::string_view octets)> onAppend;
 
-    // True: this append is refused, as when another program has the file open without sharing it.
+    // True: this append fails, as when another program has the file open without sharing it.
     std::function<bool(const std::wstring& path)> refusesAppend;
 
     // Called before each append, replacement and read.
     std::function<void(const std::wstring& path)> onOpen;
 
-    // The folder lists the file with that size; its octets are unchanged.
+    // Makes QueryFileSize return `size`. The contents are unchanged.
     void ClaimSize(const std::wstring& path, uint64_t size);
 
-    // The open file has that size, whatever the folder lists.
+    // Makes ReadOctetsFrom return `size`. The contents are unchanged.
     void ClaimOpenSize(const std::wstring& path, uint64_t size);
 
     void Reset();                                              // no files, no callbacks

@@ -1,13 +1,12 @@
-// Starting a program under Wine, where less than one start in a thousand fails with an internal error. Only
-// that error is retried.
+// Starts a process under Wine, where less than one start in a thousand fails with an internal error. Retries
+// after that error only.
 #pragma once
 
 #include "platform/windows/windows_headers.h"
 
-// `create` starts a process and returns what CreateProcessW does. Returns ERROR_SUCCESS, or the system's
-// error when nothing was started.
+// `create` returns the result of CreateProcessW. Returns ERROR_SUCCESS or the error of the last attempt.
 template <typename Create>
-DWORD StartPatiently(const Create& create) {
+DWORD StartWithRetries(const Create& create) {
     constexpr int kAttempts = 3;
     DWORD error = ERROR_INTERNAL_ERROR;
     for (int attempt = 0; attempt < kAttempts && error == ERROR_INTERNAL_ERROR; ++attempt) {
