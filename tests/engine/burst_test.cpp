@@ -1,5 +1,5 @@
-// Bursts that arrive faster than records can be written: traps that fit into the socket's buffer are recorded
-// whole and in order, the others are lost without any sign.
+// Bursts that arrive faster than records can be written. Traps that fit into the socket's buffer are all
+// recorded, in order; the others are lost silently.
 #include <mutex>
 
 #include "config/forwarding_settings.h"
@@ -10,7 +10,7 @@
 
 namespace {
 
-// Fits into the smallest buffer that a system grants.
+// Fits into the smallest receive buffer that a system grants.
 constexpr size_t kBurst = 150;
 
 class Bursts : public EngineTest {
@@ -33,8 +33,8 @@ class Bursts : public EngineTest {
     LoopbackClient client_;
 };
 
-// The worker waits for the lock that its lookups need, so the whole burst is queued.
-TEST_F(Bursts, ABurstThatFitsIntoTheBufferIsRecordedWholeAndInOrder) {
+// The trap thread waits for MibStoreLock, so the whole burst is queued.
+TEST_F(Bursts, ABurstThatFitsIntoTheBufferIsRecordedInOrder) {
     ASSERT_TRUE(StartServer());
     {
         const std::lock_guard lock(MibStoreLock);
@@ -49,7 +49,7 @@ TEST_F(Bursts, ABurstThatFitsIntoTheBufferIsRecordedWholeAndInOrder) {
     }
 }
 
-TEST_F(Bursts, AFloodOn161CausesNoLossOfTraps) {
+TEST_F(Bursts, AFloodOn161LosesNoTraps) {
     ASSERT_TRUE(StartServer());
     LoopbackClient flooder;
     for (size_t number = 0; number < kBurst; ++number) {
@@ -62,7 +62,7 @@ TEST_F(Bursts, AFloodOn161CausesNoLossOfTraps) {
     EXPECT_TRUE(WaitForLogLines("Datagram on UDP 161 from 127.0.0.1."));
 }
 
-TEST_F(Bursts, ALargerBurstLosesWholeTrapsAndTheRestIsRecordedLoggedAndForwarded) {
+TEST_F(Bursts, ALargerBurstLosesWholeTrapsAndTheRestAreRecordedLoggedAndForwarded) {
     LoopbackClient target;
     ASSERT_TRUE(StartServer());
     constexpr size_t kSent = 3000;
@@ -71,7 +71,7 @@ TEST_F(Bursts, ALargerBurstLosesWholeTrapsAndTheRestIsRecordedLoggedAndForwarded
         const std::lock_guard lock(MibStoreLock);
         SendNumbered(kSent);
     }
-    // The marker is sent until it arrives: the buffer may still be full.
+    // The marker is sent until it is recorded: the buffer may still be full.
     ReplaceForwarding(true, L"127.0.0.1", target.port());
     ASSERT_TRUE(WaitUntil([&] {
         client_.Send(NumberedTrap(kSent));
@@ -83,7 +83,7 @@ TEST_F(Bursts, ALargerBurstLosesWholeTrapsAndTheRestIsRecordedLoggedAndForwarded
     EXPECT_EQ(records.front(), NumberedRecord(0));
     EXPECT_EQ(records.back(), NumberedRecord(kSent));
     EXPECT_LT(records.size(), kSent) << "nothing was lost: the burst was too small";
-    EXPECT_GT(target.Receive().size(), 0U) << "forwarding continued";
+    EXPECT_GT(target.Receive().size(), 0U) << "nothing was forwarded";
 }
 
 }  // namespace

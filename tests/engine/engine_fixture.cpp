@@ -39,7 +39,7 @@ std::vector<std::string> Split(const std::string& text, std::string_view separat
     return pieces;
 }
 
-// What follows the stamp at the start of `line`.
+// Returns `line` without the stamp at its start.
 std::string StripStamp(const std::string& line) {
     EXPECT_TRUE(IsStamp(line.substr(0, kStampLength))) << line;
     return line.substr(std::min(kStampLength, line.size()));

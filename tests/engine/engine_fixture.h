@@ -1,5 +1,5 @@
-// The receiver as a whole on its real ports, with a separate data folder. The ports are fixed, so these
-// programs run where they are free: in a network namespace or a fresh Wine prefix inside one.
+// The whole receiver on its real ports, with its own data folder. The ports are fixed, so these programs run
+// in a private network namespace.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -16,10 +16,10 @@
 
 constexpr uint16_t kListenerPort = 161;
 
-// The octets of the sample message of that name.
+// The octets of the sample message `name`.
 const Octets& Sample(std::string_view name);
 
-// The sample's lines in SNMP.txt after the header line, without the empty one at the end.
+// The sample's lines in SNMP.txt after the header line, without the empty line at the end.
 std::string ExpectedLines(std::string_view name);
 
 // A v2c trap of 65,507 octets, the largest datagram; its last binding is the integer 4711.
@@ -27,18 +27,18 @@ Octets LargestMessage();
 
 class EngineTest : public ::testing::Test {
   protected:
-    // The socket library lives as long as the fixture, since fixtures have clients as members.
+    // Start and stop the socket library: derived fixtures have sockets as members.
     EngineTest();
     ~EngineTest() override;
     void SetUp() override;
     void TearDown() override;
 
-    // The lines of log.txt without their stamps; a line without a proper stamp is reported as a failure.
+    // The lines of log.txt without their stamps. A line without a proper stamp fails the test.
     static std::vector<std::string> LogLines();
     static size_t CountLogLines(std::string_view message);
     static bool WaitForLogLines(std::string_view message, size_t count = 1);
     static std::string TrapFile();
-    // Each record of SNMP.txt without its stamp, up to and without its empty line.
+    // The records of SNMP.txt without their stamps and empty lines.
     static std::vector<std::string> TrapRecords();
     static bool WaitForTraps(size_t count);
 

@@ -1,5 +1,5 @@
-// Exceptions inside the workers: memory that runs out, a lock that the system refuses. The clock, which every
-// log line reads, is replaced by linking and throws on demand, in the first worker that reads it.
+// Exceptions in the workers: memory runs out, or the system refuses a lock. The clock, which every log line
+// reads, is replaced at link time and throws on demand in the next worker that reads it.
 #include <atomic>
 #include <new>
 #include <system_error>
@@ -13,16 +13,16 @@ namespace {
 
 enum class Fault { None, NoMemory, RefusedLock };
 
-// Thrown once, when a thread other than the main one reads the clock after so many other readings.
+// Thrown once, when a worker reads the clock; the first `readsToSkip` reads succeed.
 std::atomic<Fault> nextFault{Fault::None};
-std::atomic<int> readingsBefore{0};
+std::atomic<int> readsToSkip{0};
 
-// A trap's time of arrival is read before anything can fail.
-constexpr int kArrivalReadings = 1;
+// The first read for a trap is its time of arrival, before anything that can fail.
+constexpr int kArrivalReads = 1;
 const std::thread::id kMainThread = std::this_thread::get_id();
 
 void ThrowNextFault() {
-    if (std::this_thread::get_id() == kMainThread || nextFault == Fault::None || readingsBefore-- > 0) {
+    if (std::this_thread::get_id() == kMainThread || nextFault == Fault::None || readsToSkip-- > 0) {
         return;
     }
     switch (nextFault.exchange(Fault::None)) {
@@ -35,13 +35,6 @@ void ThrowNextFault() {
     }
 }
 
-uint64_t MillisecondsSinceStart() {
-    using std::chrono::steady_clock;
-    static const steady_clock::time_point start = steady_clock::now();
-    const auto passed = steady_clock::now() - start;
-    return static_cast<uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(passed).count()) + 1;
-}
-
 }  // namespace
 
 LocalTime ReadLocalTime() {
@@ -50,7 +43,7 @@ LocalTime ReadLocalTime() {
 }
 
 uint64_t ReadTickCount() {
-    return MillisecondsSinceStart();
+    return 1;
 }
 
 void SleepMilliseconds(uint32_t milliseconds) {
@@ -69,8 +62,8 @@ class Exceptions : public EngineTest, public ::testing::WithParamInterface<Fault
         ASSERT_TRUE(WaitForLogLines("Listener thread started (UDP 161)."));
     }
 
-    static void ThrowAfter(int readings) {
-        readingsBefore = readings;
+    static void ThrowAfter(int reads) {
+        readsToSkip = reads;
         nextFault = GetParam();
     }
 
@@ -86,9 +79,9 @@ class Exceptions : public EngineTest, public ::testing::WithParamInterface<Fault
     LoopbackClient client_;
 };
 
-TEST_P(Exceptions, OneWhileATrapIsLoggedLosesThatTrapOnly) {
+TEST_P(Exceptions, WhileATrapIsLoggedLoseThatTrapOnly) {
     StartAndWaitForBothWorkers();
-    ThrowAfter(kArrivalReadings);
+    ThrowAfter(kArrivalReads);
     client_.Send(Sample("v2_link_down"));
     ASSERT_TRUE(WaitForFault());
     client_.Send(Sample("v1_link_down"));
@@ -99,7 +92,7 @@ TEST_P(Exceptions, OneWhileATrapIsLoggedLosesThatTrapOnly) {
     EXPECT_EQ(CountLogLines("Trap received (127.0.0.1)."), 1U);
 }
 
-TEST_P(Exceptions, OneWhileADatagramOn161IsLoggedLosesThatLineOnly) {
+TEST_P(Exceptions, WhileADatagramOn161IsLoggedLoseThatLineOnly) {
     StartAndWaitForBothWorkers();
     ThrowAfter(0);
     client_.Send({}, kListenerPort);
@@ -107,12 +100,12 @@ TEST_P(Exceptions, OneWhileADatagramOn161IsLoggedLosesThatLineOnly) {
     client_.Send({}, kListenerPort);
     ASSERT_TRUE(WaitForLogLines(kOn161));
     client_.Send(Sample("v2_link_down"));
-    ASSERT_TRUE(WaitForTraps(1)) << "the other worker is not affected";
+    ASSERT_TRUE(WaitForTraps(1)) << "the other worker was affected";
     EXPECT_EQ(CountLogLines(kOn161), 1U);
 }
 
-// A worker's first reading of the clock is for its starting line.
-TEST_P(Exceptions, OneAtTheStartOfAWorkerLosesItsFirstLineOnly) {
+// A worker first reads the clock for its start line.
+TEST_P(Exceptions, AtTheStartOfAWorkerLoseItsFirstLineOnly) {
     ThrowAfter(0);
     ASSERT_TRUE(StartServer());
     ASSERT_TRUE(WaitForFault());

@@ -1,5 +1,5 @@
-// Data files that cannot be opened: the receiver runs, reports nothing (there is no other log) and leaves
-// files and folders in their place unchanged. Permissions, links and full disks are in posix_fault_test.cpp.
+// Data files that cannot be opened. The receiver runs without reporting it (there is no other log) and does
+// not change what is in their place. Permissions, links and full disks are in posix_fault_test.cpp.
 #include <filesystem>
 #include <string>
 
@@ -19,7 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A path of AppPaths for the standard library.
+// Converts a path of AppPaths for the standard library.
 fs::path StandardPath(std::wstring path) {
     for (wchar_t& character : path) {
         character = character == L'\\' ? static_cast<wchar_t>(fs::path::preferred_separator) : character;
@@ -31,7 +31,7 @@ class Faults : public EngineTest {
   protected:
     void SetUp() override {
         EngineTest::SetUp();
-        // Forwarding shows that a trap was handled completely when no file can.
+        // When no file can be written, forwarding shows that a trap was handled.
         ReplaceForwarding(true, L"127.0.0.1", target_.port());
     }
 
@@ -48,7 +48,7 @@ class Faults : public EngineTest {
     LoopbackClient target_;
 };
 
-TEST_F(Faults, WithoutADataFolderTheReceiverStartsRunsAndStopsAndCreatesNone) {
+TEST_F(Faults, WithoutADataFolderTheReceiverRunsAndCreatesNone) {
     RemoveDataFolder();
     LoadConfig();
     LoadMibFolder();
@@ -62,7 +62,7 @@ TEST_F(Faults, WithoutADataFolderTheReceiverStartsRunsAndStopsAndCreatesNone) {
 
 TEST_F(Faults, ADataFolderRemovedWhileRunningLosesRecordsUntilItExistsAgain) {
     ASSERT_TRUE(StartServer());
-    // Nothing is written while the folder is removed.
+    // Otherwise a worker may write its start line while the folder is being removed.
     ASSERT_TRUE(WaitForLogLines("Trap thread started (UDP 162)."));
     ASSERT_TRUE(WaitForLogLines("Listener thread started (UDP 161)."));
     RemoveDataFolder();
@@ -77,18 +77,18 @@ TEST_F(Faults, ADataFolderRemovedWhileRunningLosesRecordsUntilItExistsAgain) {
     EXPECT_EQ(TrapRecords()[0], expected);
 }
 
-TEST_F(Faults, AFolderInPlaceOfTheTrapFileLosesTheRecordsOnly) {
+TEST_F(Faults, AFolderInPlaceOfTheTrapFileLosesOnlyTheRecords) {
     fs::create_directory(StandardPath(AppPaths.trapFilePath));
     ASSERT_TRUE(StartServer());
     ExpectTrapsAreStillHandled();
-    EXPECT_TRUE(WaitForTraps(1)) << "the log continues";
+    EXPECT_TRUE(WaitForTraps(1)) << "the trap was not logged";
     EXPECT_EQ(ReadWholeFile(AppPaths.trapFilePath), L"");
     EXPECT_EQ(ReadFileFrom(AppPaths.trapFilePath, 0), L"");
     ClearFile(AppPaths.trapFilePath);
-    EXPECT_TRUE(fs::is_empty(StandardPath(AppPaths.trapFilePath))) << "still an empty folder";
+    EXPECT_TRUE(fs::is_empty(StandardPath(AppPaths.trapFilePath))) << "the folder was changed";
 }
 
-TEST_F(Faults, AFolderInPlaceOfTheLogLosesItsLinesOnly) {
+TEST_F(Faults, AFolderInPlaceOfTheLogLosesOnlyTheLines) {
     RemoveFile(AppPaths.logFilePath);
     fs::create_directory(StandardPath(AppPaths.logFilePath));
     ASSERT_TRUE(StartServer());
@@ -118,7 +118,7 @@ TEST_F(Faults, AMissingMibsFolderOrAFileInItsPlaceGivesNoNames) {
     EXPECT_EQ(ReadOctets(AppPaths.mibsDir), "a file");
 }
 
-TEST_F(Faults, TwoThousandMibFilesBetweenSubFoldersAreLoaded) {
+TEST_F(Faults, TwoThousandMibFilesAreLoadedAndSubfoldersSkipped) {
     constexpr int kFiles = 2000;
     for (int number = 1; number <= kFiles; ++number) {
         const std::string digits = std::to_string(number);

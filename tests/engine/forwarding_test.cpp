@@ -24,8 +24,8 @@ class Forwarding : public EngineTest {
         ASSERT_TRUE(WaitForTraps(++sent));
     }
 
-    // Nothing was forwarded if the first datagram to arrive is the one that the target sends itself. The
-    // datagram before it was handled completely, since the one after it is recorded.
+    // Checks that the first datagram the target receives is its own marker. Once a trap is recorded, all
+    // earlier ones have been forwarded.
     void ExpectNothingForwarded() {
         ForwardingSettings.forwardingEnabled = false;
         SendAndWait({});
@@ -38,7 +38,7 @@ class Forwarding : public EngineTest {
     size_t sent = 0;
 };
 
-TEST_F(Forwarding, DatagramsOfEveryKindAndSizeArriveUnchanged) {
+TEST_F(Forwarding, DatagramsOfEveryKindAndSizeAreForwardedUnchanged) {
     for (const Octets& octets :
          {Sample("v2_link_down"), Octets{}, Octets{0xFF, 0x00, 0x80}, LargestMessage(), Octets{1}}) {
         client.Send(octets);
@@ -46,7 +46,7 @@ TEST_F(Forwarding, DatagramsOfEveryKindAndSizeArriveUnchanged) {
     }
 }
 
-TEST_F(Forwarding, ANewTargetAppliesToTheVeryNextDatagram) {
+TEST_F(Forwarding, ANewTargetAppliesToTheNextDatagram) {
     LoopbackClient otherTarget;
     client.Send({1});
     EXPECT_EQ(target.Receive(), Octets{1});
@@ -61,23 +61,23 @@ TEST_F(Forwarding, NothingIsSentWhileItIsOff) {
     ExpectNothingForwarded();
 }
 
-// The trap finds forwarding on; when it copies the target, that is a new one and forwarding is off.
-TEST_F(Forwarding, ATrapDuringTheSwitchingOffIsNotSentToTheNewTarget) {
-    LoopbackClient neverOn;
+// The trap thread sees forwarding on, but when it copies the target, forwarding is off and the target is new.
+TEST_F(Forwarding, ATrapWhileForwardingIsSwitchedOffIsNotSentToTheNewTarget) {
+    LoopbackClient newTarget;
     {
         const std::lock_guard lock(ForwardingLock);
         SendAndWait(Sample("v2_link_down"));
-        // Time to read the flag and to reach the lock; too little can hide a fault, but not cause a failure.
+        // Time to read the flag and reach the lock. Too short a sleep can hide a bug but not cause a failure.
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
         ForwardingSettings.forwardingEnabled = false;
-        ForwardingSettings.forwardingPort = neverOn.port();
+        ForwardingSettings.forwardingPort = newTarget.port();
     }
     SendAndWait({});
-    neverOn.Send(kMarker, neverOn.port());
-    EXPECT_EQ(neverOn.Receive(), kMarker);
+    newTarget.Send(kMarker, newTarget.port());
+    EXPECT_EQ(newTarget.Receive(), kMarker);
 }
 
-TEST_F(Forwarding, TextThatIsNotADottedAddressSendsAndLogsNothing) {
+TEST_F(Forwarding, AnythingButADottedAddressSendsAndLogsNothing) {
     for (const wchar_t* address : {L"", L"localhost", L" 127.0.0.1", L"127.0.0.1 ", L"::1", L"127.1",
                                    L"127.0.0.01", L"0x7f.0.0.1", L"127.0.0.1:162", L"\u20AC"}) {
         ReplaceForwarding(true, address, target.port());
@@ -87,8 +87,8 @@ TEST_F(Forwarding, TextThatIsNotADottedAddressSendsAndLogsNothing) {
     EXPECT_EQ(CountLogLines(kFailed), 0U);
 }
 
-TEST_F(Forwarding, ARefusedSendIsLoggedForEachDatagramAndTheNextIsTried) {
-    ReplaceForwarding(true, L"255.255.255.255", target.port());  // broadcast is refused to an ordinary socket
+TEST_F(Forwarding, EachRefusedSendIsLoggedAndTheNextDatagramIsTried) {
+    ReplaceForwarding(true, L"255.255.255.255", target.port());  // an ordinary socket may not broadcast
     client.Send(Sample("v2_link_down"));
     client.Send(Sample("v2_link_down"));
     ASSERT_TRUE(WaitForLogLines(kFailed, 2));
@@ -98,10 +98,10 @@ TEST_F(Forwarding, ARefusedSendIsLoggedForEachDatagramAndTheNextIsTried) {
     EXPECT_EQ(CountLogLines(kFailed), 2U);
 }
 
-TEST_F(Forwarding, ATargetOnOurOwnPortIsForwardedWithoutEnd) {
+TEST_F(Forwarding, ForwardingToOurOwnPortLoopsForever) {
     ReplaceForwarding(true, L"127.0.0.1", kTrapPort);
     client.Send(Sample("v2_link_down"));
-    EXPECT_TRUE(WaitForTraps(20)) << "after a single datagram";
+    EXPECT_TRUE(WaitForTraps(20)) << "from a single datagram";
     ForwardingSettings.forwardingEnabled = false;
 }
 

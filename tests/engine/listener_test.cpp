@@ -17,7 +17,7 @@ class Listener : public EngineTest {
     LoopbackClient client;
 };
 
-TEST_F(Listener, ARequestGivesOneLogLineAndNoReply) {
+TEST_F(Listener, ARequestIsLoggedOnceAndNotAnswered) {
     client.Send(Sample("get_request_two_bindings"), kListenerPort);
     ASSERT_TRUE(WaitForLogLines(kLogged));
     const Octets marker = {9};
@@ -34,7 +34,7 @@ TEST_F(Listener, DatagramsOn161ChangeNeitherTrapFileNorLastTrap) {
     EXPECT_EQ(CopyLastTrapSender(), L"");
 }
 
-TEST_F(Listener, AFloodIsOneLineForEachDatagram) {
+TEST_F(Listener, AFloodLogsOneLineForEachDatagram) {
     constexpr size_t kFlood = 150;
     for (size_t sent = 0; sent < kFlood; ++sent) {
         client.Send({0x30}, kListenerPort);

@@ -1,4 +1,4 @@
-// Faults that a test can cause on POSIX only: files without permissions, links, pipes, a full disk, and a
+// Faults that a test can cause only on POSIX: files without permissions, links, pipes, a full disk, and a
 // process that is killed while it writes.
 #include <algorithm>
 #include <csignal>
@@ -35,8 +35,8 @@ fs::path PosixPath(const std::wstring& path) {
     return spelled;
 }
 
-// The tests run as root of their namespace, to whom permissions do not apply. This removes that privilege,
-// but not the one to bind low ports, from the calling thread and from those that it starts.
+// The tests run as root of their namespace, and file permissions do not apply to root. This drops that
+// privilege, but not the one to bind low ports, for the calling thread and the threads that it starts.
 class WithoutFilePrivileges {
   public:
     WithoutFilePrivileges() {
@@ -115,7 +115,7 @@ TEST_F(PosixFaults, UnreadableSettingsAndMibFilesAreIgnored) {
     EXPECT_EQ(CountLogLines("Config saved."), 0U);
     LoadMibFolder();
     EXPECT_EQ(LogLines().back(), "MIBs loaded. OID mappings: 1");
-    EXPECT_EQ(ListMibFiles(), (std::vector<std::wstring>{L"a.mib", L"b.mib"})) << "but listed";
+    EXPECT_EQ(ListMibFiles(), (std::vector<std::wstring>{L"a.mib", L"b.mib"})) << "both are listed";
 }
 
 TEST_F(PosixFaults, AnInaccessibleMibsFolderGivesNoNames) {
@@ -129,7 +129,7 @@ TEST_F(PosixFaults, AnInaccessibleMibsFolderGivesNoNames) {
     Allow(AppPaths.mibsDir, 0755);
 }
 
-TEST_F(PosixFaults, LinksCountAsTheirTargets) {
+TEST_F(PosixFaults, SymbolicLinksAreFollowed) {
     const fs::path mibs = PosixPath(AppPaths.mibsDir);
     WriteMib("target.doc", "linked");
     fs::create_symlink(mibs / "target.doc", mibs / "file.mib");
@@ -141,7 +141,7 @@ TEST_F(PosixFaults, LinksCountAsTheirTargets) {
     EXPECT_EQ(ListMibFiles(), std::vector<std::wstring>{L"file.mib"});
 }
 
-// Opening a pipe without a writer would never return.
+// Opening a pipe without a writer would block forever.
 TEST_F(PosixFaults, APipeNamedLikeAMibFileIsNotOpened) {
     ASSERT_EQ(mkfifo((PosixPath(AppPaths.mibsDir) / "pipe.mib").c_str(), 0600), 0);
     WriteMib("real.mib", "real");
@@ -154,8 +154,8 @@ std::string MaskStamp(std::string record) {
                           '#');
 }
 
-// Checks that `octets`, written by one process, are whole records and at most one cut one at the end. Returns
-// whether there is a cut one.
+// Checks that `octets`, written by one process, are whole records, the last one possibly truncated. Returns
+// whether it is.
 bool CheckRecordsOfOneRun(std::string_view octets, const std::string& expected) {
     size_t at = 0;
     for (; at + expected.size() <= octets.size(); at += expected.size()) {
@@ -167,8 +167,7 @@ bool CheckRecordsOfOneRun(std::string_view octets, const std::string& expected) 
     return !rest.empty();
 }
 
-// A small tmpfs over the data folder, mounted in a namespace of the calling thread and of those that it
-// starts.
+// Mounts a small tmpfs over the data folder, visible only to the calling thread and the threads it starts.
 class FullDisk : public PosixFaults {
   protected:
     static constexpr size_t kDiskSize = size_t{128} << 10;
@@ -180,7 +179,7 @@ class FullDisk : public PosixFaults {
                    mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
                    mount("tmpfs", folder_.c_str(), "tmpfs", 0, "size=128k") == 0;
         if (!mounted_) {
-            GTEST_SKIP() << "This machine does not allow mounts of one's own.";
+            GTEST_SKIP() << "mounting a tmpfs is not permitted here";
         }
     }
 
@@ -191,28 +190,26 @@ class FullDisk : public PosixFaults {
         }
     }
 
-    // Leaves no space; removing the file frees it.
     void FillDisk() const {
         std::ofstream filler(folder_ + "/filler", std::ios::binary);
         filler << std::string(2 * kDiskSize, 'x') << std::flush;
         EXPECT_FALSE(filler.good()) << "the disk is larger than expected";
     }
 
-    // Leaves space for a few pages.
     void FillDiskExcept(size_t octets) const {
         FillDisk();
         fs::resize_file(folder_ + "/filler", fs::file_size(folder_ + "/filler") - octets);
     }
 
-    void EmptyDisk() const { fs::remove(folder_ + "/filler"); }
+    void FreeDisk() const { fs::remove(folder_ + "/filler"); }
 
   private:
     std::string folder_;
     bool mounted_ = false;
 };
 
-// The worker waits for the lock that its lookups need, so that all but the first are written together.
-TEST_F(FullDisk, CutsTheFirstRecordOfABatchThatDoesNotFitAndAllAreForwarded) {
+// The trap thread waits for MibStoreLock, so that all but the first trap form a batch.
+TEST_F(FullDisk, TruncatesTheFirstRecordOfABatchThatDoesNotFitAndForwardsAll) {
     constexpr size_t kTraps = 100;
     const Octets& trap = Sample("v2_link_down");
     const std::string record = std::string(kStampLength, '#') + "       FROM: 127.0.0.1\r\r\n" +
@@ -229,10 +226,10 @@ TEST_F(FullDisk, CutsTheFirstRecordOfABatchThatDoesNotFitAndAllAreForwarded) {
         ASSERT_EQ(target_.Receive(), trap);
     }
     const std::string fitted = TrapFile();
-    EXPECT_TRUE(CheckRecordsOfOneRun(fitted, record)) << "nothing was cut";
-    EXPECT_GT(fitted.size(), size_t{8} << 10) << "free space was not used";
+    EXPECT_TRUE(CheckRecordsOfOneRun(fitted, record)) << "no record was truncated";
+    EXPECT_GT(fitted.size(), size_t{8} << 10) << "free space was left";
     EXPECT_LT(fitted.size(), kTraps * record.size()) << "the disk was never full";
-    EmptyDisk();
+    FreeDisk();
     ExpectTrapsAreStillHandled();
     StopServer();
     const std::string all = TrapFile();
@@ -241,28 +238,28 @@ TEST_F(FullDisk, CutsTheFirstRecordOfABatchThatDoesNotFitAndAllAreForwarded) {
     EXPECT_FALSE(CheckRecordsOfOneRun(std::string_view(all).substr(fitted.size()), record));
 }
 
-TEST_F(FullDisk, ACutCopyFails) {
+TEST_F(FullDisk, ATruncatedCopyFails) {
     const std::wstring source = AppPaths.dataDir + L"\\source.mib";
     WriteOctets(source, std::string(size_t{32} << 10, 'x'));
     FillDiskExcept(size_t{16} << 10);
     EXPECT_FALSE(CopyFileOver(source, AppPaths.dataDir + L"\\target.mib"));
-    EmptyDisk();
+    FreeDisk();
 }
 
-TEST_F(FullDisk, SettingsAreCutAndCanBeSavedAgainLater) {
+TEST_F(FullDisk, SettingsAreTruncatedAndCanBeSavedAgainLater) {
     WriteOctets(AppPaths.configPath, "");
     FillDisk();
     SaveConfig();
     EXPECT_EQ(ReadOctets(AppPaths.configPath), "");
-    EmptyDisk();
+    FreeDisk();
     SaveConfig();
     EXPECT_EQ(ReadOctets(AppPaths.configPath).substr(0, 8), "<config>");
 }
 
-// The receiver in a child process, killed during a flood of traps.
+// Runs the receiver in a child process and kills it during a flood of traps.
 class Killed : public EngineTest {
   protected:
-    // Starts the receiving process; returns in the parent only, once port 162 is served.
+    // Starts the child process. Returns in the parent only, once the child receives traps.
     static pid_t StartReceiverProcess(size_t earlierStarts) {
         const pid_t child = fork();
         if (child == 0) {
@@ -275,7 +272,7 @@ class Killed : public EngineTest {
         return child;
     }
 
-    // By text search, since a cut line may precede.
+    // Does not split the log into lines, since a truncated line has no end.
     static size_t CountStarts() {
         const std::string log = ReadOctets(AppPaths.logFilePath);
         size_t count = 0;
@@ -292,19 +289,19 @@ class Killed : public EngineTest {
     }
 };
 
-TEST_F(Killed, FiftyTimesInAFloodItCutsAtMostTheLastRecordAndTheNextStartAppends) {
+TEST_F(Killed, InAFloodItTruncatesAtMostTheLastRecordAndTheNextStartAppends) {
     constexpr int kKills = 50;
-    // Records of several pages, so that a kill has a chance to come in the middle of a write.
+    // Records of several pages, so that a kill may interrupt a write.
     const Octets trap = EncodeV2Trap({{"1.3.6.1.4.1.9999.1", EncodeOctetString(std::string(16000, 'x'))}});
     const std::string expected = std::string(kStampLength, '#') + "       FROM: 127.0.0.1\r\r\n" +
                                  "---> [1] 1.3.6.1.4.1.9999.1  OCTET STRING = \"" + std::string(16000, 'x') +
                                  "\"\r\r\n\r\r\n";
     LoopbackClient client;
     std::string before;
-    int cut = 0;
+    int truncated = 0;
     for (int round = 0; round < kKills; ++round) {
         const pid_t child = StartReceiverProcess(CountStarts());
-        // The flood lasts until after the kill, and how far the receiver gets differs from round to round.
+        // The number of records before the kill varies. Traps are still queued at the kill.
         const size_t enough = before.size() + static_cast<size_t>(1 + round % 5) * expected.size();
         while (QueryFileSize(AppPaths.trapFilePath).value_or(0) < enough) {
             client.Send(trap);
@@ -316,16 +313,16 @@ TEST_F(Killed, FiftyTimesInAFloodItCutsAtMostTheLastRecordAndTheNextStartAppends
         const std::string after = ReadOctets(AppPaths.trapFilePath);
         ASSERT_EQ(after.substr(0, before.size()), before)
             << "round " << round << ": an earlier record changed";
-        cut += CheckRecordsOfOneRun(std::string_view(after).substr(before.size()), expected) ? 1 : 0;
+        truncated += CheckRecordsOfOneRun(std::string_view(after).substr(before.size()), expected) ? 1 : 0;
         ASSERT_FALSE(HasFailure()) << "round " << round;
         before = after;
         if (round % 10 == 9) {
-            // It is read whole in each round.
+            // Each round reads the whole file: limit its size.
             ClearFile(AppPaths.trapFilePath);
             before.clear();
         }
     }
-    std::printf("%d of %d kills cut a record.\n", cut, kKills);
+    std::printf("%d of %d kills truncated a record.\n", truncated, kKills);
 }
 
 }  // namespace

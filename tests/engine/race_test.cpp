@@ -1,6 +1,6 @@
-// Everything at once: the receiver started and stopped repeatedly with traffic on both ports, while an
-// operator saves settings, reloads the MIB files and looks at the windows. Under a sanitizer a data race or a
-// use after free ends this program.
+// Everything at once: the receiver is started and stopped under traffic on both ports while an operator saves
+// settings, reloads the MIB files and looks at the windows. A sanitizer ends this program on a data race or a
+// use after free.
 #include <atomic>
 #include <memory>
 #include <thread>
@@ -54,7 +54,7 @@ class Loop {
   private:
     std::atomic<bool> end_{false};
     std::atomic<int> rounds_{0};
-    std::thread thread_;  // last: it uses the others
+    std::thread thread_;  // last, since it uses the others
 };
 
 class Races : public EngineTest {
@@ -80,14 +80,14 @@ void ActAsOperator(int round, uint16_t targetPort) {
     EXPECT_TRUE(sender.empty() || sender.rfind(L"127.0.0.1:", 0) == 0);
     ReadFileFrom(AppPaths.trapFilePath, 0);
     if (round % 16 == 15) {
-        // As the clear buttons do; the files also remain small enough to be read whole each time.
+        // As the clear button does. This also limits what each round reads.
         ClearFile(AppPaths.trapFilePath);
     }
 }
 
-// In the program all of this happens on the one GUI thread; here the operator has another thread, which tests
-// the locks harder.
-TEST_F(Races, TwoHundredStartsAndStopsUnderTrafficWithABusyOperatorAreLoggedWhole) {
+// In the program the GUI thread does all of this. Here the operator has a second thread, which tests the
+// locks harder.
+TEST_F(Races, StartsAndStopsUnderTrafficWithABusyOperatorAreAllLogged) {
     LoopbackClient trapSender;
     LoopbackClient listenerSender;
     Loop traps([&] { trapSender.Send(kTrap); });
@@ -95,7 +95,7 @@ TEST_F(Races, TwoHundredStartsAndStopsUnderTrafficWithABusyOperatorAreLoggedWhol
     Loop operatorActions([this, round = 0]() mutable { ActAsOperator(round++, forwardingTarget_.port()); });
     for (int round = 0; round < kRounds; ++round) {
         ASSERT_TRUE(StartServer()) << "round " << round;
-        // Half of the rounds are stopped while their workers are still starting.
+        // Odd rounds stop while the workers are still starting.
         if (round % 2 == 0) {
             ServerState.lastTrapTick = 0;
             ASSERT_TRUE(WaitUntil([] { return ServerState.lastTrapTick != 0; })) << "round " << round;
@@ -119,9 +119,9 @@ TEST_F(Races, TwoHundredStartsAndStopsUnderTrafficWithABusyOperatorAreLoggedWhol
     }
 }
 
-TEST_F(Races, RecordsAndLogLinesAgreeWhateverTheOperatorDoes) {
+TEST_F(Races, EachRecordHasItsLogLineWhileTheOperatorIsBusy) {
     constexpr size_t kTraps = 1000;
-    constexpr size_t kPortion = 50;
+    constexpr size_t kBurst = 50;
     ASSERT_TRUE(StartServer());
     LoopbackClient sender;
     sender.Send(kTrap);
@@ -134,11 +134,11 @@ TEST_F(Races, RecordsAndLogLinesAgreeWhateverTheOperatorDoes) {
             SaveConfig();
             LoadMibFolder();
         });
-        for (size_t recorded = 1; recorded < kTraps; recorded += kPortion) {
-            for (size_t sent = 0; sent < kPortion; ++sent) {
+        for (size_t recorded = 1; recorded < kTraps; recorded += kBurst) {
+            for (size_t sent = 0; sent < kBurst; ++sent) {
                 sender.Send(kTrap);
             }
-            const uint64_t size = (recorded + kPortion) * recordSize;
+            const uint64_t size = (recorded + kBurst) * recordSize;
             ASSERT_TRUE(WaitUntil([size] { return QueryFileSize(AppPaths.trapFilePath) == size; }));
         }
     }

@@ -1,5 +1,5 @@
-// Forwarding over lines that are slower than the receiver, and stops meanwhile: no network may delay a stop,
-// and a send that waits for room loses nothing. scripts/with_slow_lines.sh creates the lines.
+// Forwarding over lines slower than the receiver, and stops while it is blocked: no network may delay a stop,
+// and a send that waits for buffer space loses nothing. scripts/with_slow_lines.sh creates the lines.
 #include <atomic>
 #include <chrono>
 #include <fstream>
@@ -20,7 +20,7 @@ constexpr wchar_t kSlowHost[] = L"10.77.1.2";
 constexpr uint32_t kSlowAddress = 0x0A4D0102;
 constexpr wchar_t kDeadNeighbour[] = L"10.77.1.3";
 constexpr wchar_t kQuickHost[] = L"10.77.2.2";
-constexpr wchar_t kUnreachable[] = L"203.0.113.1";  // no route leads there
+constexpr wchar_t kUnreachable[] = L"203.0.113.1";  // no route
 constexpr char kReceived[] = "Trap received (127.0.0.1).";
 constexpr char kFailed[] = "Forwarding failed (sendto error).";
 
@@ -34,7 +34,7 @@ constexpr char kLineCounters[] = "Z:/proc/net/dev";
 constexpr char kLineCounters[] = "/proc/net/dev";
 #endif
 
-// The octets sent over the line so far; -1: there is no such line.
+// Returns the octets sent over the line so far, -1 if there is no such line.
 int64_t OctetsSent(const std::string& line) {
     std::ifstream counters(kLineCounters);
     for (std::string name; counters >> name;) {
@@ -66,8 +66,7 @@ class Stops : public EngineTest {
         }
     }
 
-    // From then on the worker's next send waits for room, which the slow line needs a quarter of a minute to
-    // make.
+    // Makes the worker's next send wait: the slow line needs 15 seconds to make room in the buffer.
     static void FillSendBuffer() {
         const Octets large(60'000, 0x30);
         const Octets small(1, 0x30);
@@ -78,7 +77,7 @@ class Stops : public EngineTest {
         }
     }
 
-    // The limit applies however slow the machine is: the window does not respond for longer.
+    // The limit is absolute, even on a slow machine: the window does not respond during a stop.
     static void ExpectStopInTime() {
         const auto begin = std::chrono::steady_clock::now();
         StopServer();
@@ -87,7 +86,7 @@ class Stops : public EngineTest {
         EXPECT_EQ(LogLines().back(), "Server stopped.");
     }
 
-    // The stop waited for the workers and they ended.
+    // The workers ended while the stop waited.
     static void ExpectWorkersEnded() {
         EXPECT_EQ(CountLogLines("Trap thread stopped."), 1U);
         EXPECT_EQ(CountLogLines("Listener thread stopped (UDP 161)."), 1U);
@@ -100,8 +99,7 @@ class SlowLines : public Stops {
   protected:
     void SetUp() override {
         if (OctetsSent("slow") < 0) {
-            GTEST_SKIP()
-                << "there are no slow lines here: they need a private network (scripts/with_slow_lines.sh)";
+            GTEST_SKIP() << "slow lines need a private network (scripts/with_slow_lines.sh)";
         }
         Stops::SetUp();
     }
@@ -116,12 +114,12 @@ TEST_F(SlowLines, AFullSendBufferDoesNotDelayAStop) {
     ExpectWorkersEnded();
 }
 
-TEST_F(SlowLines, TrapsUnsentAtAStopAreLoggedEach) {
+TEST_F(SlowLines, EachTrapUnsentAtAStopIsLogged) {
     ForwardTo(kSlowHost);
     FillSendBuffer();
     Send(8, Sample("v2_link_down"));
     ASSERT_TRUE(WaitForTraps(1));
-    EXPECT_EQ(CountLogLines(kFailed), 0U) << "it waits for room";
+    EXPECT_EQ(CountLogLines(kFailed), 0U) << "the send did not wait";
     ExpectStopInTime();
     ExpectWorkersEnded();
     std::vector<std::string> lines = LogLines();
@@ -161,7 +159,7 @@ TEST_F(SlowLines, ALineThatIsFastEnoughLosesNothing) {
     EXPECT_EQ(CountLogLines(kFailed), 0U);
 }
 
-// ---- Stops while a worker is busy otherwise
+// ---- Stops while a worker is busy with something else
 
 TEST_F(Stops, AFloodDoesNotDelayAStop) {
     std::atomic<bool> end{false};
@@ -179,25 +177,25 @@ TEST_F(Stops, AFloodDoesNotDelayAStop) {
     ExpectWorkersEnded();
 }
 
-TEST_F(Stops, AWorkerThatWaitsForNamesIsNotWaitedForLonger) {
+TEST_F(Stops, AWorkerThatWaitsForTheNameStoreDoesNotDelayAStop) {
     {
         const std::lock_guard lock(MibStoreLock);
         client_.Send(Sample("v2_link_down"));
         ASSERT_TRUE(WaitUntil([] { return ServerState.lastTrapTick != 0; }));
         ExpectStopInTime();
     }
-    EXPECT_TRUE(WaitForLogLines("Trap thread stopped.")) << "it ends by itself";
+    EXPECT_TRUE(WaitForLogLines("Trap thread stopped.")) << "the worker did not end by itself";
 }
 
-// As when SNMP.txt is on a drive that does not respond: its user holds FileLock meanwhile.
-TEST_F(Stops, AFileThatBlocksForASecondDelaysAStopByThatSecond) {
-    std::atomic<bool> held{false};
+// As when SNMP.txt is on a drive that does not respond: FileLock is held meanwhile.
+TEST_F(Stops, AStopWaitsForAFileThatBlocksForASecond) {
+    std::atomic<bool> locked{false};
     std::thread hanging([&] {
         const std::lock_guard lock(FileLock);
-        held = true;
+        locked = true;
         std::this_thread::sleep_for(std::chrono::seconds(1));
     });
-    EXPECT_TRUE(WaitUntil([&] { return held.load(); }));
+    EXPECT_TRUE(WaitUntil([&] { return locked.load(); }));
     client_.Send(Sample("v2_link_down"));
     ExpectStopInTime();
     hanging.join();

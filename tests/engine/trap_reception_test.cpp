@@ -40,13 +40,13 @@ TEST_F(TrapReception, V1V2cAndInformWithTheSameBindingsGiveTheSameRecord) {
     EXPECT_NE(records[0].find("---> [1] "), std::string::npos);
 }
 
-TEST_F(TrapReception, NothingIsEverAnsweredNotEvenAnInform) {
+TEST_F(TrapReception, NothingIsAnsweredNotEvenAnInform) {
     client.Send(Sample("v1_two_bindings"));
     client.Send(Sample("inform_two_bindings"));
     ASSERT_TRUE(WaitForTraps(2));
     const Octets marker = {1, 2, 3};
     client.Send(marker, client.port());
-    EXPECT_EQ(client.Receive(), marker) << "something came back before the marker";
+    EXPECT_EQ(client.Receive(), marker) << "a reply came before the marker";
 }
 
 TEST_F(TrapReception, AZeroLengthDatagramIsRecordedAsNotDecoded) {
@@ -71,7 +71,7 @@ TEST_F(TrapReception, TheLargestDatagramArrivesWhole) {
         << "the last octets did not arrive";
 }
 
-TEST_F(TrapReception, TwoPortsOfOneHostGiveTheSameFromTextAndTheLastPortIsShown) {
+TEST_F(TrapReception, TheSendersPortIsInTheLastSenderButNotInTheRecord) {
     LoopbackClient other;
     client.Send(Sample("v2_link_down"));
     ASSERT_TRUE(WaitForTraps(1));
@@ -83,7 +83,7 @@ TEST_F(TrapReception, TwoPortsOfOneHostGiveTheSameFromTextAndTheLastPortIsShown)
     EXPECT_EQ(records.at(0), records.at(1));
 }
 
-TEST_F(TrapReception, TrapsAreNamedFromTheNextLoadOfMibFilesOn) {
+TEST_F(TrapReception, NamesChangeWithEachLoadOfTheMibFiles) {
     const std::wstring mib = AppPaths.mibsDir + L"\\named.mib";
     AppendToFile(mib, L"linkDownName OBJECT IDENTIFIER ::= { mib-2 77 }\n");
     LoadMibFolder();

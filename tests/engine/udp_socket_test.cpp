@@ -1,4 +1,4 @@
-// Real sockets, closed and bound again.
+// Real sockets.
 #include "platform/udp_socket.h"
 
 #include "tests/engine/engine_fixture.h"
@@ -7,7 +7,7 @@ namespace {
 
 class UdpSockets : public EngineTest {
   protected:
-    // Waits for a datagram as long as none is queued.
+    // Waits while no datagram is queued.
     ReceiveResult Receive(UdpSocket& socket) {
         for (;;) {
             const ReceiveResult result =
@@ -62,8 +62,8 @@ TEST_F(UdpSockets, ABoundSocketReceivesOnEveryAddressOfTheMachine) {
     CloseUdpSocket(*socket);
 }
 
-// As when a receiver starts while a worker of the last run still uses its socket.
-TEST_F(UdpSockets, APortOfAnotherSocketOfOursCanBeBound) {
+// As when the receiver starts while a worker of the last run still uses its socket.
+TEST_F(UdpSockets, TwoOfOurSocketsCanBindTheSamePort) {
     const UdpSocketRef former = OpenUdpSocket();
     ASSERT_TRUE(BindToAllAddresses(*former, 30005));
     const UdpSocketRef next = OpenUdpSocket();
@@ -72,7 +72,7 @@ TEST_F(UdpSockets, APortOfAnotherSocketOfOursCanBeBound) {
     CloseUdpSocket(*former);
 }
 
-TEST_F(UdpSockets, OnlyPlainDottedAddressesParse) {
+TEST_F(UdpSockets, OnlyPlainDottedAddressesAreParsed) {
     uint32_t address = 42;
     for (const char* text :
          {"", " 127.0.0.1", "127.0.0.1 ", "127.1", "0x7f.0.0.1", "256.0.0.1", "1.2.3.4.5", "01.2.3.4"}) {
