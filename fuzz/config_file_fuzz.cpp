@@ -25,21 +25,22 @@ void Apply(const ForwardingValues& values) {
     ReplaceForwarding(values.enabled, values.ip, values.port);
 }
 
-// Loads the file over settings that show whether it changed any.
+// Loads the file over settings that no default equals, so that changes show.
 ForwardingValues Load() {
     Apply(kBefore);
     LoadConfig();
     return CopyForwarding();
 }
 
-// The file is on disk for every input; the log cannot be opened, which is faster than writing it.
+// The settings are a real file. The log cannot be opened, which is faster than writing it.
 void UseScratchFolder() {
     static const ScratchFolder folder;
     AppPaths.configPath = folder.Join(L"config.xml");
     AppPaths.logFilePath = folder.Join(L"no folder\\log.txt");
 }
 
-// An address that contains a marker is saved unchanged, and the next load finds that marker first.
+// An address that contains a marker does not survive: it is saved unescaped, and the next load finds that
+// marker first.
 void CheckSavingAndLoading(const ForwardingValues& loaded) {
     Apply(loaded);
     SaveConfig();

@@ -1,6 +1,6 @@
-// Promises about the octets of the data files: written text reads back; cut and line end are where the format
-// says; decoding gives no more characters than there are octets; octets are read as UTF-8 exactly if they are
-// valid.
+// Promises about the octets of the data files: written text reads back; truncation and line ends follow the
+// format; decoding gives no more characters than there are octets; octets are read as UTF-8 exactly if they
+// are valid UTF-8.
 #include <algorithm>
 #include <string>
 
@@ -13,7 +13,7 @@
 
 namespace {
 
-// Two octets a character, so that every kind of character comes up.
+// Two octets a character, so that every kind of character occurs.
 std::wstring MakeWideText(std::string_view octets) {
     std::wstring text;
     for (size_t index = 0; index + 1 < octets.size(); index += 2) {
@@ -47,10 +47,10 @@ void CheckEncoding(const std::wstring& text) {
     const std::string before = octets;
     AppendFileLines(text, octets);
     Promise(octets == before + EncodePlainly(text, true),
-            "a line end is added to an uncut text that has none");
+            "a line end is added to a text that has none and is not truncated");
 }
 
-// A text that was read from a file has only characters that can be written.
+// Text read from a file contains only characters that can be written.
 void CheckReadingBack(std::string_view octets) {
     std::wstring text = L"leftover";
     DecodeFileText(octets, text);

@@ -1,6 +1,6 @@
-// Writes the seed corpora: small inputs of every kind, from which the fuzzers start and which the replay
-// runs. Run it after changing a seed here or a sample message and commit the result; findings of a fuzzer are
-// added by hand. Usage: quillmont_make_seeds CORPUS_FOLDER
+// Writes the seed corpora: small inputs of every kind for the fuzzers and the replay. Run it after changing a
+// seed here or a sample message, and commit the result. Findings of a fuzzer are added manually.
+// Usage: quillmont_make_seeds CORPUS_FOLDER
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -13,6 +13,8 @@
 #include "tests/support/sample_messages.h"
 
 namespace {
+
+using namespace std::string_literals;
 
 std::wstring corpusFolder;
 
@@ -30,11 +32,6 @@ struct Seed {
     std::string_view name;
     std::string octets;
 };
-
-template <size_t Size>
-std::string Whole(const char (&octets)[Size]) {
-    return {octets, Size - 1};
-}
 
 std::string Repeat(std::string_view part, size_t times) {
     std::string text;
@@ -83,7 +80,7 @@ const Seed kMibSeeds[] = {
      "e OBJECT IDENTIFIER ::= { mgmt\xA0"
      "1 }\n"},
     {"utf_8", "a OBJECT IDENTIFIER ::= { mgmt\xE2\x80\x83\xEF\xBC\x91 }\n"},
-    {"zero_octets", Whole("a\0 OBJECT IDENTIFIER ::= { mgmt 1\0 }\x1A\n")},
+    {"zero_octets", "a\0 OBJECT IDENTIFIER ::= { mgmt 1\0 }\x1A\n"s},
     {"large_numbers",
      "a OBJECT IDENTIFIER ::= { mgmt 4294967296 }\nb OBJECT IDENTIFIER ::= { 2147483648 1 x(-9) -1 }\n"},
     {"braces",
@@ -141,7 +138,7 @@ const Seed kFileTextSeeds[] = {
      "\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBF"},
     {"ansi", "\x80\x81\x8D\x8F\x90\x9D\x9F\xA0\xFF"},
     {"long_ascii", "The quick brown fox jumps over the lazy dog, and once more over the lazy dog.\xE9"},
-    {"wide_text", Whole("\0a\0\r\0\n\0\xFF\1\0\0b")},
+    {"wide_text", "\0a\0\r\0\n\0\xFF\1\0\0b"s},
 };
 
 template <size_t Count>

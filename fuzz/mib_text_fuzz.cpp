@@ -1,6 +1,6 @@
 // Promises about a MIB file: whatever it contains, the tables have no empty name; each identifier with a name
-// has two arcs or more and is found by its dotted text alone; there are no more names than values in the
-// file; the same file gives the same names.
+// has two arcs or more and is found only by its dotted text; there are no more names than values in the file;
+// the same file gives the same names.
 #include <map>
 #include <mutex>
 #include <string>
@@ -25,7 +25,7 @@ size_t CountAssignments(std::wstring_view text) {
 
 using Names = std::map<std::wstring, std::wstring>;  // by identifier
 
-// Fills the tables as a load of one file does, and returns what the name table holds.
+// Fills the tables as a load of one file does, and returns the name table.
 Names LoadText(std::wstring_view text) {
     const std::lock_guard lock(MibStoreLock);
     ClearNameStore();
@@ -37,22 +37,22 @@ Names LoadText(std::wstring_view text) {
 void CheckTables() {
     const std::lock_guard lock(MibStoreLock);
     for (const auto& [text, name] : NameOidMap) {
-        Promise(!text.empty() && name.text == text, "no empty name, and each knows its text");
+        Promise(!text.empty() && name.text == text, "no name is empty, and each is its own key");
     }
     for (const auto& [oid, name] : OidNameMap) {
         // Only a file that defines "iso" itself gives one arc: the built-in root wins over its value.
         Promise(oid->parent != nullptr || oid->arc == 1, "an identifier has two arcs or more");
-        Promise(ResolveName(*name) != nullptr, "no unresolved name in the name table");
+        Promise(ResolveName(*name) != nullptr, "no name in the name table is unresolved");
     }
     for (const MibName* name : PendingDefinitions) {
-        Promise(name->definition.valid && name->definition.subId >= 0, "what is stored is usable");
+        Promise(name->definition.valid && name->definition.subId >= 0, "pending definitions are valid");
     }
 }
 
 void CheckLookups(const Names& names) {
     for (const auto& [oid, name] : names) {
         Promise(NameOf(oid) == name, "a name is found by its identifier");
-        Promise(NameOf(oid + L".").empty() && NameOf(L"0" + oid).empty(), "and by no other text");
+        Promise(NameOf(oid + L".").empty() && NameOf(L"0" + oid).empty(), "a name is found by no other text");
     }
 }
 
@@ -61,8 +61,8 @@ bool LiesWithin(std::wstring_view part, std::wstring_view whole) {
            (part.data() >= whole.data() && part.data() + part.size() <= whole.data() + whole.size());
 }
 
-// The functions below the parser, on a whole text as one line.
-void CheckLineTools(std::wstring_view line) {
+// The parser's helpers, with the whole text as one line.
+void CheckLineFunctions(std::wstring_view line) {
     Promise(StripComment(line).find(L"--") == std::wstring_view::npos, "no comment is left");
     Promise(LiesWithin(LeadingIdentifier(line), line), "an identifier is in its line");
     std::wstring_view parent;
@@ -77,7 +77,7 @@ void CheckLineTools(std::wstring_view line) {
 void CheckMibText(const uint8_t* octets, size_t size) {
     std::wstring text;
     DecodeUtf8OrAnsi({reinterpret_cast<const char*>(octets), size}, text);
-    CheckLineTools(text);
+    CheckLineFunctions(text);
     const Names names = LoadText(text);
     CheckTables();
     CheckLookups(names);

@@ -1,5 +1,5 @@
-// Runs the checks on the committed corpora, which include former findings, in builds without a fuzzer. Usage:
-// quillmont_corpus_replay CORPUS_FOLDER [TARGET...]; each target has a folder of its name in there.
+// Runs the checks on the committed corpora in builds without a fuzzer.
+// Usage: quillmont_corpus_replay CORPUS_FOLDER [TARGET...]; a target's corpus is the subfolder of its name.
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -34,7 +34,7 @@ void CheckCopy(const FuzzTarget& target, const std::string& octets, size_t size)
     target.check(fenced.data(), fenced.size());
 }
 
-// The whole file, and its first half, which usually ends inside an element.
+// Checks the whole file and its first half, which usually ends inside an element.
 bool ReplayFile(const FuzzTarget& target, const std::wstring& path) {
     std::string octets;
     if (!ReadOctetsFrom(path, 0, octets)) {
@@ -45,7 +45,7 @@ bool ReplayFile(const FuzzTarget& target, const std::wstring& path) {
     return true;
 }
 
-// False: the folder has no file that can be read, so nothing was checked.
+// False: nothing was checked, since the folder has no readable file.
 bool ReplayFolder(const FuzzTarget& target, const std::wstring& folder) {
     size_t count = 0;
     EnumerateFolder(folder, [&](const FolderEntry& entry) {
@@ -59,7 +59,7 @@ bool ReplayFolder(const FuzzTarget& target, const std::wstring& folder) {
     return count > 0;
 }
 
-bool IsWanted(const FuzzTarget& target, int argumentCount, char** arguments) {
+bool IsSelected(const FuzzTarget& target, int argumentCount, char** arguments) {
     for (int index = 2; index < argumentCount; ++index) {
         if (std::strcmp(arguments[index], target.name) == 0) {
             return true;
@@ -75,11 +75,11 @@ int main(int argumentCount, char** arguments) {
         std::fprintf(stderr, "Usage: quillmont_corpus_replay CORPUS_FOLDER [TARGET...]\n");
         return 2;
     }
-    bool allThere = true;
+    bool allChecked = true;
     for (const FuzzTarget& target : kTargets) {
-        if (IsWanted(target, argumentCount, arguments)) {
-            allThere = ReplayFolder(target, Widen(arguments[1]) + L"\\" + Widen(target.name)) && allThere;
+        if (IsSelected(target, argumentCount, arguments)) {
+            allChecked = ReplayFolder(target, Widen(arguments[1]) + L"\\" + Widen(target.name)) && allChecked;
         }
     }
-    return allThere ? 0 : 1;
+    return allChecked ? 0 : 1;
 }

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs every fuzzer, or those named, for a while, two at a time, and reports executions, coverage and new findings.
-# Usage: fuzz/run.sh MINUTES [FUZZER...]        (minutes for each fuzzer, so twice as long for all four)
+# Runs all fuzzers or the named ones, two at a time, and reports executions, coverage and new findings.
+# Usage: fuzz/run.sh MINUTES [FUZZER...]        (MINUTES is for each fuzzer, so all four need twice as long)
 # The corpora grown by the fuzzers remain in build/fuzz/run for the next run. Exit code 1: there is a new finding.
 set -euo pipefail
 
@@ -14,7 +14,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 targets=(snmp_message mib_text file_text config_file)
 for target in "$@"; do
     if [[ ! " ${targets[*]} " == *" $target "* ]]; then
-        echo "There is no fuzzer $target; there are: ${targets[*]}" >&2
+        echo "There is no fuzzer $target. The fuzzers are: ${targets[*]}" >&2
         exit 2
     fi
 done
@@ -23,7 +23,7 @@ if [[ $# -gt 0 ]]; then
 fi
 run=build/fuzz/run
 
-# For temporary files: in memory if possible.
+# Temporary files are in memory if possible.
 scratch="$(mktemp -d -p "$([[ -w /dev/shm ]] && echo /dev/shm || echo "${TMPDIR:-/tmp}")")"
 trap 'kill $(jobs -p) 2>/dev/null || true; rm -rf "$scratch"' EXIT
 export TMPDIR="$scratch"
@@ -37,7 +37,7 @@ CountFindings() {
     find "$run/findings/$1" -type f | wc -l
 }
 
-# FuzzOne TARGET: its output goes to a file; a finding ends it early and is written to the findings folder.
+# FuzzOne TARGET: writes its output to a file. It ends early at a finding, which goes to the findings folder.
 FuzzOne() {
     "build/fuzz/fuzz/quillmont_$1_fuzz" "$run/corpus/$1" "fuzz/corpus/$1" \
         -dict="fuzz/dictionaries/$1.dict" -artifact_prefix="$run/findings/$1/" \

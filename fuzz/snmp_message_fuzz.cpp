@@ -15,20 +15,20 @@
 namespace {
 
 constexpr std::wstring_view kNamedOid = L"1.3.6.1.2.1.1.3.0";
-constexpr std::wstring_view kItsName = L"sysUpTimeInstance";
+constexpr std::wstring_view kName = L"sysUpTimeInstance";
 constexpr std::wstring_view kHeaderLine = L"2026-03-07 09:05:02.047       FROM: 10.1.2.3\r\n";
 
-// An identifier without content in a binding of its own.
+// A binding that contains only an empty identifier.
 constexpr size_t kSmallestBinding = 4;
 
-// A binding of four octets has a line of up to 30 characters, and a counter of one octet prints 20 digits.
-constexpr size_t kMostCharactersPerOctet = 16;
+// The smallest binding has a line of up to 30 characters, and a counter of one octet can print 20 digits.
+constexpr size_t kMaxCharactersPerOctet = 16;
 
 void StoreOneName() {
     const std::lock_guard lock(MibStoreLock);
     if (OidNameMap.size() != 1) {
         ClearNameStore();
-        StoreNamedOid(kItsName, kNamedOid);
+        StoreNamedOid(kName, kNamedOid);
     }
 }
 
@@ -42,7 +42,7 @@ bool AreEqual(const std::vector<VarbindRecord>& first, const std::vector<Varbind
                       [](const auto& one, const auto& other) { return AreEqual(one, other); });
 }
 
-// The end of the message by its outer length; the whole size if that is unusable. Written without the reader
+// The end of the message by its outer length, or the whole size if that is unusable. Does not use the reader
 // under test.
 size_t FindMessageEnd(const uint8_t* octets, size_t size) {
     if (size < 2 || octets[1] < 0x80) {
@@ -66,7 +66,7 @@ void CheckTrailingOctets(const uint8_t* octets, size_t size, const std::vector<V
     DecodeSnmpMessage(cut.data(), cut.size(), again);
     Promise(AreEqual(again, records), "octets after the message change nothing (without them)");
     if (records.empty()) {
-        return;  // a message cut short may become one with what follows
+        return;  // a truncated message may become valid with more octets
     }
     std::vector<uint8_t> longer(octets, octets + size);
     longer.insert(longer.end(), {0x30, 0x06, 0x06, 0x01, 0x2B, 0x02, 0x01, 0x01});
@@ -99,8 +99,8 @@ bool IsKnownType(std::wstring_view type) {
 
 void CheckRecord(const VarbindRecord& record) {
     Promise(IsDottedDecimal(record.oid), "an identifier is dotted decimal or empty");
-    Promise(record.name == (record.oid == kNamedOid ? kItsName : L""),
-            "a name belongs to exactly its identifier");
+    Promise(record.name == (record.oid == kNamedOid ? kName : L""),
+            "exactly the named identifier has a name");
     Promise(IsKnownType(record.type), "a type is one of the labels");
     for (const wchar_t character : record.value) {
         Promise(character >= 32 && character <= 126, "a value is printable");
@@ -122,7 +122,7 @@ void CheckRecordText(const std::vector<VarbindRecord>& records, size_t size) {
     }
     expected += records.empty() ? L"DECODED VARBINDS: (not decoded)\r\n\r\n" : L"\r\n";
     Promise(text == expected, "a record has a header line, a line for each binding and an empty line");
-    Promise(text.size() <= 128 + size * kMostCharactersPerOctet, "a record is in proportion to its datagram");
+    Promise(text.size() <= 128 + size * kMaxCharactersPerOctet, "a record is in proportion to its datagram");
 }
 
 }  // namespace
