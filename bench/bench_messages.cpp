@@ -12,12 +12,12 @@ Octets EncodeTimeTicks(uint64_t ticks) {
     return EncodeUnsigned(ber::kTimeTicks, ticks);
 }
 
-// Binding number `place` of a trap about interfaces.
-Binding MakeInterfaceBinding(size_t place) {
-    const std::string instance = std::to_string(1000 + place / 7);
-    switch (place % 7) {
+// Binding number `index` of an interface trap.
+Binding MakeInterfaceBinding(size_t index) {
+    const std::string instance = std::to_string(1000 + index / 7);
+    switch (index % 7) {
         case 0:
-            return {"1.3.6.1.2.1.2.2.1.1." + instance, EncodeInteger(static_cast<int64_t>(1000 + place / 7))};
+            return {"1.3.6.1.2.1.2.2.1.1." + instance, EncodeInteger(static_cast<int64_t>(1000 + index / 7))};
         case 1:
             return {"1.3.6.1.2.1.2.2.1.7." + instance, EncodeInteger(1)};
         case 2:
@@ -33,7 +33,7 @@ Binding MakeInterfaceBinding(size_t place) {
     }
 }
 
-// A trap whose list repeats `unit` as often as fits into `octets`.
+// A trap of at most `octets` octets whose list repeats `unit`.
 Octets FillTrap(const Octets& unit, size_t octets) {
     Octets content;
     while (content.size() + unit.size() + kHeaderOctets <= octets) {
@@ -49,8 +49,8 @@ Octets MakeTrap(size_t bindings) {
         {"1.3.6.1.2.1.1.3.0", EncodeTimeTicks(kSampleTicks)},
         {"1.3.6.1.6.3.1.1.4.1.0", EncodeElement(ber::kOid, {0x2B, 6, 1, 6, 3, 1, 1, 5, 3})},
     };
-    for (size_t place = 0; list.size() < bindings; ++place) {
-        list.push_back(MakeInterfaceBinding(place));
+    for (size_t index = 0; list.size() < bindings; ++index) {
+        list.push_back(MakeInterfaceBinding(index));
     }
     return EncodeV2Trap(list);
 }

@@ -9,18 +9,18 @@
 // sysUpTime in these messages; four octets long.
 constexpr uint32_t kSampleTicks = 123456789;
 
-// A v2c trap as equipment sends it: sysUpTime, snmpTrapOID (linkDown), then ifIndex, ifAdminStatus,
-// ifOperStatus, ifDescr, ifInOctets, ifHCInOctets and an address, over and over, until there are `bindings`
-// of them. The instance numbers of 1,000 and more are those of a large switch.
+// A typical v2c trap with this number of bindings: sysUpTime, snmpTrapOID (linkDown), then ifIndex,
+// ifAdminStatus, ifOperStatus, ifDescr, ifInOctets, ifHCInOctets and an address, repeatedly. The instance
+// numbers start at 1,000, as on a large switch.
 Octets MakeTrap(size_t bindings);
 
-// The most that a datagram can carry.
-constexpr size_t kLargestDatagram = 65507;
+// Over IPv4.
+constexpr size_t kMaxUdpPayload = 65507;
 
-// Hostile ones, of `octets` octets or a few less.
-Octets MakeTrapOfTinyBindings(size_t octets);    // as many as fit: an empty identifier without a value each
+// Hostile traps of `octets` octets or slightly fewer.
+Octets MakeTrapOfTinyBindings(size_t octets);    // bindings of an empty identifier without a value
 Octets MakeTrapOfTinyElements(size_t octets);    // elements of one octet instead of bindings
-Octets MakeTrapOfNestedElements(size_t octets);  // as many levels, one inside the other, as fit
+Octets MakeTrapOfNestedElements(size_t octets);  // elements nested as deeply as fits
 Octets MakeTrapWithGiantIdentifier(size_t octets);  // one identifier, each octet an arc
 Octets MakeTrapWithGiantText(size_t octets);        // one printable text
 Octets MakeTrapOfTenOctetArcs(size_t octets);       // identifiers of arcs of 64 bits

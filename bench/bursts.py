@@ -1,5 +1,5 @@
-"""Bursts, floods, kills and sustained load, as tables; called by bursts.sh. The system counts what it drops for each
-socket, so the number received is exact. Ends with an error when anything that was received was not recorded whole,
+"""Measures bursts, floods, kills and sustained load and prints tables; called by bursts.sh. The system counts the
+datagrams that it drops for each socket, so the number received is exact. Fails if a received trap is not recorded,
 logged and forwarded."""
 
 import argparse
@@ -25,25 +25,24 @@ TRAP_LINE = b"Trap received (127.0.0.1)."
 REQUEST_LINE = b"Datagram on UDP 161 from 127.0.0.1."
 DRAIN_SECONDS = 300
 
-BATCH = 256  # traps, the most that the receiver reads before it writes their records
-# More than any receiver can read, so that its buffer is never empty. Each start gets new numbers.
-KILL_RATE = 200000
-NUMBERS_A_START = 10**7
+MAX_BATCH = 256  # traps that the receiver reads before it writes their records
+KILL_RATE = 200000  # more than any receiver can read, so that its buffer is never empty
+NUMBERS_PER_START = 10**7
 
 
 def check_handled(receiver, target, received):
-    """Waits for everything that was received to be recorded, logged and forwarded, and checks every record."""
+    """Waits until all received traps are recorded, logged and forwarded, and checks every record."""
     traps = TextCounter(receiver.data.log, TRAP_LINE)
-    wait_until(lambda: traps.look() >= received, lambda: f"{received} lines, seen {traps.count}", DRAIN_SECONDS)
+    wait_until(lambda: traps.read() >= received, lambda: f"{received} lines, seen {traps.count}", DRAIN_SECONDS)
     target.wait_for(received)
     check_order(read_numbers(receiver.data.traps), received)
     assert traps.count == received and target.count == received, f"{traps.count} lines, {target.count} forwarded"
 
 
 def receivers(options, forwards):
-    """Each state of the sources, natively and as it ships."""
-    states = [programs_in(options.before)] if options.before else []
-    for programs in [*states, programs_now()]:
+    """Each build, natively and as it ships."""
+    earlier = [programs_in(options.before)] if options.before else []
+    for programs in [*earlier, programs_now()]:
         yield NativeEngine(programs, forwards)
         yield ShippedProgram(options.driver, programs, forwards)
 
@@ -60,7 +59,7 @@ def measure_bursts(options):
 
 
 def measure_flood(options):
-    """Steady traps during an endless flood on port 161, which must not cost a trap."""
+    """Steady traps during an endless flood on port 161, which must not lose a trap."""
     table(f"{FLOOD_TRAPS:,} traps at {FLOOD_RATE:,}/s during a flood on 161", "receiver", "handled", "161 sent at",
           "161 logged at")
     for receiver in receivers(options, forwards=True):
@@ -68,7 +67,7 @@ def measure_flood(options):
             wait_until(lambda: listens(LISTENER_PORT), "the receiver to listen on 161")
             with Sender("burst", count=ENDLESS, port=LISTENER_PORT):
                 sent = send("paced", count=FLOOD_TRAPS, rate=FLOOD_RATE, bindings=BINDINGS)
-                lines = TextCounter(receiver.data.log, REQUEST_LINE).look()
+                lines = TextCounter(receiver.data.log, REQUEST_LINE).read()
                 lost_161 = dropped(LISTENER_PORT)
             check_handled(receiver, target, sent.received)
             row(receiver.name, f"{sent.received}/{FLOOD_TRAPS}", f"{(lost_161 + lines) / sent.whole:,.0f}/s",
@@ -77,11 +76,11 @@ def measure_flood(options):
 
 
 def kill_once(receiver, kill, before):
-    """Returns the octets of SNMP.txt, the number of whole records in its new part, whether a record was cut, and how
-    many traps were read from the socket and are in no record."""
+    """Returns the octets of SNMP.txt, the number of new whole records, whether a record was truncated, and the number
+    of traps that were read from the socket but not recorded."""
     wait_until(lambda: listens(TRAP_PORT), "the receiver to listen")
     read_before = read_from_sockets()
-    with Sender("paced", count=NUMBERS_A_START, rate=KILL_RATE, first=kill * NUMBERS_A_START, bindings=BINDINGS):
+    with Sender("paced", count=NUMBERS_PER_START, rate=KILL_RATE, first=kill * NUMBERS_PER_START, bindings=BINDINGS):
         enough = len(before) + (kill % 5 + 1) * 100000
         wait_until(lambda: receiver.data.traps.exists() and receiver.data.traps.stat().st_size > enough, "records")
         receiver.kill()
@@ -95,21 +94,21 @@ def kill_once(receiver, kill, before):
 
 
 def measure_kills(options):
-    """Killed in a burst, again and again: earlier records stay as they were, new ones are whole and in order, and at
-    most one batch is missing."""
-    table("Killed in a burst", "receiver", "kills", "whole records", "records cut", "most missing")
+    """Kills the receiver in bursts: earlier records do not change, new ones are whole and in order, and at most one
+    batch is missing."""
+    table("Killed in a burst", "receiver", "kills", "whole records", "truncated", "most missing")
     kills = 50 if options.long else 10
     for receiver in receivers(options, forwards=False):
-        octets, records, cuts, most = b"", 0, 0, 0
+        octets, records, truncated, most = b"", 0, 0, 0
         with receiver:
             for kill in range(kills):
                 if kill > 0:
                     receiver.start_again()
                 octets, whole, cut, missing = kill_once(receiver, kill, octets)
-                records, cuts, most = records + whole, cuts + cut, max(most, missing)
+                records, truncated, most = records + whole, truncated + cut, max(most, missing)
             receiver.start_again()
-        row(receiver.name, kills, records, cuts, most)
-        assert most <= BATCH, f"{most} traps are missing after one kill"
+        row(receiver.name, kills, records, truncated, most)
+        assert most <= MAX_BATCH, f"{most} traps are missing after one kill"
 
 
 def sustain(options, receiver, rate):
@@ -119,7 +118,7 @@ def sustain(options, receiver, rate):
 
     def report(second):
         memory.append(memory_kilobytes(receiver.pid))
-        row(receiver.name, second, receiver.recorder.look(), dropped(TRAP_PORT), memory[-1], thread_count(receiver.pid))
+        row(receiver.name, second, receiver.recorder.read(), dropped(TRAP_PORT), memory[-1], thread_count(receiver.pid))
 
     numbers = {"count": rate * seconds, "rate": rate, "bindings": BINDINGS}
     with receiver, ForwardingTarget() as target, Sender("paced", **numbers) as sender:
@@ -154,11 +153,11 @@ PARTS = {
 
 def read_options():
     parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("--long", action="store_true", help="50 kills instead of 10, ten minutes of load instead of 20 s")
-    parser.add_argument("--before", metavar="FOLDER", help="measure these programs too (measuring/programs.py)")
+    parser.add_argument("--long", action="store_true", help="50 kills instead of 10, 10 min of load instead of 20 s")
+    parser.add_argument("--before", metavar="FOLDER", help="also measure these programs (measuring/programs.py)")
     parser.add_argument("--native-rate", type=int, default=20000, help="traps a second of sustained-native")
-    parser.add_argument("--wine-rate", type=int, default=5000, help="the same of sustained-wine")
-    parser.add_argument("parts", nargs="*", metavar="PART", help=f"some of {', '.join(PARTS)}; without any, all")
+    parser.add_argument("--wine-rate", type=int, default=5000, help="traps a second of sustained-wine")
+    parser.add_argument("parts", nargs="*", metavar="PART", help=f"any of {', '.join(PARTS)}; default: all")
     return parser.parse_args()
 
 

@@ -1,7 +1,7 @@
-"""Quillmont side by side with floor programs, with snmptrapd and with an earlier state of itself; called by compare.sh.
+"""Compares Quillmont with floor programs, with snmptrapd and with an earlier build of itself; called by compare.sh.
 
-Every comparison is made in rounds, one side directly after the other, and each round gives one ratio. The table shows
-the median and the range of the ratios: absolute figures of a shared machine mean little.
+Each round measures one side directly after the other and gives one ratio. The table shows the median and the range of
+the ratios: absolute figures of a shared machine mean little.
 """
 
 import argparse
@@ -17,12 +17,12 @@ from measuring.receivers import ForwardingTarget, NativeEngine, ShippedProgram
 from measuring.senders import send
 from measuring.tables import RatioTable
 
-BINDINGS = 2  # of each trap: the fewest that a v2c trap has, so opening two files weighs most
+BINDINGS = 2  # the fewest that a v2c trap has, so that the cost of opening two files weighs most
 LATENCIES = 500  # traps sent alone
 
 
 def native_sides(options, forwards=False):
-    """Ours, and the programs it is compared with."""
+    """Returns our program and those it is compared with."""
     others = [NativeFloor(appends=True), NativeFloor(appends=False), Snmptrapd()]
     if options.before:
         others.append(NativeEngine(programs_in(options.before), forwards))
@@ -37,8 +37,8 @@ def wine_sides(options, forwards=False):
 
 
 def keep_busy(receiver, count):
-    """Sends so that the receiver's buffer is never empty and never full. Returns the traps a second without loss, and
-    the processor seconds for 100,000."""
+    """Sends so that the receiver's buffer is never empty and never full. Returns the traps handled per second and the
+    CPU seconds for 100,000."""
     with receiver, ForwardingTarget() as target:
         before = receiver.cpu()
         sent = send("keep-busy", count=count, keep=granted_buffer(TRAP_PORT) // 2, bindings=BINDINGS)
@@ -76,8 +76,8 @@ def compare_wine_forwarding(table, options):
 
 
 def measure_latency(receiver):
-    """Microseconds from sending a trap to an idle receiver until its record is on disk: what a tenth and what half of
-    the traps took at most. Other load only ever adds, so the first is the calmer figure."""
+    """Returns the 10th percentile and the median of the microseconds from sending a trap to an idle receiver until its
+    record is on disk. Other load only adds time, so the percentile varies less."""
     with receiver:
         command = [native_tool("trap_latency"), receiver.recorder.path, str(LATENCIES)]
         return [*map(float, subprocess.run(command, check=True, capture_output=True, text=True).stdout.split())]
@@ -89,7 +89,7 @@ def compare_latencies(table, sides, where):
         if theirs.writes:
             our, their = measure_latency(ours), measure_latency(theirs)
             title = f"{where}, one trap alone to its record"
-            table.add(f"{title}, fastest tenth: {theirs.name}", "us", our[0], their[0])
+            table.add(f"{title}, 10th percentile: {theirs.name}", "us", our[0], their[0])
             table.add(f"{title}, median: {theirs.name}", "us", our[1], their[1])
 
 
@@ -114,7 +114,7 @@ COMPARISONS = {
 def read_options():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--rounds", type=int, default=5)
-    parser.add_argument("--before", metavar="FOLDER", help="compare with these programs too (measuring/programs.py)")
+    parser.add_argument("--before", metavar="FOLDER", help="also compare with these programs (measuring/programs.py)")
     parser.add_argument("--traps", type=int, default=100000, help="sent to each native program")
     parser.add_argument("--wine-traps", type=int, default=50000, help="sent to each program under Wine")
     parser.add_argument("--only", default=",".join(COMPARISONS), help="comma-separated: " + ", ".join(COMPARISONS))

@@ -1,5 +1,5 @@
-// A datagram step by step: decode, name lookup, compose, text to octets, append, log line. Hostile datagrams
-// are in worst_cases.cpp; whole traps, from the socket to the files, are measured by compare.sh.
+// Each step of a datagram: decode, name lookup, compose, text to octets, append, log line. worst_cases.cpp
+// measures hostile datagrams, compare.sh whole traps from the socket to the files.
 //
 // The datagram is a linkDown of eight bindings unless the name says otherwise. "items" are datagrams.
 #include <benchmark/benchmark.h>
@@ -45,15 +45,15 @@ void BM_Decode(benchmark::State& state) {
 }
 BENCHMARK(BM_Decode)->Arg(2)->Arg(8)->Arg(50)->Arg(4000);
 
-// Half of the lookups find a name. The order of the identifiers defeats the processor's caches.
+// Half of the lookups find a name. The large step defeats the processor's caches.
 void BM_NameLookup(benchmark::State& state) {
     const auto names = static_cast<size_t>(state.range(0));
     FillNameStore(names);
     std::wstring name;
-    size_t place = 0;
+    size_t index = 0;
     for (auto unused : state) {
-        place = (place + 7919) % (2 * names);
-        LookupOidName(SampleOid(place), name);
+        index = (index + 7919) % (2 * names);
+        LookupOidName(SampleOid(index), name);
         benchmark::DoNotOptimize(name.size());
     }
     EmptyNameStore();

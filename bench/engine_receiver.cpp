@@ -1,5 +1,5 @@
-// The receiver without its windows, for measurements: starts as the program does and stops when its standard
-// input ends. Its data folder is below the folder that the environment names (platform/folders.h).
+// The receiver without its windows, for measurements. Starts as the program does and stops when its standard
+// input ends. QUILLMONT_DATA_HOME names the parent of its data folder.
 #include <cstdio>
 
 #include "config/config_file.h"

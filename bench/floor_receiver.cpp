@@ -1,8 +1,8 @@
-// Floors for a receiver: the least that one can do. Both end when they are killed.
-// Usage: floor_receiver [FOLDER RECORD_OCTETS LINE_OCTETS].
+// The floor for a receiver: the least work that one can do. Runs until it is killed.
+// Usage: floor_receiver [FOLDER RECORD_OCTETS LINE_OCTETS]
 //
-// With arguments it handles each trap by itself: receive a datagram from UDP 162, append a block of octets to
-// each of two files, opening and closing each. Without arguments it only receives. Nothing is decoded.
+// Receives datagrams from UDP 162 and does not decode them. With arguments it also appends a block of octets
+// to each of two files, opening and closing both for each datagram.
 #include <cstdio>
 #include <cstdlib>
 #include <string>

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Installs and builds what is measured and runs a script of this folder on a private desktop. compare.sh and bursts.sh
-# call it. Usage: measure.sh SCRIPT.py [ARGUMENT...]
-# With QUILLMONT_BENCH_BUILT in the environment nothing is built: the programs in build/ are measured as they are.
+# Builds the measured programs and runs a script of this folder on a private desktop. compare.sh and bursts.sh call it.
+# Usage: measure.sh SCRIPT.py [ARGUMENT...]
+# With QUILLMONT_BENCH_BUILT in the environment, builds nothing and measures the programs that are in build/.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 

@@ -1,6 +1,5 @@
-// MIB files: parsing one text, loading a folder of files, and resolving deferred definitions. "bytes" are
-// those of the MIB text; when resolving, "items" are definitions. With QUILLMONT_MIB_FOLDER in the
-// environment, that folder is loaded too.
+// MIB files: parsing one text, loading a folder, and resolving pending definitions. "bytes" are those of the
+// MIB text, "items" are definitions. If the environment has QUILLMONT_MIB_FOLDER, that folder is loaded too.
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
@@ -17,10 +16,10 @@
 
 namespace {
 
-constexpr size_t kDefinitionsOfFile = 100;
+constexpr size_t kDefinitionsPerFile = 100;
 
 void BM_ParseMibText(benchmark::State& state) {
-    const std::string octets = MakeMibText(1, 20 * kDefinitionsOfFile);
+    const std::string octets = MakeMibText(1, 20 * kDefinitionsPerFile);
     const std::wstring text(octets.begin(), octets.end());
     for (auto unused : state) {
         const std::lock_guard lock(MibStoreLock);
@@ -36,7 +35,7 @@ void BM_LoadMibFolder(benchmark::State& state) {
     const ScratchData data;
     size_t octets = 0;
     for (size_t number = 0; number < static_cast<size_t>(state.range(0)); ++number) {
-        const std::string text = MakeMibText(number, kDefinitionsOfFile);
+        const std::string text = MakeMibText(number, kDefinitionsPerFile);
         std::ofstream(data.mibsFolder() + "/sample" + std::to_string(number) + ".mib") << text;
         octets += text.size();
     }
@@ -58,14 +57,14 @@ void BM_LoadOwnFolder(benchmark::State& state, const char* folder) {
     EmptyNameStore();
 }
 
-// A tree as MIB files make it: twenty definitions below each parent, stored before their parent is known.
-void StoreDeferredDefinitions(size_t count) {
+// A tree with twenty definitions below each parent, each stored before its parent is known.
+void StorePendingDefinitions(size_t count) {
     constexpr size_t kChildren = 20;
-    for (size_t place = count; place-- > 0;) {
-        const std::wstring parent = place == 0 ? std::wstring(L"enterprises")
-                                               : L"sampleObject" + std::to_wstring((place - 1) / kChildren);
-        StoreDefinition(StoreName(L"sampleObject" + std::to_wstring(place)), StoreName(parent),
-                        static_cast<int32_t>(place % kChildren));
+    for (size_t index = count; index-- > 0;) {
+        const std::wstring parent = index == 0 ? std::wstring(L"enterprises")
+                                               : L"sampleObject" + std::to_wstring((index - 1) / kChildren);
+        StoreDefinition(StoreName(L"sampleObject" + std::to_wstring(index)), StoreName(parent),
+                        static_cast<int32_t>(index % kChildren));
     }
 }
 
@@ -75,7 +74,7 @@ void BM_ResolveNames(benchmark::State& state) {
         state.PauseTiming();
         const std::lock_guard lock(MibStoreLock);
         ClearNameStore();
-        StoreDeferredDefinitions(count);
+        StorePendingDefinitions(count);
         state.ResumeTiming();
         StoreResolvedDefinitions();
     }

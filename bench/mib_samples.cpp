@@ -24,20 +24,20 @@ std::string MakeObject(const std::string& name, const std::string& parent, size_
 
 }  // namespace
 
-std::wstring SampleOid(size_t place) {
-    return L"1.3.6.1.4.1." + std::to_wstring(place % 997) + L"." + std::to_wstring(place / 997 % 89) + L"." +
-           std::to_wstring(place / 997 / 89);
+std::wstring SampleOid(size_t index) {
+    return L"1.3.6.1.4.1." + std::to_wstring(index % 997) + L"." + std::to_wstring(index / 997 % 89) + L"." +
+           std::to_wstring(index / 997 / 89);
 }
 
 void FillNameStore(size_t names) {
     const std::lock_guard lock(MibStoreLock);
     ClearNameStore();
-    for (size_t place = 0; place < names; ++place) {
+    for (size_t index = 0; index < names; ++index) {
         const Oid* oid = nullptr;
-        for (const int32_t arc : ParseOidText(SampleOid(place))) {
+        for (const int32_t arc : ParseOidText(SampleOid(index))) {
             oid = StoreOid(oid, arc);
         }
-        StoreNamedOid(StoreName(L"sampleObjectOfTable" + std::to_wstring(place)), oid);
+        StoreNamedOid(StoreName(L"sampleObjectOfTable" + std::to_wstring(index)), oid);
     }
 }
 
@@ -61,14 +61,14 @@ std::string MakeMibText(size_t number, size_t definitions) {
         "    ::= { enterprises " +
         std::to_string(50000 + number) + " }\n\n";
     std::string table;
-    for (size_t place = 1; place < definitions; ++place) {
-        if (place % kColumns == 1) {
-            table = module + "Table" + std::to_string(place / kColumns);
+    for (size_t index = 1; index < definitions; ++index) {
+        if (index % kColumns == 1) {
+            table = module + "Table" + std::to_string(index / kColumns);
             text += table + " OBJECT IDENTIFIER ::= { " + module + " " +
-                    std::to_string(place / kColumns + 1) + " }\n\n";
+                    std::to_string(index / kColumns + 1) + " }\n\n";
         } else {
             text +=
-                MakeObject(table + "Column" + std::to_string(place % kColumns), table, place % kColumns + 1);
+                MakeObject(table + "Column" + std::to_string(index % kColumns), table, index % kColumns + 1);
         }
     }
     return text + "END\n";

@@ -9,7 +9,7 @@
 ScratchData::ScratchData()
     : folder_((std::filesystem::temp_directory_path() / "quillmont-bench-XXXXXX").string()) {
     if (mkdtemp(folder_.data()) == nullptr || setenv("QUILLMONT_DATA_HOME", folder_.c_str(), 1) != 0) {
-        throw std::runtime_error("no folder for temporary files");
+        throw std::runtime_error("cannot create a temporary folder");
     }
     InitAppPaths();
 }

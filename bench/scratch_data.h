@@ -1,9 +1,9 @@
-// A data folder for the length of a benchmark.
+// A temporary data folder for a benchmark.
 #pragma once
 
 #include <string>
 
-// Points AppPaths into a new folder below the system's one for temporary files; removes it at the end.
+// Points AppPaths into a new folder in the system's temporary folder. Removes the folder at the end.
 class ScratchData {
   public:
     ScratchData();
@@ -11,7 +11,6 @@ class ScratchData {
     ScratchData(const ScratchData&) = delete;
     ScratchData& operator=(const ScratchData&) = delete;
 
-    const std::string& folder() const { return folder_; }
     std::string mibsFolder() const { return folder_ + "/Quillmont/mibs"; }
 
   private:

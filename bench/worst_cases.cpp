@@ -1,6 +1,6 @@
-// The most expensive input, at three sizes each, so that the growth shows: hostile datagrams and MIB files
-// that are no valid MIBs. The number after a name is the size (octets, braces, definitions). "BigO" is the
-// cost of one of them if the cost is linear, and "RMS" how far the three sizes are from that.
+// The most expensive inputs, hostile datagrams and MIB files, at three sizes each to show how the cost grows.
+// The number after a name is the size (octets, braces or definitions). "BigO" is the cost of one of them if
+// the cost is linear, and "RMS" how far the three sizes deviate from that.
 // A small stack is enough: (ulimit -s 128; worst_cases)
 #include <benchmark/benchmark.h>
 
@@ -30,7 +30,7 @@ void BM_Datagram(benchmark::State& state) {
 }
 
 void SetDatagramSizes(benchmark::internal::Benchmark* bench) {
-    bench->Arg(kLargestDatagram / 4)->Arg(kLargestDatagram / 2)->Arg(kLargestDatagram);
+    bench->Arg(kMaxUdpPayload / 4)->Arg(kMaxUdpPayload / 2)->Arg(kMaxUdpPayload);
     bench->Complexity(benchmark::oN)->Unit(benchmark::kMicrosecond);
 }
 BENCHMARK(BM_Datagram<MakeTrapOfTinyBindings>)->Apply(SetDatagramSizes);
@@ -40,7 +40,7 @@ BENCHMARK(BM_Datagram<MakeTrapWithGiantIdentifier>)->Apply(SetDatagramSizes);
 BENCHMARK(BM_Datagram<MakeTrapWithGiantText>)->Apply(SetDatagramSizes);
 BENCHMARK(BM_Datagram<MakeTrapOfTenOctetArcs>)->Apply(SetDatagramSizes);
 
-// Parses the text and resolves what it defines.
+// Parses the text and resolves its definitions.
 template <std::string (*MakeText)(size_t size)>
 void BM_MibText(benchmark::State& state) {
     const std::string octets = MakeText(static_cast<size_t>(state.range(0)));
@@ -68,7 +68,7 @@ std::string MakeLineOfDefinitions(size_t octets) {
     return RepeatInOneLine("sample OBJECT-TYPE ::= { iso 3 } ", octets);
 }
 
-// The letter that two keywords begin with.
+// Two keywords begin with this letter.
 std::string MakeLineOfFirstLetters(size_t octets) {
     return RepeatInOneLine("O", octets);
 }
@@ -86,7 +86,7 @@ std::string MakeDefinition(size_t number, size_t parent) {
            " 1 }\n";
 }
 
-// Each builds on the one before it.
+// The parent of each definition is the previous one.
 std::string MakeChain(size_t definitions) {
     std::string text = "link0 OBJECT IDENTIFIER ::= { enterprises 1 }\n";
     for (size_t number = 1; number < definitions; ++number) {
@@ -95,7 +95,7 @@ std::string MakeChain(size_t definitions) {
     return text;
 }
 
-std::string MakeChainFromItsEnd(size_t definitions) {
+std::string MakeReversedChain(size_t definitions) {
     std::string text;
     for (size_t number = definitions; number-- > 1;) {
         text += MakeDefinition(number, number - 1);
@@ -165,7 +165,7 @@ void SetDefinitionCounts(benchmark::internal::Benchmark* bench) {
     bench->Complexity(benchmark::oN)->Unit(benchmark::kMillisecond);
 }
 BENCHMARK(BM_MibText<MakeChain>)->Apply(SetDefinitionCounts);
-BENCHMARK(BM_MibText<MakeChainFromItsEnd>)->Apply(SetDefinitionCounts);
+BENCHMARK(BM_MibText<MakeReversedChain>)->Apply(SetDefinitionCounts);
 BENCHMARK(BM_MibText<MakeCycle>)->Apply(SetDefinitionCounts);
 
 }  // namespace

@@ -13,19 +13,19 @@ SocketState ReadSocketState(uint16_t port) {
     std::string line;
     while (std::getline(table, line)) {
         unsigned listed = 0;
-        unsigned long waiting = 0;
-        if (std::sscanf(line.c_str(), " %*u: %*8x:%4x %*8x:%*4x %*x %*x:%lx", &listed, &waiting) == 2 &&
+        unsigned long queued = 0;
+        if (std::sscanf(line.c_str(), " %*u: %*8x:%4x %*8x:%*4x %*x %*x:%lx", &listed, &queued) == 2 &&
             listed == port) {
             line.erase(line.find_last_not_of(' ') + 1);
-            return {waiting, std::strtoull(line.c_str() + line.rfind(' '), nullptr, 10)};
+            return {queued, std::strtoull(line.c_str() + line.rfind(' '), nullptr, 10)};
         }
     }
-    std::fprintf(stderr, "Nobody listens on UDP %u.\n", port);
+    std::fprintf(stderr, "No program listens on UDP %u.\n", port);
     std::exit(1);
 }
 
-void WaitWhileMoreWaits(uint16_t port, uint64_t octets) {
-    while (ReadSocketState(port).waiting > octets) {
+void WaitUntilDrained(uint16_t port, uint64_t octets) {
+    while (ReadSocketState(port).queued > octets) {
         std::this_thread::sleep_for(std::chrono::microseconds(200));
     }
 }

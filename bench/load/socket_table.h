@@ -1,15 +1,15 @@
-// A receiver's socket seen from outside, in the system's table of sockets. Linux.
+// A receiver's socket as the system's socket table shows it. Linux.
 #pragma once
 
 #include <cstdint>
 
 struct SocketState {
-    uint64_t waiting = 0;  // octets as the system counts them, its own overhead included
-    uint64_t lost = 0;     // datagrams that found the buffer full
+    uint64_t queued = 0;  // octets, including the system's own overhead
+    uint64_t lost = 0;    // datagrams dropped because the buffer was full
 };
 
 // Returns the state of the socket on this UDP port. Ends the program if there is none.
 SocketState ReadSocketState(uint16_t port);
 
-// Polls until at most `octets` wait.
-void WaitWhileMoreWaits(uint16_t port, uint64_t octets);
+// Polls until at most `octets` are queued.
+void WaitUntilDrained(uint16_t port, uint64_t octets = 0);

@@ -1,8 +1,6 @@
-// How long one trap alone takes from its sending to its record on disk, seen from outside: sends a trap,
-// polls the file's size until it has grown, and pauses, so that each trap finds an idle receiver. Nothing
-// else may write to the file.
-// Usage: trap_latency FILE COUNT. Prints in microseconds what a tenth and what half of the traps took at
-// most. Linux.
+// Measures the time from sending a trap to an idle receiver until its record is on disk: sends a trap, polls
+// the file's size until it grows, and pauses. Nothing else may write to the file. Linux.
+// Usage: trap_latency FILE COUNT. Prints the 10th percentile and the median in microseconds.
 #include <sys/stat.h>
 
 #include <algorithm>

@@ -1,14 +1,13 @@
-// Sends numbered traps to this machine and watches the receiver's socket from outside.
+// Sends numbered traps to this machine and watches the receiver's socket. Linux.
 //
 // trap_sender burst count=N             without a pause
-// trap_sender paced count=N rate=N      so many a second, in groups of one millisecond
+// trap_sender paced count=N rate=N      at `rate` traps a second
 // trap_sender keep-busy count=N keep=N  as fast as the receiver reads them: pauses while more than `keep`
-//                                       octets wait in its buffer, so that it is never empty and never
-//                                       full; the rate is the receiver's own
+//                                       octets are queued, so that its buffer is never empty and never full
 //
-// Each also has bindings=N (2) of each trap, port=N (162) and first=N (0), the number of the first. Waits
-// until the buffer is empty and prints "sent lost sending whole": datagrams, those that the system dropped,
-// the seconds that sending took and those until the buffer was empty. Linux.
+// All modes accept bindings=N (2), port=N (162) and first=N (0), the number of the first trap. Waits until
+// the buffer is empty and prints "sent lost sending whole": datagrams sent, datagrams that the system
+// dropped, seconds until all were sent, seconds until the buffer was empty.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -58,18 +57,18 @@ void SendPaced(TrapStream& stream) {
 }
 
 void KeepBusy(TrapStream& stream) {
-    constexpr size_t kBetweenLooks = 256;
+    constexpr size_t kBetweenChecks = 256;
     const size_t count = Number("count");
     while (stream.sent() < count) {
-        stream.Send(std::min(kBetweenLooks, count - stream.sent()));
-        WaitWhileMoreWaits(Port(), Number("keep"));
+        stream.Send(std::min(kBetweenChecks, count - stream.sent()));
+        WaitUntilDrained(Port(), Number("keep"));
     }
 }
 
 const std::map<std::string_view, void (*)(TrapStream&)> kModes{
     {"burst", SendBurst}, {"paced", SendPaced}, {"keep-busy", KeepBusy}};
 
-// Returns false if a word is not NAME=NUMBER with one of these names.
+// Returns false if a word is not NAME=NUMBER with a known name.
 bool ReadNumbers(int count, char** words) {
     for (int index = 2; index < count; ++index) {
         const std::string_view word = words[index];
@@ -96,7 +95,7 @@ int main(int argc, char** argv) {
     const Clock::time_point start = Clock::now();
     mode->second(stream);
     const double sending = SecondsSince(start);
-    WaitWhileMoreWaits(Port(), 0);
+    WaitUntilDrained(Port());
     const double whole = SecondsSince(start);
     const auto lost = static_cast<unsigned long long>(ReadSocketState(Port()).lost - lostBefore);
     std::printf("%zu %llu %.6f %.6f\n", stream.sent(), lost, sending, whole);

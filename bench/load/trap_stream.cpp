@@ -37,28 +37,28 @@ size_t FindSampleTicks(const Octets& trap) {
 TrapStream::TrapStream(uint16_t port, size_t bindings, uint32_t firstNumber)
     : nextNumber_(firstNumber), socket_(ConnectToLoopback(port)) {
     traps_.fill(MakeTrap(bindings));
-    numberPlace_ = FindSampleTicks(traps_[0]);
-    for (size_t place = 0; place < kPortion; ++place) {
-        octets_[place] = {traps_[place].data(), traps_[place].size()};
-        messages_[place].msg_hdr.msg_iov = &octets_[place];
-        messages_[place].msg_hdr.msg_iovlen = 1;
+    numberOffset_ = FindSampleTicks(traps_[0]);
+    for (size_t index = 0; index < kBatchSize; ++index) {
+        octets_[index] = {traps_[index].data(), traps_[index].size()};
+        messages_[index].msg_hdr.msg_iov = &octets_[index];
+        messages_[index].msg_hdr.msg_iovlen = 1;
     }
 }
 
-void TrapStream::NumberPortion(size_t count) {
-    for (size_t place = 0; place < count; ++place) {
-        const uint32_t number = htonl(nextNumber_ + static_cast<uint32_t>(place));
+void TrapStream::NumberBatch(size_t count) {
+    for (size_t index = 0; index < count; ++index) {
+        const uint32_t number = htonl(nextNumber_ + static_cast<uint32_t>(index));
         std::copy_n(reinterpret_cast<const uint8_t*>(&number), sizeof number,
-                    traps_[place].data() + numberPlace_);
+                    traps_[index].data() + numberOffset_);
     }
 }
 
 void TrapStream::Send(size_t count) {
     while (count > 0) {
-        const size_t portion = std::min(count, kPortion);
-        NumberPortion(portion);
-        const int accepted = sendmmsg(socket_.get(), messages_.data(), static_cast<unsigned>(portion), 0);
-        // ECONNREFUSED reports that an earlier trap had no listener; this portion was not sent yet.
+        const size_t batch = std::min(count, kBatchSize);
+        NumberBatch(batch);
+        const int accepted = sendmmsg(socket_.get(), messages_.data(), static_cast<unsigned>(batch), 0);
+        // ECONNREFUSED reports that an earlier trap had no listener; this batch was not sent yet.
         if (accepted < 0 && errno != ECONNREFUSED) {
             EndWithSystemError("sendmmsg");
         }

@@ -1,5 +1,4 @@
-// The traps that the measurements send: from this machine to itself, each with its own number, so that the
-// records can be compared with what was sent. Linux.
+// Sends numbered traps to this machine, so that the records can be compared with the traps. Linux.
 #pragma once
 
 #include <netinet/in.h>
@@ -14,11 +13,11 @@
 
 constexpr uint16_t kTrapPort = 162;
 
-// Ends the program if a socket cannot be opened: there is nothing to measure then.
+// Ends the program if a socket cannot be opened.
 class TrapStream {
   public:
-    // Traps of `bindings` bindings (two or more) to `port` of 127.0.0.1. The number is the value of
-    // sysUpTime.0, the first binding, and grows by one with each trap.
+    // Traps of `bindings` bindings (two or more) to `port` of 127.0.0.1. The number is the value of the first
+    // binding, sysUpTime.0, and grows by one with each trap.
     TrapStream(uint16_t port, size_t bindings, uint32_t firstNumber);
     TrapStream(const TrapStream&) = delete;  // the messages point into the object
     TrapStream& operator=(const TrapStream&) = delete;
@@ -29,14 +28,14 @@ class TrapStream {
     size_t sent() const { return sent_; }
 
   private:
-    static constexpr size_t kPortion = 32;  // datagrams a system call
+    static constexpr size_t kBatchSize = 32;  // traps for each system call
 
-    void NumberPortion(size_t count);
+    void NumberBatch(size_t count);
 
-    std::array<Octets, kPortion> traps_;
-    std::array<iovec, kPortion> octets_{};
-    std::array<mmsghdr, kPortion> messages_{};
-    size_t numberPlace_ = 0;
+    std::array<Octets, kBatchSize> traps_;
+    std::array<iovec, kBatchSize> octets_{};
+    std::array<mmsghdr, kBatchSize> messages_{};
+    size_t numberOffset_ = 0;
     uint32_t nextNumber_;
     ScopedDescriptor socket_;
     size_t sent_ = 0;

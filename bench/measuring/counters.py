@@ -1,16 +1,16 @@
-"""What the system counts: datagrams at sockets, processor time, and what has come to a growing file."""
+"""Counts datagrams at sockets, processor time, and texts in a growing file."""
 
 import os
 import re
 import subprocess
 from pathlib import Path
 
-PIECE = 1 << 24  # octets of a file that are read at once
-TICKS_A_SECOND = os.sysconf("SC_CLK_TCK")
+PIECE = 1 << 24  # octets of a file read at once
+TICKS_PER_SECOND = os.sysconf("SC_CLK_TCK")
 
 
 def sockets(port):
-    """The lines of the port's sockets in the system's table."""
+    """The fields of each socket of the port in the system's table."""
     for line in Path("/proc/net/udp").read_text(encoding="ascii").splitlines()[1:]:
         fields = line.split()
         if int(fields[1].split(":")[1], 16) == port:
@@ -27,7 +27,7 @@ def dropped(port):
 
 
 def read_from_sockets():
-    """Datagrams that were read from any socket of this network."""
+    """Datagrams read from all sockets in this network namespace."""
     names, values = (
         line.split()[1:]
         for line in Path("/proc/net/snmp").read_text(encoding="ascii").splitlines()
@@ -44,21 +44,21 @@ def granted_buffer(port):
 
 
 def cpu_seconds(pid):
-    """Processor time of the process so far, its system calls included."""
+    """Processor time of the process so far, user and system."""
     fields = Path("/proc", str(pid), "stat").read_text(encoding="ascii", errors="replace").rpartition(")")[2].split()
-    return (int(fields[11]) + int(fields[12])) / TICKS_A_SECOND
+    return (int(fields[11]) + int(fields[12])) / TICKS_PER_SECOND
 
 
 class TextCounter:
-    """Counts a text in the whole lines of a growing file, reading each octet once."""
+    """Counts a text in the complete lines of a growing file. Reads each octet once."""
 
     def __init__(self, path, text):
         self.path, self._text = path, text
         self._offset = 0
         self.count = 0
 
-    def look(self):
-        """Returns how often the text is in the file by now; 0 while there is no file."""
+    def read(self):
+        """Reads what is new and returns the number so far; 0 if there is no file."""
         if not self.path.exists():
             return self.count
         with open(self.path, "rb") as file:
@@ -69,7 +69,7 @@ class TextCounter:
         return self.count
 
     def _count_lines(self, octets):
-        """Counts in the whole lines; how many octets they are."""
+        """Counts in the complete lines and returns their size."""
         end = octets.rfind(b"\n") + 1
         self.count += octets.count(self._text, 0, end)
         return end

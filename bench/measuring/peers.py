@@ -1,5 +1,5 @@
-"""What Quillmont is compared with on UDP 162: floor programs that do the least that is possible, and snmptrapd, which an
-operator would run instead."""
+"""The programs that Quillmont is compared with: floor programs, which do the least work possible, and snmptrapd, which
+an operator would run instead."""
 
 import os
 import shutil
@@ -17,20 +17,19 @@ from measuring.counters import TextCounter, listens
 from measuring.programs import native_tool, windows_tool
 from measuring.receivers import Receiver, UnderWine
 
-# What Quillmont asks for.
-BUFFER = 32 * 1024 * 1024
-# What a floor program writes for a trap of two bindings: as many octets as Quillmont.
+BUFFER = 32 * 1024 * 1024  # as Quillmont requests
+# The octets that Quillmont writes for a trap of two bindings.
 RECORD_OCTETS = 159
 LOG_LINE_OCTETS = len("2026-03-07 09:05:02.047  Trap received (127.0.0.1).") + len(LINE_END)
 
 
 class NativeFloor(Receiver):
-    """A program that only receives, or only receives and appends to two files."""
+    """A program that only receives, or receives and appends to two files."""
 
     mark = b"\n"
 
     def __init__(self, appends):
-        self.name = "floor: two appends" if appends else "floor: receiving alone"
+        self.name = "floor: two appends" if appends else "floor: receiving only"
         self.writes = appends
 
     def _arguments(self, folder, name):
@@ -52,7 +51,7 @@ class NativeFloor(Receiver):
 
 
 class WineFloor(UnderWine, NativeFloor):
-    """The same as a Windows program, in the folder that Quillmont would write to."""
+    """The same as a Windows program, in Quillmont's data folder."""
 
     def __init__(self, driver, appends):
         super().__init__(appends)
@@ -70,7 +69,7 @@ class WineFloor(UnderWine, NativeFloor):
 
 
 class Snmptrapd(Receiver):
-    """It writes to one file that it keeps open, and gets the same receive buffer."""
+    """Writes to one file that it keeps open, and has the same receive buffer."""
 
     name = "snmptrapd"
     mark = b".1.3.6.1.6.3.1.1.4.1.0 ="

@@ -1,4 +1,4 @@
-"""Where the measured programs are, and those of an earlier state of the sources."""
+"""Where the measured programs are."""
 
 from pathlib import Path
 
@@ -17,7 +17,7 @@ def windows_tool(name):
 
 
 class Programs:
-    """Quillmont as one state of the sources built it."""
+    """The programs of one build."""
 
     def __init__(self, name, program, engine):
         self.name = name
@@ -30,6 +30,6 @@ def programs_now():
 
 
 def programs_in(folder):
-    """Copies from an earlier state: build/windows/Quillmont.exe and build/bench/bench/quillmont_engine_receiver."""
+    """Copies from an earlier build: build/windows/Quillmont.exe and build/bench/bench/quillmont_engine_receiver."""
     folder = Path(folder).resolve()
     return Programs("before", folder / "Quillmont.exe", folder / ENGINE)

@@ -1,5 +1,5 @@
-"""The programs that listen on UDP 162 and are measured: Quillmont, natively and under Wine. Those that it is compared
-with are in peers.py. Each is used in a `with` statement, which starts and ends it."""
+"""Quillmont as a measured receiver on UDP 162, natively and under Wine; peers.py has the programs that it is compared
+with. A `with` statement starts and ends each."""
 
 import os
 import shutil
@@ -20,13 +20,13 @@ FORWARDING_PORT = 9162
 
 class Receiver:
     name = ""
-    mark = b"FROM: "  # is in each record once
+    mark = b"FROM: "  # once in each record
     writes = True
     forwards = False
     recorder = None  # counts the records of its file
 
     def start(self):
-        """Starts it; sets pid and, when it writes, recorder."""
+        """Starts it. Sets pid and, if it writes, recorder."""
         raise NotImplementedError
 
     def end(self):
@@ -43,20 +43,20 @@ class Receiver:
         wait_until(lambda: not listens(TRAP_PORT), f"{self.name} to end")
 
     def cpu(self):
-        """Processor time so far of all processes that work for it."""
+        """Processor time so far, including processes that work for it."""
         return cpu_seconds(self.pid)
 
     def wait_for_records(self, count, seconds=300):
         if self.recorder:
             wait_until(
-                lambda: self.recorder.look() >= count,
+                lambda: self.recorder.read() >= count,
                 lambda: f"{count} records of {self.name}, seen {self.recorder.count}",
                 seconds,
             )
 
 
 class UnderWine(Receiver):
-    """Wine's server does half of the work of a Windows program."""
+    """Includes Wine's server, which does half of the work of a Windows program."""
 
     def cpu(self):
         servers = [*wine_processes("wineserver"), *wine_processes("wineserver64")]
@@ -64,7 +64,7 @@ class UnderWine(Receiver):
 
 
 class Quillmont(Receiver):
-    """A fresh data folder for each start; start_again and kill go on with the same one."""
+    """Uses a fresh data folder for each start; kill and start_again use the same one again."""
 
     def __init__(self, programs, forwards):
         self.programs = programs or programs_now()
@@ -129,8 +129,8 @@ class ShippedProgram(UnderWine, Quillmont):
 
 
 class ForwardingTarget:
-    """The socket that receivers forward to. It is only read when the count is asked for, so that it takes no processor
-    time from the receiver: the first few hundred datagrams are read, and the system counts those it dropped."""
+    """The socket that receivers forward to. Only `count` reads it, leaving the processor to the receiver. The first few
+    hundred datagrams fill its buffer; the system counts those that it drops."""
 
     def __init__(self):
         self._socket = udp_socket(FORWARDING_PORT)
@@ -139,7 +139,7 @@ class ForwardingTarget:
 
     @property
     def count(self):
-        """Datagrams that have arrived by now."""
+        """Datagrams that have arrived so far."""
         try:
             while True:
                 self._read.append(self._socket.recv(65535))
@@ -147,11 +147,11 @@ class ForwardingTarget:
             return len(self._read) + dropped(FORWARDING_PORT)
 
     def wait_for(self, count):
-        """Waits until `count` datagrams have arrived. Those that were read are whole and in order: they differ in their
-        rising number only."""
+        """Waits until `count` datagrams have arrived. Checks that those read are whole and in order: only their number
+        differs, and it increases."""
         wait_until(lambda: self.count >= count, lambda: f"{count} forwarded, seen {self.count}")
         assert self._read == sorted(set(self._read)), "forwarded twice or out of order"
-        assert len(set(map(len, self._read))) <= 1, "forwarded cut"
+        assert len(set(map(len, self._read))) <= 1, "forwarded truncated"
 
     def __enter__(self):
         return self

@@ -1,4 +1,4 @@
-"""Compares what a receiver wrote with what the sender sent, record by record."""
+"""Compares the records that a receiver wrote with the traps that were sent."""
 
 import re
 
@@ -6,8 +6,7 @@ from harness.data_folder import LINE_END, STAMP
 
 from measuring.counters import PIECE
 
-# Of each trap whose record is compared.
-BINDINGS = 6
+BINDINGS = 6  # of each trap whose record is compared
 
 RECORD = re.compile(
     LINE_END.join(
@@ -27,29 +26,29 @@ RECORD = re.compile(
 
 
 def parse_records(octets):
-    """Returns the numbers of the records at the start of the octets, and the octets after the last whole one. Fails if
-    anything else is between them."""
+    """Returns the numbers of the records and the octets after the last whole one. Fails if anything else is between the
+    records."""
     records, end, rest = octets.rpartition(LINE_END * 2)
-    numbers, place = [], 0
+    numbers, position = [], 0
     for found in RECORD.finditer(records + end):
-        assert found.start() == place, f"this is no record: {octets[place : place + 300]!r}"
+        assert found.start() == position, f"not a record: {octets[position : position + 300]!r}"
         numbers.append(int(found[1]))
-        place = found.end()
-    assert place == len(records + end), f"this is no record: {octets[place : place + 300]!r}"
+        position = found.end()
+    assert position == len(records + end), f"not a record: {octets[position : position + 300]!r}"
     return numbers, rest
 
 
 def read_numbers(path, rest=b""):
-    """Yields the number of each record of a file of any size. Fails if there is anything else than whole records."""
+    """Yields the number of each record of a file of any size. Fails if the file contains anything but whole records."""
     with open(path, "rb") as file:
         while piece := file.read(PIECE):
             numbers, rest = parse_records(rest + piece)
             yield from numbers
-    assert rest == b"", f"the last record of {path} is cut: {rest[:300]!r}"
+    assert rest == b"", f"the last record of {path} is truncated: {rest[:300]!r}"
 
 
 def check_order(numbers, expected):
-    """Fails unless there are as many records as expected, in the order of sending and none twice."""
+    """Fails unless there are `expected` records in the order of sending, none twice."""
     count, last = 0, -1
     for number in numbers:
         assert number > last, f"record {number} follows {last}"

@@ -18,8 +18,7 @@ class Sent(NamedTuple):
 
 
 class Sender:
-    """A sender that runs in the background until its `with` statement ends. Modes and numbers are those of
-    trap_sender.cpp."""
+    """Runs trap_sender in the background until its `with` statement ends. For modes and numbers see trap_sender.cpp."""
 
     def __init__(self, mode, **numbers):
         words = [f"{name}={number}" for name, number in numbers.items()]
@@ -28,7 +27,7 @@ class Sender:
         )
 
     def wait(self):
-        """Waits until the sender has ended and returns what it sent."""
+        """Waits for the sender to end and returns its result."""
         output, errors = self._process.communicate()
         assert self._process.returncode == 0, f"the sender failed: {errors}"
         count, lost, sending, whole = output.split()

@@ -1,4 +1,4 @@
-"""Tables as they are printed: rows of figures, and ratios over several rounds."""
+"""Prints tables: rows of figures, and ratios over several rounds."""
 
 import statistics
 
@@ -14,7 +14,7 @@ def row(*cells):
 
 
 class RatioTable:
-    """One row for each comparison, with one ratio, ours by theirs, for each round."""
+    """One row for each comparison. Each round gives one ratio, ours divided by theirs."""
 
     def __init__(self):
         self.rows = {}
