@@ -19,14 +19,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Converts a path of AppPaths for the standard library.
-fs::path StandardPath(std::wstring path) {
-    for (wchar_t& character : path) {
-        character = character == L'\\' ? static_cast<wchar_t>(fs::path::preferred_separator) : character;
-    }
-    return path;
-}
-
 class Faults : public EngineTest {
   protected:
     void SetUp() override {

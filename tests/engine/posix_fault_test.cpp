@@ -29,12 +29,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-fs::path PosixPath(const std::wstring& path) {
-    std::wstring spelled = path;
-    std::replace(spelled.begin(), spelled.end(), L'\\', L'/');
-    return spelled;
-}
-
 // The tests run as root of their namespace, and file permissions do not apply to root. This drops that
 // privilege, but not the one to bind low ports, for the calling thread and the threads that it starts.
 class WithoutFilePrivileges {
@@ -62,11 +56,11 @@ class PosixFaults : public EngineTest {
     }
 
     static void Allow(const std::wstring& path, unsigned mode) {
-        ASSERT_EQ(chmod(PosixPath(path).c_str(), mode), 0) << PosixPath(path);
+        ASSERT_EQ(chmod(StandardPath(path).c_str(), mode), 0) << StandardPath(path);
     }
 
     static void WriteMib(const std::string& name, const std::string& definition) {
-        std::ofstream(PosixPath(AppPaths.mibsDir) / name, std::ios::binary)
+        std::ofstream(StandardPath(AppPaths.mibsDir) / name, std::ios::binary)
             << definition << " OBJECT IDENTIFIER ::= { enterprises 9999 }\n";
     }
 
@@ -130,7 +124,7 @@ TEST_F(PosixFaults, AnInaccessibleMibsFolderGivesNoNames) {
 }
 
 TEST_F(PosixFaults, SymbolicLinksAreFollowed) {
-    const fs::path mibs = PosixPath(AppPaths.mibsDir);
+    const fs::path mibs = StandardPath(AppPaths.mibsDir);
     WriteMib("target.doc", "linked");
     fs::create_symlink(mibs / "target.doc", mibs / "file.mib");
     fs::create_symlink(mibs / "nowhere", mibs / "dangling.mib");
@@ -143,7 +137,7 @@ TEST_F(PosixFaults, SymbolicLinksAreFollowed) {
 
 // Opening a pipe without a writer would block forever.
 TEST_F(PosixFaults, APipeNamedLikeAMibFileIsNotOpened) {
-    ASSERT_EQ(mkfifo((PosixPath(AppPaths.mibsDir) / "pipe.mib").c_str(), 0600), 0);
+    ASSERT_EQ(mkfifo((StandardPath(AppPaths.mibsDir) / "pipe.mib").c_str(), 0600), 0);
     WriteMib("real.mib", "real");
     LoadMibFolder();
     EXPECT_EQ(LogLines().back(), "MIBs loaded. OID mappings: 1");
@@ -174,7 +168,7 @@ class FullDisk : public PosixFaults {
 
     void SetUp() override {
         PosixFaults::SetUp();
-        folder_ = PosixPath(AppPaths.dataDir);
+        folder_ = StandardPath(AppPaths.dataDir);
         mounted_ = unshare(CLONE_NEWNS) == 0 &&
                    mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
                    mount("tmpfs", folder_.c_str(), "tmpfs", 0, "size=128k") == 0;
@@ -208,7 +202,7 @@ class FullDisk : public PosixFaults {
     bool mounted_ = false;
 };
 
-// The trap thread waits for MibStoreLock, so that all but the first trap form a batch.
+// The trap thread waits for MibStoreLock, so that most traps form one batch.
 TEST_F(FullDisk, TruncatesTheFirstRecordOfABatchThatDoesNotFitAndForwardsAll) {
     constexpr size_t kTraps = 100;
     const Octets& trap = Sample("v2_link_down");

@@ -1,6 +1,6 @@
 #include "tests/support/exclusive_port.h"
 
-// The program's own sockets always set address reuse.
+// Uses the system's sockets, since the program's own always set address reuse.
 #ifdef _WIN32
 #include "platform/windows/windows_headers.h"
 #else

@@ -4,7 +4,7 @@
 
 #include <utility>
 
-// The program's own sockets cannot be bound to a single address.
+// Uses the system's sockets, since the program's own cannot be bound to a single address.
 #ifdef _WIN32
 #include "platform/windows/windows_headers.h"
 

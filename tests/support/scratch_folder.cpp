@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <random>
 
@@ -47,6 +48,11 @@ AppPathsGuard::AppPathsGuard(const ScratchFolder& folder) : old_(AppPaths) {
 
 AppPathsGuard::~AppPathsGuard() {
     AppPaths = old_;
+}
+
+std::filesystem::path StandardPath(std::wstring path) {
+    std::replace(path.begin(), path.end(), L'\\', wchar_t{std::filesystem::path::preferred_separator});
+    return path;
 }
 
 void WriteOctets(const std::wstring& path, std::string_view octets) {

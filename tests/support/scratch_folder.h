@@ -35,6 +35,9 @@ class AppPathsGuard {
     AppPathTexts old_;
 };
 
+// Converts a path of the program, joined by backslashes, for the standard library.
+std::filesystem::path StandardPath(std::wstring path);
+
 // Whole files, octet for octet. A failed write fails the test; a failed read returns no octets.
 void WriteOctets(const std::wstring& path, std::string_view octets);
 std::string ReadOctets(const std::wstring& path);
