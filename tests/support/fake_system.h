@@ -16,11 +16,9 @@ struct UdpSocket {
     std::string name;
 };
 
-constexpr LocalTime kFakeTime = {2026, 3, 7, 9, 5, 2, 47};
-
 struct FakeSystem {
     std::vector<std::string> steps;  // the program's calls, in order
-    LocalTime now = kFakeTime;
+    LocalTime now = {2026, 3, 7, 9, 5, 2, 47};
 
     int socketsLeft = 3;
     int threadsLeft = 2;

@@ -1,4 +1,4 @@
-// Refuses memory requests, one after the other. Linking scarce_memory.cpp replaces the global operator new,
+// Makes memory requests fail, one after the other. Linking scarce_memory.cpp replaces the global operator new,
 // hence a separate program.
 #pragma once
 
