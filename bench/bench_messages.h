@@ -18,9 +18,9 @@ Octets MakeTrap(size_t bindings);
 constexpr size_t kMaxUdpPayload = 65507;
 
 // Hostile traps of `octets` octets or slightly fewer.
-Octets MakeTrapOfTinyBindings(size_t octets);    // bindings of an empty identifier without a value
-Octets MakeTrapOfTinyElements(size_t octets);    // elements of one octet instead of bindings
-Octets MakeTrapOfNestedElements(size_t octets);  // elements nested as deeply as fits
+Octets MakeTrapOfTinyBindings(size_t octets);       // bindings of an empty identifier without a value
+Octets MakeTrapOfTinyElements(size_t octets);       // elements of one octet instead of bindings
+Octets MakeTrapOfNestedElements(size_t octets);     // elements nested as deeply as fits
 Octets MakeTrapWithGiantIdentifier(size_t octets);  // one identifier, each octet an arc
 Octets MakeTrapWithGiantText(size_t octets);        // one printable text
 Octets MakeTrapOfTenOctetArcs(size_t octets);       // identifiers of arcs of 64 bits

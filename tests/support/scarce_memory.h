@@ -1,5 +1,5 @@
-// Makes memory requests fail, one after the other. Linking scarce_memory.cpp replaces the global operator new,
-// hence a separate program.
+// Makes memory requests fail, one after the other. scarce_memory.cpp replaces the global operator new, hence
+// a separate program.
 #pragma once
 
 #include <gtest/gtest.h>
