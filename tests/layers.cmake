@@ -20,7 +20,8 @@ endfunction()
 set(UNDER_WINE ${CMAKE_SOURCE_DIR}/scripts/run_under_wine.sh CACHE INTERNAL "")
 set(IN_PRIVATE_NETWORK ${CMAKE_SOURCE_DIR}/scripts/in_private_network.sh)
 set(ON_PRIVATE_DESKTOP ${CMAKE_SOURCE_DIR}/scripts/run_on_private_desktop.sh)
-set(PYTEST /usr/bin/python3 -B -m pytest -q)
+# Temporary files are not in /tmp: in a private network every user is root, and pytest refuses the folder of another one.
+set(PYTEST ${CMAKE_COMMAND} -E env PYTEST_DEBUG_TEMPROOT=${CMAKE_CURRENT_BINARY_DIR} /usr/bin/python3 -B -m pytest -q)
 
 function(add_layers)
   if(WIN32)
