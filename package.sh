@@ -3,7 +3,7 @@
 # release notes. Installs the Debian packages that it needs. Two runs on the same Debian release make identical files,
 # unless QUILLMONT_CERTIFICATE names a certificate to sign them with (packaging/sign.sh). For a release use Debian 13 or
 # newer: its NSIS makes a safer installer (packaging/warn_of_old_nsis.sh).
-# With --check-kit it makes instead the zip that tests the program on a real Windows machine.
+# With --check-kit it makes only the check kit, a zip of tests for a real Windows machine.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 

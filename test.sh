@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Builds and runs what proves the program: the engine under sanitizers, the Windows programs under Wine, and the program
-# itself in its windows. With --all also ThreadSanitizer, clang-tidy, clang as a second compiler, the packages, the
-# scripts and the kit for a real Windows machine. A fresh Debian 12 or 13 machine needs nothing beforehand.
-# Ends with CTest's summary and the reasons of what was skipped, and with a code other than 0 when anything failed.
+# Builds and runs the tests: the engine under sanitizers, the Windows programs under Wine, and the program itself in
+# its windows. With --all also ThreadSanitizer, clang-tidy, clang as a second compiler, the packages, the scripts and
+# the kit for a real Windows machine. Needs no preparation on a fresh Debian 12 or 13 machine.
+# Prints CTest's summary and why tests were skipped. The exit code is 0 only if nothing failed.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 
@@ -28,7 +28,7 @@ case "${1:-}" in
         ;;
 esac
 
-# One CTest run over all builds. Most of a test's time is waiting, so there are more of them than processors.
+# One CTest run over all builds. Tests mostly wait, so more of them run at once than there are processors.
 for build in "${builds[@]}"; do
     echo "subdirs($build)"
 done >build/CTestTestfile.cmake

@@ -1,5 +1,5 @@
 @echo off
-rem Checks Quillmont on this machine and writes report.txt next to this file. READ-ME.txt says more.
+rem Checks Quillmont on this machine and writes report.txt next to this file. See READ-ME.txt.
 if exist "%~dp0programs\quillmont_check.exe" goto unpacked
 echo The zip has not been unpacked: right-click it, choose "Extract All...", and start check.cmd in the new folder.
 set code=2

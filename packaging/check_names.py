@@ -3,7 +3,7 @@
 each notification with the objects listed there.
 
 Usage: packaging/check_names.py FOLDER, with the documents' MIB files in it. Debian has none of them, since their
-licence is not free, so this is run by hand when the table changes. Prints the rows that no file confirms.
+licence is not free, so run this manually after changing the table. Prints the rows that no file confirms.
 """
 
 import re
@@ -45,7 +45,7 @@ class Files:
             self.objects.setdefault(name, set()).add(listed)
         return values
 
-    def of_value(self, value, file, parents):
+    def resolve(self, value, file, parents):
         """Returns the identifiers that a value such as "ifEntry 1" can have in a file."""
         first, *arcs = value.split() or [""]
         arcs = [re.search(r"(\d+)\)?$", arc) for arc in arcs]
@@ -63,7 +63,7 @@ class Files:
             return set()
         files = [file] if file and name in file else [other for other in self.files if name in other]
         parents = (*parents, name)
-        return {found for each in files for value in each[name] for found in self.of_value(value, each, parents)}
+        return {found for each in files for value in each[name] for found in self.resolve(value, each, parents)}
 
 
 def main():

@@ -1,11 +1,11 @@
 ; Closes the running program so that its file can be replaced or removed.
 
-; How long all running programs together may take to close, and how long their file may stay in use after that, in ms.
+; In ms: the limit for closing all running programs together, and for their file to become writable after that.
 !define CLOSE_TIME 30000
 !define RELEASE_TIME 10000
 !define PAUSE 100
 
-; 1 if a running program was closed. It is started again.
+; 1 if a running program was closed, so that Setup starts it again.
 Var Closed
 ; The number of main windows.
 Var Windows
@@ -30,11 +30,11 @@ Var Windows
   ${Loop}
 !macroend
 
-; Pushes the process, or 0 if it may not be opened: it is another user's if setup runs with other credentials. WM_CLOSE
-; works like the close box: the receiver stops and the settings are saved.
+; Pushes the process handle, or 0 if access is denied: Setup may run as another user than the program. WM_CLOSE works
+; like the close box: the receiver stops and the settings are saved.
 !macro AskToClose
   System::Call 'user32::GetWindowThreadProcessId(p r0, *i .r1) i .r2'
-  ; SYNCHRONIZE and PROCESS_QUERY_LIMITED_INFORMATION. Wine grants the former alone to everybody.
+  ; SYNCHRONIZE | PROCESS_QUERY_LIMITED_INFORMATION. The latter is for tests: Wine never denies SYNCHRONIZE alone.
   System::Call 'kernel32::OpenProcess(i 0x101000, i 0, i r1) p .r3'
   Push $3
   ; WM_CLOSE. Posted, because the program may need three seconds to stop its receiver.
@@ -46,7 +46,7 @@ Var Windows
 
 ; Asks every running Quillmont of this session once to close, and waits until the windows and then the processes are
 ; gone: the file can be replaced only after the process has ended. A window that is gone counts as closed, even if its
-; process could not be opened. Takes CLOSE_TIME at most. EnsureWritable finds out whether that was enough.
+; process could not be opened. Waits CLOSE_TIME at most; EnsureWritable then checks the result.
 !macro CloseProgram PREFIX
 Function ${PREFIX}CloseProgram
   System::Call 'kernel32::GetTickCount() i .R8'
@@ -111,7 +111,7 @@ FunctionEnd
 !insertmacro WaitUntilWritable ""
 !insertmacro WaitUntilWritable "un."
 
-; Ends with code 2 if the old program cannot be replaced: it may run in somebody else's session.
+; Quits with code 2 if the old program cannot be replaced: it may run in another user's session.
 !macro EnsureWritable PREFIX BEFORE_LEAVING
 Function ${PREFIX}EnsureWritable
   ${IfNot} ${FileExists} "$INSTDIR\${PROGRAM}"
@@ -127,11 +127,11 @@ Function ${PREFIX}EnsureWritable
   ${EndIf}
 FunctionEnd
 !macroend
-; A program that was closed in this session is started again.
+; A program that was closed in this session is started again first.
 !insertmacro EnsureWritable "" "Call RestartProgram"
 !insertmacro EnsureWritable "un." ""
 
-; Through the desktop's shell, so that the program does not run elevated or as another user, as setup may.
+; Through Explorer, so that the program does not run elevated or as another user, as Setup may.
 Function StartProgram
   Exec '"$WINDIR\explorer.exe" "$INSTDIR\${PROGRAM}"'
 FunctionEnd

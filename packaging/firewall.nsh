@@ -1,15 +1,15 @@
 ; The rule in Windows Firewall.
 ;
-; The program binds UDP 162 and UDP 161. If a program binds a port without an inbound rule, Windows asks the user; a
-; question that is refused or closed, or that a standard user never sees, leaves rules that block the program. A blocking
-; rule beats every allowing one: the receiver runs, and no trap arrives. So one rule names both ports, and all other
-; inbound rules for this program's file are deleted first.
+; The program binds UDP 162 and UDP 161. If a program binds a port without an inbound rule, Windows asks the user. If
+; the user declines or closes the question, or is a standard user and never sees it, Windows adds rules that block the
+; program. They override rules that allow it, and no trap arrives. So Setup deletes all inbound rules for the program's
+; file before it adds one rule for both ports.
 
 !define RULE "Quillmont PRO (SNMP, UDP 161 and 162)"
 !define RULES "advfirewall firewall"
 
-; $0 is netsh's exit code, or the text "error" if it could not be started. Uses its full path, since Windows would look
-; first in the folder that setup was downloaded to.
+; $0 is netsh's exit code, or the text "error" if it could not be started. Uses the full path, since Windows would first
+; search the folder that Setup was downloaded to.
 !macro RunNetsh ARGUMENTS
   nsExec::Exec `"$SYSDIR\netsh.exe" ${RULES} ${ARGUMENTS}`
   Pop $0
@@ -19,7 +19,7 @@
   !insertmacro RunNetsh `delete rule name="${RULE}"`
 !macroend
 
-; $0 is 0 if there were any, and 1 if no rule matched.
+; $0 is 0 if there were such rules, and 1 otherwise.
 !macro DeleteRulesOfProgram
   !insertmacro RunNetsh `delete rule name=all dir=in program="$INSTDIR\${PROGRAM}"`
 !macroend
@@ -47,7 +47,7 @@ Function AddFirewallRule
   ${EndIf}
 FunctionEnd
 
-; The box was ticked once and no longer is. Rules that somebody made by hand stay.
+; For a box that is not ticked. Deletes only the rule of an earlier installation, not those added manually.
 Function DropFirewallRule
   ReadRegDWORD $0 HKLM "${UNINSTALL_KEY}" "FirewallRule"
   ${If} $0 == 1
@@ -56,7 +56,7 @@ Function DropFirewallRule
   WriteRegDWORD HKLM "${UNINSTALL_KEY}" "FirewallRule" 0
 FunctionEnd
 
-; If Setup made the rule, rules that Windows made for the program's file are removed too.
+; If Setup added the rule, also removes the rules that Windows added for the program's file.
 Function un.RemoveFirewallRules
   ReadRegDWORD $0 HKLM "${UNINSTALL_KEY}" "FirewallRule"
   ${If} $0 == 1

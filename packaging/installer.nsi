@@ -2,14 +2,14 @@
 ; with the files to install), CONTENT_LIST (a file with the macros InstallContent and RemoveContent), SIGN (the command
 ; that signs the uninstaller) and OUTPUT (the installer to write).
 ;
-; It installs for all users and asks nothing in silent mode. It closes the program through its window before replacing
-; it. A firewall error is reported and does not stop it. After uninstalling only the operator's own files are left, and
-; those are deleted too if wanted.
+; It installs for all users and asks nothing in silent mode. It closes a running program through its window before
+; replacing it. A firewall error is reported but does not stop it. The uninstaller leaves only the operator's own files,
+; and deletes those too on request.
 
 Unicode true
 Target amd64-unicode
 SetCompressor /SOLID lzma
-; Reproducible: the files' times must not matter.
+; Leaves out the files' times, so that the installer is reproducible.
 SetDateSave off
 
 !define NAME "Quillmont PRO"
@@ -69,8 +69,8 @@ VIAddVersionKey "LegalCopyright" "© 2026 Quillmont. All rights reserved."
 ; 1 if an older version may replace a newer one without a question.
 Var Downgrade
 
-; Writes a message for the operator to the list of steps and to a file next to the program. Without a message there is
-; no such file.
+; Adds a message for the operator to the list of steps and to a file next to the program. The file exists only if there
+; was a message.
 !macro Note TEXT
   DetailPrint "${TEXT}"
   FileOpen $9 "$INSTDIR\${NOTES}" a
@@ -90,12 +90,12 @@ Var Downgrade
 !include closing.nsh
 !include firewall.nsh
 
-; Like StartProgram, so that the browser does not run elevated.
+; Through Explorer, like StartProgram, so that the browser does not run elevated.
 Function OpenGuide
   Exec '"$WINDIR\explorer.exe" "$INSTDIR\user-guide.html"'
 FunctionEnd
 
-; Windows' own trap service uses the port while it runs. $0 is its state (4: running), empty if there is no such service.
+; Windows' own trap service uses UDP 162 while it runs. $0 is its state (4: running), or empty without such a service.
 Function QueryTrapService
   StrCpy $0 ""
   ; SC_MANAGER_CONNECT
@@ -161,7 +161,7 @@ Section "Firewall rule for UDP 161 and 162" FirewallSection
   Call AddFirewallRule
 SectionEnd
 
-; Always runs, and last. Removes what was unticked if an earlier installation made it.
+; Always runs, as the last section. Removes components that an earlier installation added and that are not ticked now.
 Section -Finish
   ${IfNot} ${SectionIsSelected} ${AutostartSection}
     DeleteRegValue HKLM "${RUN_KEY}" "Quillmont"
@@ -170,14 +170,14 @@ Section -Finish
     Call DropFirewallRule
   ${EndIf}
   Call WarnOfTrapService
-  ; The finish page offers to start the program. Silent mode has no such page, and a closed receiver would miss traps.
+  ; In silent mode there is no finish page that offers to start the program, and a closed receiver misses traps.
   ${If} ${Silent}
     Call RestartProgram
   ${EndIf}
 SectionEnd
 
-; An upgrade starts with the boxes as they were left. A firewall rule that could not be added is offered again.
-!macro KeepChoices
+; An upgrade starts with the earlier choices. A firewall rule that could not be added is ticked again.
+!macro RestoreChoices
   ReadRegStr $R0 HKLM "${UNINSTALL_KEY}" "DisplayVersion"
   ${If} $R0 != ""
     ReadRegStr $R1 HKLM "${RUN_KEY}" "Quillmont"
@@ -202,7 +202,7 @@ SectionEnd
     StrCpy $Downgrade 0
 !macroend
 
-; An older version may not be able to read what a newer one wrote, and may have errors that were corrected.
+; An older version may be unable to read a newer one's files, and may have bugs that were fixed since.
 Function AskBeforeDowngrade
   ReadRegStr $R0 HKLM "${UNINSTALL_KEY}" "DisplayVersion"
   ${VersionCompare} "$R0" "${VERSION}" $R1
@@ -222,7 +222,7 @@ Agreed:
 FunctionEnd
 
 Function .onInit
-  !insertmacro KeepChoices
+  !insertmacro RestoreChoices
   !insertmacro ReadSwitches "" "${INSTALL_HELP}" InstallSwitches
   Call AskBeforeDowngrade
 FunctionEnd
@@ -252,15 +252,15 @@ Section "un.${NAME}" RemoveProgram
   !insertmacro RemoveContent
   Delete "$INSTDIR\${NOTES}"
   Delete "$INSTDIR\uninstall.exe"
-  ; Only if it is empty now: files that somebody else put there stay.
+  ; Deletes only an empty folder: other people's files stay.
   RMDir "$INSTDIR"
 SectionEnd
 
-; $0 becomes 1 when FOLDER exists and is not a link (a reparse point, such as a junction) to another folder.
+; $0 becomes 1 if FOLDER exists and is not a link to another folder (a reparse point, such as a junction).
 !macro IsPlainFolder FOLDER
   StrCpy $1 "${FOLDER}"
   System::Call 'kernel32::GetFileAttributesW(w r1) i .r0'
-  ; FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DIRECTORY. Both bits are also set in the -1 of a failure.
+  ; FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DIRECTORY. A failure returns -1, which has both bits set.
   IntOp $0 $0 & 0x410
   ${If} $0 = 0x10
     StrCpy $0 1
@@ -269,8 +269,8 @@ SectionEnd
   ${EndIf}
 !macroend
 
-; Runs as an administrator in a folder that a standard user can write to. So it deletes by name and extension only what
-; the program makes, never recursively, and never through a link, which could lead to anybody's files.
+; Runs as an administrator in a folder that a standard user can write to. So it deletes only the program's own files, by
+; name and extension, never recursively, and never through a link, which could lead to anyone's files.
 Section /o "un.My traps, log, settings and MIB files" RemoveData
   SetShellVarContext current
   !insertmacro IsPlainFolder "$LOCALAPPDATA\Quillmont"

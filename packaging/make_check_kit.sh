@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Packs what proves the program on a real Windows machine: its test programs, the program, and a runner for all.
+# Packs the program, its test programs and their runner into a zip for a real Windows machine.
 # Usage: packaging/make_check_kit.sh BUILD_FOLDER VERSION FOLDER, where BUILD_FOLDER is one of the windows preset.
 set -euo pipefail
 
@@ -18,12 +18,12 @@ mkdir -p "$kit/programs"
 
 sed 's/$/\r/' packaging/check.cmd >"$kit/check.cmd"
 sed 's/$/\r/' packaging/check_kit.txt >"$kit/READ-ME.txt"
-# The test programs that the build makes now; its folder may still hold others that it made once.
+# Asks ninja for the test programs: the folder may still contain programs that the build no longer makes.
 readarray -t programs < <(ninja -C "$build" -t targets all |
     sed -nE 's,^((tests/quillmont_[a-z_]+_tests|tests/kit/quillmont_[a-z_]+|fuzz/quillmont_corpus_replay)\.exe): .*,\1,p')
 (cd "$build" && cp Quillmont.exe "${programs[@]}" "$kit/programs")
 cp -r fuzz/corpus "$kit/programs/corpus"
-# The lines of the guide that PowerShell can try, each as a script of the name that the page gives it.
+# The guide's PowerShell examples that can be run, each as a script with the name that the page gives it.
 PYTHONPATH=tests /usr/bin/python3 -B - "$kit/programs" <<'SCRIPT'
 import sys
 from pathlib import Path

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Draws the icon's sizes from resources/quillmont.svg. Usage: packaging/make_icon.sh [FILE.ICO]; without a file it
-# replaces resources/quillmont.ico. Look at the result in every size: icotool --extract.
+# Draws the icon in all sizes from resources/quillmont.svg. Usage: packaging/make_icon.sh [FILE.ICO]; without a file it
+# replaces resources/quillmont.ico. Look at each size of the result: icotool --extract.
 set -euo pipefail
 output="$(realpath "${1:-$(dirname "${BASH_SOURCE[0]}")/../resources/quillmont.ico}")"
 cd "$(dirname "${BASH_SOURCE[0]}")/.."

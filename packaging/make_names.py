@@ -2,10 +2,10 @@
 """Makes a MIB file that names instances, such as ifIndex-3 for 1.3.6.1.2.1.2.2.1.1.3, from a table of objects.
 
 A trap carries instances, and a name is shown for exactly the identifier that a MIB file defines. The file made here
-does not depend on other MIB files: the parent in each line is built into the program or defined in the file itself.
+does not depend on other MIB files: each parent is built into the program or defined on an earlier line.
 Names of parents end in an underscore, so that they differ from all names in other MIB files.
 
-Usage: packaging/make_names.py TABLE FILE. What a table looks like: packaging/standard_names.txt.
+Usage: packaging/make_names.py TABLE FILE. packaging/standard_names.txt describes the format of a table.
 """
 
 import re
@@ -49,15 +49,15 @@ def expand_instances(instances):
         raise TableError(f"no instances: {instances}")
     if not found:
         return []
-    front = found[1].split(".")[:-1]
-    return [[*front, str(last)] for last in range(int(found[2]), int(found[3] or found[2]) + 1)]
+    prefix = found[1].split(".")[:-1]
+    return [[*prefix, str(last)] for last in range(int(found[2]), int(found[3] or found[2]) + 1)]
 
 
 class Definitions:
-    """Lines of the MIB file. Each name's parent is defined on a line before it, or built in."""
+    """The lines of the MIB file. A name's parent is defined on an earlier line or built in."""
 
     def __init__(self):
-        self.names = builtin_names()  # by identifier: what a line can build on
+        self.names = builtin_names()  # the possible parents, by identifier
         self.lines = []
 
     def add(self, name, identifier):

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Turns a built Quillmont.exe into what people download: the zip, the installer, SHA256SUMS and the release notes.
-# Usage: packaging/make_packages.sh QUILLMONT.EXE VERSION FOLDER. FOLDER is emptied of older packages.
+# Makes the files for download from a built Quillmont.exe: the zip, the installer, SHA256SUMS and the release notes.
+# Usage: packaging/make_packages.sh QUILLMONT.EXE VERSION FOLDER. Deletes older packages in FOLDER.
 #
-# The same sources give the same octets whenever and wherever this runs: the packages do not depend on the clock, on
-# paths or on the order of files in a folder. Only signing changes them (packaging/sign.sh).
+# The packages are reproducible: they do not depend on the clock, on paths or on the order of files in a folder. Only
+# signing changes them (packaging/sign.sh).
 set -euo pipefail
 
 program="$(realpath "$1")"
@@ -40,7 +40,7 @@ MakeContent() {
     MakeNames "$content/standard-names.mib"
 }
 
-# The three pages in one file, with pictures and style.
+# One file with the three pages, their pictures and the style sheet.
 MakeGuide() {
     pandoc docs/user-guide.md docs/installing.md docs/operating.md --lua-filter packaging/one-page.lua \
         --from gfm --to html5 \
@@ -50,7 +50,7 @@ MakeGuide() {
         --output "$1"
 }
 
-# With CR LF for the text editors of Windows.
+# With CR LF, as text files on Windows have.
 MakeText() {
     sed 's/$/\r/' "$1" >"$2"
 }
@@ -63,12 +63,12 @@ MakeZip() {
     local zip="$output/Quillmont-$version-windows-x64.zip"
     rm -f "$zip"
     find "$content" -exec touch --no-dereference --date="@$SOURCE_DATE_EPOCH" {} +
-    # -X: neither owners nor finer times. -D: no entries for folders.
+    # -X: no owners or precise times. -D: no entries for folders.
     (cd "$content" && find . -type f -printf '%P\n' | LC_ALL=C sort | zip -q -9 -X -D -@ "$zip")
 }
 
 # Writes the macros that install and uninstall every file of the folder.
-# shellcheck disable=SC2016  # these are variables of makensis
+# shellcheck disable=SC2016  # makensis expands these variables
 ListContent() {
     local names
     mapfile -t names < <(cd "$content" && find . -type f -printf '%P\n' | LC_ALL=C sort)

@@ -1,4 +1,4 @@
--- The pages of the guide become one: links from one to another lead to a heading of the same page.
+-- Turns links between the guide's pages into links to headings, since all pages become one.
 function Link(link)
     link.target = link.target:gsub("^[%w-]+%.md#", "#")
     local first = {

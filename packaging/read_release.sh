@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Prints the day of a version's release, or its section of CHANGELOG.md.
+# Prints a version's release date, or its section of CHANGELOG.md.
 # Usage: packaging/read_release.sh day|notes VERSION
 set -euo pipefail
 
 change_log="$(dirname "${BASH_SOURCE[0]}")/../CHANGELOG.md"
-# Followed by the day, in brackets.
+# Followed by the date and a closing bracket.
 heading="## $2 ("
 
 case "$1" in
@@ -14,7 +14,7 @@ case "$1" in
         ;;
 esac
 if [[ -z "$found" ]]; then
-    echo "CHANGELOG.md does not begin a section with: $heading<day>)" >&2
+    echo "CHANGELOG.md has no section with the heading: $heading<date>)" >&2
     exit 1
 fi
 echo "$found"

@@ -7,21 +7,21 @@
 
 !define INSTALL_HELP "Setup's switches:$\r$\n\
     /S  asks nothing and shows nothing$\r$\n\
-    /AUTOSTART=yes, /AUTOSTART=no  with or without the start at sign-in$\r$\n\
-    /FIREWALL=yes, /FIREWALL=no  with or without the firewall rule$\r$\n\
+    /AUTOSTART=yes, /AUTOSTART=no  adds or removes the start at sign-in$\r$\n\
+    /FIREWALL=yes, /FIREWALL=no  adds or removes the firewall rule$\r$\n\
     /DOWNGRADE=yes  installs over a newer version too$\r$\n\
     /D=FOLDER  another folder; last, and without quotation marks$\r$\n\
     Exit codes: 0 installed, 1 cancelled, 2 the program is in use, 3 a switch is wrong or help was asked for, \
     4 a newer version is installed. After 2, 3 and 4 nothing has changed."
 !define UNINSTALL_HELP "The uninstaller's switches:$\r$\n\
     /S  asks nothing and shows nothing$\r$\n\
-    /DELETEDATA=yes, /DELETEDATA=no  with or without your traps, log, settings and MIB files$\r$\n\
-    _?=FOLDER  runs from the program's own folder, so that it can be waited for; last, and without quotation marks\
-    $\r$\n\
+    /DELETEDATA=yes, /DELETEDATA=no  deletes your traps, log, settings and MIB files, or leaves them$\r$\n\
+    _?=FOLDER  runs in the program's folder, without a copy, so that a script can wait for it; last, and without \
+    quotation marks$\r$\n\
     Exit codes: 0 uninstalled, 1 cancelled, 2 the program is in use, 3 a switch is wrong or help was asked for. \
     After 2 and 3 nothing has been removed."
 
-; The rest of the command line that has not been read yet, and the word that was read last.
+; The unread rest of the command line, and the last word read.
 Var CommandLine
 Var Word
 
@@ -31,7 +31,7 @@ Function ${PREFIX}Refuse
   Pop $1 ; the text
   Pop $0 ; the code
   ${If} ${Silent}
-    ; The caller's console, which a program with windows does not get by itself.
+    ; A program with windows is not attached to its caller's console.
     System::Call 'kernel32::AttachConsole(i -1)'
     ; STD_OUTPUT_HANDLE
     System::Call 'kernel32::GetStdHandle(i -11) p .r2'
@@ -74,8 +74,8 @@ FunctionEnd
 !insertmacro DefineNextWord ""
 !insertmacro DefineNextWord "un."
 
-; ReadSwitches PREFIX HELP KNOWN: KNOWN is a macro with an ElseIf for each switch of our own. Skips what NSIS itself
-; reads (/S and /NCRC, in capitals only); it has already removed /D= and _?=.
+; ReadSwitches PREFIX HELP KNOWN: KNOWN is a macro with an ElseIf for each of our own switches. Skips those that NSIS
+; reads (/S and /NCRC, in capitals only). NSIS has already removed /D= and _?=.
 !macro ReadSwitches PREFIX HELP KNOWN
   ${GetParameters} $CommandLine
   ${Do}

@@ -24,7 +24,7 @@ cp "$program" "$folder/copy.exe"
 diff --recursive "$folder/first" "$folder/other/second"
 
 QUILLMONT_EXE="$program"
-# Lists the libraries in it.
+# Lists the linked libraries.
 QUILLMONT_LINK_MAP="${program%.exe}.map"
 export QUILLMONT_EXE QUILLMONT_LINK_MAP QUILLMONT_DRIVER QUILLMONT_STUBS QUILLMONT_PACKAGES="$folder/first"
 # pytest's default folder is named after the user, who is root in the private network.

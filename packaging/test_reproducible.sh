@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds and packages the sources twice from scratch, in folders of different names, and compares the octets.
+# Builds and packages the sources twice from scratch, in differently named folders, and compares the packages.
 # Usage: packaging/test_reproducible.sh
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -13,9 +13,9 @@ CopySources() {
     tar --create --exclude=./build --exclude=./dist --exclude=./.git . | tar --extract --directory "$1" --touch
 }
 
-# Both before the first build, so that an edit meanwhile changes neither.
+# Both before the first build, so that an edit during it affects neither.
 first="$folder/first"
-second="$folder/a/longer way/to the second"
+second="$folder/a/longer path/to the second"
 CopySources "$first"
 CopySources "$second"
 
@@ -23,4 +23,4 @@ CopySources "$second"
 (cd "$second" && umask 077 && TZ=Asia/Tokyo ./package.sh >/dev/null)
 diff --recursive "$first/dist" "$second/dist"
 cat "$first/dist/SHA256SUMS"
-echo "Both builds gave the same octets."
+echo "Both builds made identical packages."

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Prints a warning for the release notes if makensis is older than 3.11, since every installer that it makes has a
-# security weakness then. Prints nothing otherwise.
+# Prints a warning for the release notes if makensis is older than 3.11: its installers have a security weakness.
+# Prints nothing otherwise.
 set -euo pipefail
 
 version="$(makensis -VERSION)"

@@ -3,7 +3,7 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-# RefuseForeign FOLDER...: fails if another user has built here, since these files cannot be overwritten.
+# RefuseForeign FOLDER...: fails if another user has built here, since that user's files cannot be overwritten.
 RefuseForeign() {
     local foreign
     foreign="$(find "$@" ! -writable -print -quit 2>/dev/null || true)"
@@ -13,7 +13,7 @@ RefuseForeign() {
     fi
 }
 
-# CMake stores the folder of its first call; a clone that was moved needs a new build.
+# CMake stores the absolute path of the sources, so a moved clone needs a new build.
 RemoveMovedBuild() {
     local home
     home="$(sed -n 's/^CMAKE_HOME_DIRECTORY:INTERNAL=//p' "$1/CMakeCache.txt" 2>/dev/null || true)"
@@ -32,14 +32,14 @@ if [[ -e "build/$preset" ]]; then
 fi
 RemoveMovedBuild "build/$preset"
 rm -f "build/configure-$preset.log"
-# The output of CMake is shown only if it fails.
+# Shows CMake's output only if it fails.
 if ! cmake --preset "$preset" >"build/configure-$preset.log" 2>&1; then
     cat "build/configure-$preset.log" >&2
     exit 1
 fi
 what="$(sed -n "/\"name\": \"$preset\"/{n;s/.*\"displayName\": \"\(.*\)\",/: \1/p}" CMakePresets.json)"
 echo "Building $preset$what..."
-# Ninja overwrites its line of progress on a terminal only; elsewhere it would print a line for each file.
+# Ninja shows its progress on one line of a terminal, but prints a line for each file elsewhere.
 quiet=()
 if [[ ! -t 1 ]]; then
     quiet=(-- --quiet)

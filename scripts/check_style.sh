@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Checks the format of the C++ sources, the line length of documents and the length of files (format), runs clang-tidy
-# on the shipped sources (tidy), or checks the direction of the includes between folders (arrows).
-# Usage: scripts/check_style.sh format | tidy BUILD_FOLDER | arrows. Prints how to fix the format. Exit code 77: this
-# version of clang-format is not the one that the sources use.
+# on the shipped sources (tidy), or checks which folders include which others (includes).
+# Usage: scripts/check_style.sh format | tidy BUILD_FOLDER | includes. Prints how to fix the format. Exit code 77: the
+# installed clang-format is not of the version that the sources use.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -10,7 +10,7 @@ Sources() {
     find "$@" -type f \( -name '*.cpp' -o -name '*.h' \) | sort
 }
 
-# Counts characters in any locale: UTF-8 continuation octets are not counted. Tables and code blocks may be wider.
+# Counts characters in any locale, by skipping UTF-8 continuation bytes. Tables and code blocks may be wider.
 CheckDocuments() {
     find . \( -name build -o -name dist -o -name '.?*' \) -prune -o -name '*.md' -print | sort |
         LC_ALL=C xargs awk -v limit=120 '
@@ -31,7 +31,7 @@ CheckLengths() {
         END { exit faults > 0 }'
 }
 
-# Versions of clang-format break some lines differently, so only this one is used.
+# Other versions of clang-format break some lines differently.
 formatter_version=14
 
 CheckFormat() {
@@ -50,7 +50,7 @@ CheckFormat() {
     local found
     found="$(clang-format --version | sed -n 's/.*version \([0-9]*\).*/\1/p')"
     if [[ $found != "$formatter_version" ]]; then
-        echo "Skipped: clang-format $found is installed, but the format is that of $formatter_version (in Debian 12). Documents and lengths are right."
+        echo "Skipped: clang-format $found is installed, but the format is that of $formatter_version (in Debian 12). The other checks passed."
         return 77
     fi
     if ! Sources "${folders[@]}" | xargs clang-format --dry-run --Werror; then
@@ -60,8 +60,8 @@ CheckFormat() {
     echo "clang-format: $(Sources "${folders[@]}" | wc -l) files are formatted."
 }
 
-# Prints the arguments, one per line, with which clang reads the Windows sources as the cross compiler does: with the
-# compiler's headers, after clang's own for the processor.
+# Prints the arguments, one per line, that make clang parse the Windows sources as the cross compiler does: with that
+# compiler's headers. Those for the processor come last, so that clang uses its own.
 WindowsArguments() {
     printf '%s\n' --target=x86_64-w64-mingw32 -std=c++20 -I"$PWD/src" -Wall -Wextra -Wshadow -Werror
     local folder
@@ -80,8 +80,8 @@ RunTidy() {
         2> >(grep -vE 'warnings? generated|Processing file' >&2)
 }
 
-# Only the shipped sources: those of the tests would double the time, and running them finds their faults. Files of the
-# native build are checked with its options, all others as Windows sources.
+# Only the shipped sources: the tests would double the time, and running them finds their faults. Files in the native
+# build are checked with its options, all others as Windows sources.
 CheckTidy() {
     local build=$1 shipped portable windows status=0
     shipped=$(Sources src | grep '\.cpp$')
@@ -100,8 +100,7 @@ CheckTidy() {
     return $status
 }
 
-# Each module includes its own headers and those of the modules named here; docs/development/architecture.md draws
-# the same.
+# Each module may include its own headers and those of the modules named here, as in docs/development/architecture.md.
 declare -A may_include=(
     [platform]=""
     [core]="platform"
@@ -112,10 +111,10 @@ declare -A may_include=(
     [app]="config core mib platform trap ui"
 )
 # The files that may use the system. All others are portable: no system or C headers, no conditional compilation.
-sees_windows='^src/(app/|platform/windows/|ui/(?!status_text|open_file_names))'
-sees_posix='^src/platform/posix/'
+may_use_windows='^src/(app/|platform/windows/|ui/(?!status_text|open_file_names))'
+may_use_posix='^src/platform/posix/'
 
-CheckArrows() {
+CheckIncludes() {
     local module found faults=""
     for module in "${!may_include[@]}"; do
         found="$(grep -rnE '^ *# *include "' "src/$module" |
@@ -123,19 +122,19 @@ CheckArrows() {
         faults+="${found:+$found: $module/ may not include this$'\n'}"
     done
     found="$(grep -rnE '^ *# *(include "platform/windows/|include <[^>]*\.h>|if|elif)' src |
-        grep -vP "$sees_windows|$sees_posix" || true)"
-    faults+="${found:+$found: portable code$'\n'}"
+        grep -vP "$may_use_windows|$may_use_posix" || true)"
+    faults+="${found:+$found: portable code may not use this$'\n'}"
     if [[ -n $faults ]]; then
         printf '%s' "$faults"
         return 1
     fi
-    echo "Includes: $(Sources src | wc -l) files include only modules that they may include."
+    echo "Includes: $(Sources src | wc -l) files include only what they may include."
 }
 
 case "${1:-}" in
     format) CheckFormat ;;
     tidy) CheckTidy "$2" ;;
-    arrows) CheckArrows ;;
+    includes) CheckIncludes ;;
     *)
         sed -n '2,5s/^# //p' "$0"
         exit 2

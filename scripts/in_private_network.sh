@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Runs a program in a private network, which has free ports 161 and 162 and only the loopback interface. Processes that
-# the program leaves running end with it. Returns the program's exit code.
+# Runs a program in a private network, where ports 161 and 162 are free and the loopback interface is the only one.
+# Terminates processes that the program leaves running. Returns the program's exit code.
 # A machine may refuse such a network, as a container without CAP_SYS_ADMIN does. If the two ports of the machine's own
-# network are free and may be bound, the program runs there instead; the caller must run one at a time.
+# network are free and may be bound, the program runs there instead; the caller must then run only one at a time.
 # Usage: scripts/in_private_network.sh PROGRAM [ARGUMENT...]. Needs no root if user namespaces are allowed.
 #        scripts/in_private_network.sh --check: only checks whether a program could run; needs no packages.
 #        scripts/in_private_network.sh --only-private PROGRAM [ARGUMENT...]: exit code 77 if the machine refuses.
@@ -41,7 +41,7 @@ WaitForPorts() {
     done
 }
 
-# Every user is root inside; folders that belong to one user, like Wine prefixes, use this id from outside.
+# Inside, every user is root; folders of one user, such as Wine prefixes, are named after this id from outside.
 export QUILLMONT_USER="${QUILLMONT_USER:-$EUID}"
 
 network=(--net)

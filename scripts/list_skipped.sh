@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Counts the cases that a CTest run consisted of, and prints why some were skipped.
+# Prints how many test cases a CTest run had and why some were skipped.
 # Usage: scripts/list_skipped.sh LAST_TEST.log
 set -euo pipefail
 

@@ -1,6 +1,6 @@
 """Takes the pictures of docs/pictures/ on the virtual display that make_pictures.sh has prepared.
 
-Every picture shows what the program did with traps that snmptrap sent. Only the windows are arranged.
+The pictures show the real program with traps from snmptrap. Only the positions of the windows are set here.
 """
 
 import socket
@@ -22,7 +22,7 @@ COLOURS = "64"  # enough for text with smoothed edges
 # make_pictures.sh adds these to the loopback interface.
 SWITCH, UPS, SERVER, FORWARDING_TARGET = "10.20.0.11", "10.20.0.40", "10.20.0.7", ("10.20.0.5", 1162)
 
-NO_ICON = 1  # no valid handle, so the title bar is drawn without Wine's own default icon
+NO_ICON = 1  # an invalid handle: the title bar then lacks Wine's default icon
 
 
 def picture(name):
@@ -60,7 +60,7 @@ def take_overview(program):
 
 
 def reduce_colours(path):
-    """Makes the file small, and the same for the same windows."""
+    """Makes the file small and reproducible."""
     subprocess.run(["pngquant", "--nofs", "--strip", "--speed=1", "--force", f"--output={path}", COLOURS, path], check=True)
     print(f"{path.relative_to(ROOT)}: {path.stat().st_size} octets", flush=True)
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes the pictures of the user guide and README.md (docs/pictures/) from the real program with real traps.
+# Makes the pictures of the user guide and README.md (docs/pictures/) with the real program and real traps.
 # Usage: scripts/make_pictures.sh. Builds the program if needed. Asks nothing and leaves nothing running.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -55,7 +55,7 @@ cat >>"$WINEPREFIX/user.reg" <<'REGISTRY'
 "InactiveBorder"="255 255 255"
 REGISTRY
 mkdir -p "$WINEPREFIX/drive_c/users/Operator/AppData/Local"
-# Windows writes Users and Wine users. The harness looks for the folder with the name in the registry.
+# Windows spells it Users, Wine users. The harness uses the spelling in the registry.
 ln -s users "$WINEPREFIX/drive_c/Users"
 
 StartDesktop

@@ -1,26 +1,26 @@
 #!/usr/bin/env bash
-# Names every Debian package that building, running and testing need, and installs what is missing.
+# Lists the Debian packages for each purpose and installs those that are missing.
 # Usage: scripts/packages.sh [build] [run] [test] [check] [package] [icon] [picture] [bench]. Asks nothing; as an
 # ordinary user it uses sudo.
 set -euo pipefail
 
 build_packages=(cmake ninja-build g++ g++-mingw-w64-x86-64-posix libgtest-dev)
-# snmp sends the traps that run.sh shows, libsnmp-base has the MIB files that name them; xwd (x11-apps) and
-# convert (imagemagick) take the pictures; ip and unshare make the private network; python3 runs the tests;
-# Open Sans replaces Segoe UI, and fonts-wine has the symbols of the caption buttons.
+# snmp sends the traps, libsnmp-base has MIB files for them; xwd (x11-apps) and convert (imagemagick) make the
+# pictures; ip and unshare make the private network; python3 runs the tests; Open Sans replaces Segoe UI, and
+# fonts-wine has the symbols of the caption buttons.
 run_packages=(wine wine64 xvfb x11-apps imagemagick snmp libsnmp-base iproute2 util-linux python3
     fonts-open-sans fonts-wine)
 test_packages=(git python3-pytest)
-# clang reads the sources and makes the fuzzers; evilwm is the window manager of a test display.
+# clang is the second compiler and builds the fuzzers; evilwm is the window manager of a test display.
 check_packages=(clang libclang-rt-dev clang-format clang-tidy evilwm)
 
-# makensis (nsis) makes the installer, pandoc the guide's HTML; osslsigncode signs, and openssl makes what the tests
-# sign with; python3 writes the standard names.
+# makensis (nsis) makes the installer, pandoc the guide's HTML; osslsigncode signs, with certificates from openssl in
+# the tests; python3 makes the MIB file with the standard names.
 package_packages=(nsis pandoc zip unzip osslsigncode openssl python3)
 # rsvg-convert (librsvg2-bin) and icotool (icoutils) draw the icon.
 icon_packages=(librsvg2-bin icoutils)
 picture_packages=(pngquant)
-# The microbenchmarks' library, and the peer that the receiver is compared with.
+# The library of the microbenchmarks, and the receiver that ours is compared with.
 bench_packages=(libbenchmark-dev snmptrapd)
 
 wanted=()

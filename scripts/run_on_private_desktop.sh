@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs a command with its own private network, virtual display and Wine prefix (DISPLAY and WINEPREFIX are set), then
-# removes them. Returns the command's exit code.
+# Runs a command in a private network with a virtual display and a Wine prefix of its own (sets DISPLAY and WINEPREFIX),
+# and removes them afterwards. Returns the command's exit code.
 # Usage: run_on_private_desktop.sh COMMAND [ARGUMENT...]
 set -euo pipefail
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Runs a Windows console program in its own private network and Wine prefix. Returns the program's exit code.
+# Runs a Windows console program in a private network with a Wine prefix of its own. Returns the program's exit code.
 # Usage: run_under_wine.sh PROGRAM.exe [ARGUMENT...]
 set -euo pipefail
 

@@ -1,7 +1,7 @@
 """Starts the program, sends it real traps, saves pictures of its windows, closes it and prints what it wrote. With
 --until-closed it opens the windows instead and waits until the main window is closed.
 
-WINEPREFIX, DISPLAY and where the harness is are set by show_receiver.sh.
+show_receiver.sh sets WINEPREFIX, DISPLAY and PYTHONPATH.
 """
 
 import sys
@@ -57,8 +57,8 @@ def take_pictures(program):
     save(program.main, "main")
 
 
-def leave_to_operator(program, data):
-    """The exit code, once the main window has been closed."""
+def run_until_closed(program, data):
+    """Opens the tool windows, waits until the main window is closed and returns the exit code."""
     for tool in (MONITOR, LOG, STATUS):
         tool.open(program)
     say(f"Quillmont runs until its main window is closed. Its files: {data.folder}")
@@ -76,7 +76,7 @@ def main():
     data.wait_for_log("Server started.", started + 1)
     send_traps(data)
     if "--until-closed" in sys.argv:
-        code = leave_to_operator(program, data)
+        code = run_until_closed(program, data)
     else:
         take_pictures(program)
         code = program.close()

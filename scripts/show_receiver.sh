@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Shows what the program does with real traps: on the display that DISPLAY names, until its main window is closed.
-# Without a display it uses a virtual one and saves pictures of the windows. Called by run.sh, in a private network if the
-# machine allows one.
+# Runs the program with real traps, on the display that DISPLAY names, until its main window is closed. Without a
+# display it uses a virtual one and saves pictures of the windows. Called by run.sh, in a private network if the machine
+# allows one.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -14,7 +14,7 @@ CleanUp() {
 }
 trap CleanUp EXIT
 
-# Lists the processes that were started with this prefix in their environment; this shell was not.
+# Lists the processes with this prefix in their initial environment, which that of this shell lacks.
 LeftBehind() {
     grep --files-with-matches --null-data --no-messages --line-regexp --fixed-strings \
         "WINEPREFIX=$WINEPREFIX" /proc/[0-9]*/environ || true
@@ -23,7 +23,7 @@ LeftBehind() {
 if [[ -n "${DISPLAY:-}" ]]; then
     show=(--until-closed)
     mkdir -p "$wine_folder"
-    # Each run has its own network, and a prefix can be used in one network only.
+    # Each run has its own network, and a prefix works in only one network at a time.
     exec 8>"$wine_folder/run.lock"
     if ! flock --nonblock 8; then
         echo "run.sh is already running; close its main window first." >&2

@@ -1,26 +1,26 @@
 # Shell functions for running a Windows program: a Wine prefix, a virtual display, and the cleanup of both. To be
 # sourced; the caller has set -euo pipefail and calls StopWine and StopDisplay from its exit trap.
 #
-# A prefix belongs to one network: Wine's sockets are in the prefix's server process, so a run in a private
-# network needs a prefix whose server was started in that network.
+# Wine's sockets belong to the prefix's server process, so a run in a private network needs a prefix whose server was
+# started in that network.
 
 project_root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
-# One folder for each user: Wine refuses a prefix of another user, and in a private network every user is root.
+# A folder per user: Wine refuses a prefix of another user, and in a private network every user is root.
 wine_folder="${QUILLMONT_WINE_FOLDER:-$project_root/build/wine/${QUILLMONT_USER:-$EUID}}"
 
-# Where every Python script finds the harness package.
+# Lets Python scripts import the harness package.
 export PYTHONPATH="$project_root/tests"
-# Without a locale, as in a bare container, Wine cannot name files beyond ASCII. Debian always has this one.
+# Without a UTF-8 locale, as in a bare container, Wine cannot use non-ASCII file names. Debian always has this one.
 export LC_ALL=C.UTF-8
 if [[ "$(locale charmap 2>/dev/null)" != UTF-8 ]]; then
-    echo "This system lacks the locale C.UTF-8: names beyond ASCII will fail under Wine." >&2
+    echo "This system lacks the locale C.UTF-8: non-ASCII file names will fail under Wine." >&2
 fi
 export WINEDEBUG="${WINEDEBUG:--all}"
-# Otherwise a new prefix asks to install .NET and a browser engine, programs make menu entries, and the debugger ends a
-# crashed program, sometimes with exit code 0, so that a crashed test program passes.
+# Otherwise a new prefix asks to install .NET and a browser engine, and programs make menu entries. Wine's debugger
+# sometimes ends a crashed program with exit code 0, so a crashed test program would pass.
 export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe,winedbg.exe=d"
 
-# Makes the prefix that all others are copied from, once. Needs about ten seconds.
+# Makes the prefix that all others are copied from, unless it exists. Needs about ten seconds.
 MakeTemplatePrefix() {
     mkdir -p "$wine_folder"
     (
@@ -43,8 +43,8 @@ MakeTemplatePrefix() {
     ) 9>"$wine_folder/lock"
 }
 
-# CopyPrefix FOLDER: makes a prefix in FOLDER, which must not exist. The system's files are hard links (they are
-# hundreds of megabytes, and nothing writes to them); whatever a program may change is copied.
+# CopyPrefix FOLDER: makes a prefix in FOLDER, which must not exist. Links the system's files, which have hundreds of
+# megabytes and are never written to. Copies everything that a program may change.
 CopyPrefix() {
     local template="$wine_folder/template"
     mkdir -p "$1/drive_c"
@@ -63,8 +63,8 @@ UsePrefix() {
     prefix_in_use="$1"
 }
 
-# UseTemporaryPrefix: the same with a folder that RemoveTemporaryPrefix deletes. Its windows are inside Wine's own
-# desktop, where they have a frame and can become the foreground window without a window manager.
+# UseTemporaryPrefix: the same with a folder that RemoveTemporaryPrefix deletes. Its windows are on Wine's own desktop,
+# where they have a frame and can be in the foreground without a window manager.
 UseTemporaryPrefix() {
     mkdir -p "$wine_folder"
     temporary_prefix="$(mktemp -d "$wine_folder/run.XXXXXX")"
@@ -100,9 +100,10 @@ StopWine() {
     fi
 }
 
-# Starts a virtual display on a free number and exports DISPLAY. Without a socket or a lock file in /tmp: the server
-# sees only the processes of its private network, so it would replace the socket and the lock of the user's own display
-# as abandoned. Without a reset when the last window closes: it drops programs that connect at that moment.
+# Starts a virtual display on a free number and exports DISPLAY.
+# -nolisten unix and -nolock: the server sees only the processes of its private network, so it would replace the socket
+# and the lock file of the user's own display in /tmp as abandoned.
+# -noreset: a reset after the last window has closed drops programs that are just connecting.
 StartDisplay() {
     local channel
     channel="$(mktemp -u)"
@@ -115,11 +116,11 @@ StartDisplay() {
     export DISPLAY=":$number"
 }
 
-# Starts the desktop of the temporary prefix and waits for it; it stays open until StopWine. Without this the first
-# program with a window starts it and waits for ten seconds only: on a slower machine no program can open a window.
+# Starts the desktop of the temporary prefix and waits for it; it stays open until StopWine. Otherwise the first program
+# with a window starts it and waits only ten seconds, so on a slow machine no program could open a window.
 StartDesktop() {
     wine explorer /desktop=Default,1280x900 </dev/null >/dev/null 2>&1 &
-    disown  # the shell must not report that StopWine killed it
+    disown  # so that the shell does not report that StopWine killed it
     local end=$((SECONDS + 120))
     # The title depends on the version of Wine.
     until xwd -silent -name "Default - Wine desktop" >/dev/null 2>&1 ||
