@@ -1,7 +1,7 @@
 """Checks the links, paths, commands and package names in the documents, and that no file has a placeholder.
 
-Commands are in blocks marked ```sh and in code spans. A script must exist, be executable and know the options; a
-preset, a target and a filtered test must exist.
+Commands are in blocks marked ```sh and in code spans. A script must exist, be executable and know its options.
+Presets, targets and filtered tests must exist.
 """
 
 import json
@@ -33,7 +33,7 @@ def is_path(text):
 
 
 def split_commands(line):
-    """The words of each command of a line: comments dropped, cut at &&, ;, | and brackets."""
+    """Splits a line into commands at &&, ;, | and brackets, and these into words. Drops comments."""
     lexer = shlex.shlex(line, posix=True, punctuation_chars=True)
     lexer.whitespace_split = True
     commands = [[]]
@@ -74,7 +74,7 @@ def faults_of_word(word, scripts):
 def faults_of_command(words):
     if "--preset" in words and words[words.index("--preset") + 1] not in PRESET_NAMES:
         yield "no such preset"
-    # A script may hand its options on to another one of the same line.
+    # A script may pass its options on to another script on the same line.
     paths = [ROOT / word for word in words if re.search(r"\.(sh|py)$", word)]
     scripts = "".join(text_of(path) for path in paths if path.is_file())
     for word in words:

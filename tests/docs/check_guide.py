@@ -1,4 +1,4 @@
-"""Checks that the pages of the guide name every log message and every text of the windows, and quote no others.
+"""Checks that the guide names all log messages and all texts of the windows, and no others.
 
 Bold text is what a window shows. The first column of the table of log messages has their texts as code.
 """
@@ -12,7 +12,7 @@ PAGES = [ROOT / "docs" / f"{name}.md" for name in ("user-guide", "installing", "
 INSTALLER = [ROOT / "packaging" / "installer.nsi", *sorted((ROOT / "packaging").glob("*.nsh"))]
 LITERAL = re.compile(r'(?:L|u8)?"((?:[^"\\\n]|\\.)*)"')
 
-# Texts that nobody looks up: a font, a function's name, and what Windows' own dialogs show.
+# Texts that need no explanation: a font, a function's name, and texts of Windows' own dialogs.
 NOT_IN_THE_GUIDE = re.compile(
     r"Segoe UI|GetOpenFileNameW|Import MIB files|MIB files \(|All files|Alle MIB|Delete MIBs$|Quillmont PRO v"
 )
@@ -50,7 +50,7 @@ def main():
     shown = program_texts()
     faults = [f"no window shows: {text}" for text in sorted(bold - shown - installer_texts())]
     faults += [f"no log message: {text}" for text in sorted(messages - shown) if text != "."]
-    # Sentences and labels, and names of types: whatever begins with a capital and goes on in small letters.
+    # Sentences, labels and type names: they begin with a capital and have a small letter in the first word.
     explained = {text for text in shown if re.match(r"[A-Z]\w*[a-z]|log\.txt c|SNMP\.txt c|MIB", text)}
     explained -= {text for text in explained if NOT_IN_THE_GUIDE.match(text)}
     faults += [f"not in the guide: {text}" for text in sorted(explained - bold - code)]

@@ -30,12 +30,12 @@ class Document:
         return LINK.findall(self.prose)
 
     def anchors(self):
-        """How a link names each heading."""
+        """The anchor of each heading, as links name it."""
         return {re.sub(r"[^\w\- ]", "", heading.lower()).replace(" ", "-") for heading in HEADING.findall(self.prose)}
 
 
 def files():
-    """Every file of the repository that is not built."""
+    """Yields every file of the repository except those that are built."""
     for path in sorted(ROOT.iterdir()):
         if path.name not in NOT_OURS:
             yield from [path] if path.is_file() else sorted(inner for inner in path.rglob("*") if inner.is_file())

@@ -1,4 +1,4 @@
-"""The check kit as its users run it: unpacked, started by check.cmd, its report read."""
+"""The check kit as its users run it: unpacked and started by check.cmd."""
 
 import os
 import re
@@ -50,7 +50,7 @@ def start_check(kit, *programs):
 
 
 def run_check(kit, *programs):
-    """The exit code and the report of all programs, or of these."""
+    """Runs all programs, or these. Returns the exit code and the report."""
     check = start_check(kit, *programs)
     check.communicate(timeout=900)
     return check.returncode, (kit / "report.txt").read_text(encoding="ascii", errors="replace")
@@ -62,13 +62,13 @@ def expect_untouched(folder):
     assert [file.name for file in folder.parent.glob(folder.name + ".*")] == []
 
 
-def test_everything_passes_and_the_operators_folder_is_back(kit, users_folder):
+def test_everything_passes_and_the_operators_folder_is_restored(kit, users_folder):
     code, report = run_check(kit)
     print(report)
     closing = re.fullmatch(r"(\d+) passed, (\d+) failed, (\d+) skipped", report.splitlines()[-1])
     assert closing, report
     assert (int(closing[1]) > 400, closing[2], code) == (True, "0", 0), report
-    # Each skipped test says why: its name, then an indented line.
+    # Each skipped test has its reason on an indented line after its name.
     assert len(re.findall(r"^skipped: \S+\n    \S", report, re.M)) == int(closing[3]), report
     for program in (kit / "programs").glob("quillmont_*.exe"):
         assert program.name == "quillmont_check.exe" or program.name in report
@@ -78,7 +78,7 @@ def test_everything_passes_and_the_operators_folder_is_back(kit, users_folder):
     assert sorted(file.name for file in kit.iterdir()) == ["READ-ME.txt", "check.cmd", "programs", "report.txt"]
 
 
-def test_a_fault_is_a_failure_in_the_closing_line_and_in_the_code(kit, users_folder):
+def test_failures_are_counted_in_the_last_line_and_set_the_exit_code(kit, users_folder):
     unit_tests = kit / "programs" / "quillmont_unit_tests.exe"
     corpus = kit / "programs" / "corpus"
     octets = unit_tests.read_bytes()
@@ -86,7 +86,7 @@ def test_a_fault_is_a_failure_in_the_closing_line_and_in_the_code(kit, users_fol
     moved = corpus.rename(corpus.with_name("moved"))
     programs = ["quillmont_unit_tests.exe", "quillmont_corpus_replay.exe", "quillmont_missing.exe"]
     try:
-        code, report = run_check(kit, *programs, "quillmont_windows_questions.exe")
+        code, report = run_check(kit, *programs, "quillmont_windows_facts.exe")
     finally:
         unit_tests.write_bytes(octets)
         moved.rename(corpus)
@@ -109,15 +109,15 @@ def test_a_zip_that_was_not_unpacked_is_reported(kit, tmp_path):
 
 @pytest.mark.parametrize("port", [161, 162])
 def test_a_port_in_use_is_reported_and_nothing_is_changed(kit, users_folder, port):
-    with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as holder:
-        holder.bind(("0.0.0.0", port))
+    with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as other:
+        other.bind(("0.0.0.0", port))
         code, report = run_check(kit)
     assert code == 2
     assert f"UDP port {port} is in use" in report
     expect_untouched(users_folder)
 
 
-def test_a_running_quillmont_is_reported_and_goes_on_running(kit, users_folder):
+def test_a_running_quillmont_is_reported_and_left_running(kit, users_folder):
     driver = Driver()
     program = Program(driver)
     try:
@@ -132,16 +132,16 @@ def test_a_running_quillmont_is_reported_and_goes_on_running(kit, users_folder):
     assert users_folder.exists()
 
 
-def test_the_folder_of_a_check_that_was_killed_is_put_back_by_the_next_start(kit, users_folder):
+def test_the_next_start_restores_the_folder_after_a_killed_check(kit, users_folder):
     aside = users_folder.with_name(users_folder.name + ".aside-for-check")
     check = start_check(kit)
     wait_until(aside.exists, "the operator's folder moved aside")
     os.kill(find_wine_process("quillmont_check.exe"), signal.SIGKILL)
     check.communicate(timeout=60)
-    # With a port in use the next check does nothing else.
-    with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as holder:
-        holder.bind(("0.0.0.0", 162))
+    # The port in use makes the next check stop after that.
+    with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as other:
+        other.bind(("0.0.0.0", 162))
         code, report = run_check(kit)
     assert code == 2
-    assert "The last check did not end." in report
+    assert "The last check was interrupted." in report
     expect_untouched(users_folder)

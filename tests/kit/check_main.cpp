@@ -1,6 +1,6 @@
 // The check of Quillmont on a real Windows machine: runs the test programs in its own folder, one after the
 // other, and writes report.txt. Started by check.cmd; needs nothing but Windows.
-// Arguments: the programs to run; all without any.
+// Arguments: the programs to run. Without arguments it runs all.
 //
 // Exit codes: 0 everything passed, 1 something failed, 2 the check did not start.
 #include <algorithm>
@@ -18,27 +18,18 @@
 #include "tests/kit/report.h"
 #include "tests/support/exclusive_port.h"
 
-// After the system's own header, whose types it uses.
-#include <shlobj.h>
-
 namespace {
 
 namespace fs = std::filesystem;
 
 constexpr DWORD kMinute = 60'000;
-constexpr DWORD kTimeLimit = 30 * kMinute;  // of one program
+constexpr DWORD kTimeLimit = 30 * kMinute;  // for each program
 constexpr wchar_t kCorpusReplay[] = L"quillmont_corpus_replay.exe";
 
 std::wstring OwnFolder() {
     std::array<wchar_t, 32768> path{};
     GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
     return fs::path(path.data()).parent_path().wstring();
-}
-
-std::wstring UsersDataFolder() {
-    wchar_t folder[MAX_PATH] = {};
-    SHGetFolderPathW(nullptr, CSIDL_LOCAL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, folder);
-    return std::wstring(folder) + L"\\Quillmont";
 }
 
 std::string Narrow(const std::wstring& text) {
@@ -57,8 +48,8 @@ std::string ReadRegistryText(const wchar_t* value) {
     return Narrow(text);
 }
 
-// The test programs of the folder: first the unit tests, whose failures explain others, last the self-check
-// of the whole program.
+// Returns the test programs in the folder: first the unit tests, whose failures explain others, last the
+// tests of the whole program.
 std::vector<std::wstring> FindPrograms(const std::wstring& folder) {
     const auto rank = [](const std::wstring& name) {
         return name == L"quillmont_unit_tests.exe" ? 0 : name == L"quillmont_self_check.exe" ? 2 : 1;
@@ -76,7 +67,7 @@ std::vector<std::wstring> FindPrograms(const std::wstring& folder) {
     return names;
 }
 
-// The reason why the check must not start; empty if it may.
+// Returns why the check cannot start, or an empty text if it can.
 std::string FindObstacle() {
     if (FindWindowW(L"SNMP_MAIN_WND", nullptr) != nullptr) {
         return "Quillmont is running. Close it and start the check again.";
@@ -102,21 +93,21 @@ constexpr std::string_view kPassed = "[       OK ] ";
 constexpr std::string_view kFailed = "[  FAILED  ] ";
 constexpr std::string_view kSkipped = "[  SKIPPED ] ";
 
-// "Suite.Test" of a line that begins with one of these marks.
+// Returns "Suite.Test" from a line that begins with one of these marks.
 std::string TestName(const std::string& line) {
     const std::string name = line.substr(kRunning.size());
     return name.substr(0, name.find(" ("));
 }
 
-// Reads what a GoogleTest program printed: its counts into the totals, its failures, its skipped tests and
-// its facts into the report.
+// Copies the failures, skipped tests and facts that a GoogleTest program printed into the report, and adds
+// its tests to the totals.
 void ReadTestOutput(const std::string& output, const ProgramResult& result, const std::string& name,
                     Report& report) {
     int passed = 0;
     int failed = 0;
     int skipped = 0;
     bool running = false;
-    std::string printed;  // by the test that is running
+    std::string printed;  // by the running test
     std::istringstream lines(output);
     for (std::string line; std::getline(lines, line);) {
         if (!line.empty() && line.back() == '\r') {
@@ -148,7 +139,7 @@ void ReadTestOutput(const std::string& output, const ProgramResult& result, cons
     report.Say(name + ": " + std::to_string(passed) + " passed, " + std::to_string(failed) + " failed, " +
                std::to_string(skipped) + " skipped");
     if (failed == 0 && result.exitCode != DWORD{0}) {
-        report.Fail(name + " runs to its end", result.ending);
+        report.Fail(name + " ends with code 0", result.ending);
         report.Note(output);
     }
 }
@@ -168,10 +159,10 @@ void RunChecked(const std::wstring& program, const std::wstring& folder, Report&
     }
 }
 
-// Set while the folder is aside, so that closing the console, or Ctrl+C, puts the user's folder back too.
+// Set while the folder is aside, so that it is also put back when the console is closed or by Ctrl+C.
 DataFolderAside* movedAside = nullptr;
 
-BOOL WINAPI OnConsoleEnd(DWORD) {
+BOOL WINAPI OnConsoleClosing(DWORD) {
     if (movedAside != nullptr) {
         movedAside->PutBack();
     }
@@ -186,18 +177,18 @@ int RunCheck(const std::wstring& folder, const std::vector<std::wstring>& progra
             "Explorer window that shows the folder, and start the check again.");
         return 2;
     }
-    // Under Wine the first program that needs the desktop starts it. That must not be a checked program,
-    // since the desktop would end with its job.
+    // Under Wine the first program that needs the desktop starts it. That must not be a test program, since
+    // the desktop would end with that program's job.
     GetDesktopWindow();
     movedAside = &aside;
-    SetConsoleCtrlHandler(OnConsoleEnd, TRUE);
+    SetConsoleCtrlHandler(OnConsoleClosing, TRUE);
     SetEnvironmentVariableW(L"QUILLMONT_CHECK", L"1");
     for (const std::wstring& program : programs) {
         RunChecked(program, folder, report);
     }
     movedAside = nullptr;
     if (!aside.PutBack()) {
-        report.Fail("The data folder is as it was before",
+        report.Fail("the data folder is put back",
                     "another program still uses it; the next check puts it back");
     }
     return report.Close();
@@ -215,11 +206,11 @@ int wmain(int count, wchar_t** arguments) {
     report.Say("kit: " + Narrow(fs::path(folder).parent_path().filename().wstring()));
     DescribeMachine(report);
     report.Say(
-        "A line that begins with \"fact\" reports how this computer behaves. It is neither right nor wrong.");
-    DataFolderAside aside(UsersDataFolder());
+        "A line that begins with \"fact\" reports how this computer behaves. It is not a test result.");
+    DataFolderAside aside(DataFolder());
     if (aside.foundLeftover()) {
         report.Say(
-            "The last check did not end. Your data folder, which it had moved aside, was put back first.");
+            "The last check was interrupted. Your data folder, which it had moved aside, has been put back.");
     }
     StartSocketLibrary();
     const std::string obstacle = FindObstacle();

@@ -6,7 +6,7 @@
 
 namespace {
 
-// A file that is deleted with its handle. A pipe would have to be read while the program runs.
+// The file is deleted when its handles are closed. A pipe would have to be read while the program runs.
 ScopedHandle MakeOutputFile() {
     wchar_t folder[MAX_PATH] = {};
     wchar_t path[MAX_PATH] = {};
@@ -21,13 +21,13 @@ ScopedHandle MakeOutputFile() {
 std::string ReadFromStart(HANDLE file) {
     std::string octets(static_cast<size_t>(GetFileSize(file, nullptr)), '\0');
     SetFilePointer(file, 0, nullptr, FILE_BEGIN);
-    DWORD got = 0;
-    ReadFile(file, octets.data(), static_cast<DWORD>(octets.size()), &got, nullptr);
-    octets.resize(got);
+    DWORD size = 0;
+    ReadFile(file, octets.data(), static_cast<DWORD>(octets.size()), &size, nullptr);
+    octets.resize(size);
     return octets;
 }
 
-// Its processes end when its last handle is closed, also when the check is killed.
+// Its processes are terminated when its last handle is closed, even if the check is killed.
 ScopedHandle MakeJob() {
     ScopedHandle job(CreateJobObjectW(nullptr, nullptr));
     JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
@@ -43,7 +43,7 @@ ProgramResult RunProgram(const std::wstring& commandLine, const std::wstring& fo
     const ScopedHandle output = MakeOutputFile();
     const ScopedHandle job = MakeJob();
     if (!output || !job) {
-        result.ending = "there is no place for its output";
+        result.ending = "its output file or its job could not be created";
         return result;
     }
     STARTUPINFOW startup = {};
@@ -71,7 +71,7 @@ ProgramResult RunProgram(const std::wstring& commandLine, const std::wstring& fo
         result.exitCode = code;
         result.ending = "code " + std::to_string(code);
     } else {
-        result.ending = "it was ended at its time limit";
+        result.ending = "it was terminated at its time limit";
         TerminateJobObject(job.get(), 99);
         WaitForSingleObject(process.get(), 10'000);
     }

@@ -5,6 +5,9 @@
 #include "platform/windows/windows_headers.h"
 #include "tests/support/wait_until.h"
 
+// Needs windows.h first.
+#include <shlobj.h>
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -13,12 +16,18 @@ bool Exists(const std::wstring& path) {
     return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
-// A virus scanner or an Explorer window may use the folder for a moment.
+// A virus scanner or an Explorer window may have the folder open for a moment.
 bool Retry(const auto& attempt) {
     return WaitUntil(attempt, std::chrono::seconds(10));
 }
 
 }  // namespace
+
+std::wstring DataFolder() {
+    wchar_t folder[MAX_PATH] = {};
+    SHGetFolderPathW(nullptr, CSIDL_LOCAL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, folder);
+    return std::wstring(folder) + L"\\Quillmont";
+}
 
 bool RemoveFolder(const std::wstring& folder) {
     return Retry([&folder] {
@@ -32,8 +41,8 @@ bool RemoveFolder(const std::wstring& folder) {
 }
 
 DataFolderAside::DataFolderAside(const std::wstring& folder)
-    : folder_(folder), aside_(folder + L".aside-for-check"), nothing_(folder + L".none-before-check") {
-    foundLeftover_ = Exists(aside_) || Exists(nothing_);
+    : folder_(folder), aside_(folder + L".aside-for-check"), marker_(folder + L".none-before-check") {
+    foundLeftover_ = Exists(aside_) || Exists(marker_);
     PutBack();
 }
 
@@ -42,17 +51,17 @@ DataFolderAside::~DataFolderAside() {
 }
 
 bool DataFolderAside::MoveAside() {
-    if (Exists(aside_) || Exists(nothing_)) {
+    if (Exists(aside_) || Exists(marker_)) {
         return false;
     }
     return Retry([this] {
         return (Exists(folder_) ? MoveFileW(folder_.c_str(), aside_.c_str())
-                                : CreateDirectoryW(nothing_.c_str(), nullptr)) != FALSE;
+                                : CreateDirectoryW(marker_.c_str(), nullptr)) != FALSE;
     });
 }
 
 bool DataFolderAside::PutBack() {
-    if (!Exists(aside_) && !Exists(nothing_)) {
+    if (!Exists(aside_) && !Exists(marker_)) {
         return true;
     }
     if (!RemoveFolder(folder_)) {
@@ -60,6 +69,6 @@ bool DataFolderAside::PutBack() {
     }
     return Retry([this] {
         return (Exists(aside_) ? MoveFileW(aside_.c_str(), folder_.c_str())
-                               : RemoveDirectoryW(nothing_.c_str())) != FALSE;
+                               : RemoveDirectoryW(marker_.c_str())) != FALSE;
     });
 }

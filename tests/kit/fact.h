@@ -1,4 +1,4 @@
-// A fact about the checked machine. The runner copies these lines into report.txt.
+// Prints a fact about this machine. The runner copies these lines into report.txt.
 #pragma once
 
 #include <iostream>

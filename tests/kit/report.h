@@ -1,5 +1,4 @@
-// The check's report, report.txt. Each line is on the disk before the next step
-// begins, so that the report of a check that was killed shows how far it got.
+// The check's report, report.txt. Each line is flushed, so the report of a killed check shows how far it got.
 #pragma once
 
 #include <fstream>
@@ -12,18 +11,18 @@ class Report {
 
     bool opened() const { return file_.is_open(); }
 
-    // A line in the report and on the console.
+    // Writes a line to the report and to the console.
     void Say(std::string_view line);
-    // A line in the report alone.
+    // Writes a line to the report only.
     void Note(std::string_view line);
 
-    // Adds to the counts of the closing line.
+    // Adds to the counts of the last line.
     void Count(int passed, int failed, int skipped);
     void Pass(std::string_view claim);
     void Fail(std::string_view claim, std::string_view found);
 
-    // "N passed, N failed, N skipped". Returns the exit code of the check: 0 only when nothing failed and
-    // something passed.
+    // Writes the last line: "N passed, N failed, N skipped". Returns the exit code of the check, which is 0
+    // only if something passed and nothing failed.
     int Close();
 
   private:

@@ -5,10 +5,8 @@
 #include <stdexcept>
 
 #include "platform/files.h"
+#include "tests/kit/data_folder_aside.h"
 #include "tests/support/start_with_retries.h"
-
-// After the system's own header, whose types it uses.
-#include <shlobj.h>
 
 namespace {
 
@@ -144,12 +142,6 @@ void ReplaceText(HWND window, const std::wstring& text) {
 bool CloseWindowAndWait(HWND window) {
     PostMessageW(window, WM_CLOSE, 0, 0);
     return WaitUntil([window] { return !IsWindow(window); });
-}
-
-std::wstring DataFolder() {
-    wchar_t folder[MAX_PATH] = {};
-    SHGetFolderPathW(nullptr, CSIDL_LOCAL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, folder);
-    return std::wstring(folder) + L"\\Quillmont";
 }
 
 std::wstring DataFile(const wchar_t* name) {

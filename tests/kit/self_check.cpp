@@ -22,8 +22,8 @@ void SelfCheck::TearDownTestSuite() {
 
 void SelfCheck::SetUp() {
     if (GetEnvironmentVariableW(L"QUILLMONT_CHECK", nullptr, 0) == 0) {
-        GTEST_SKIP() << "This works in the user's data folder: start it through check.cmd, which moves that "
-                        "folder aside.";
+        GTEST_SKIP() << "This test works in the user's data folder: run check.cmd, which moves that folder "
+                        "aside first.";
     }
     ASSERT_TRUE(RemoveFolder(DataFolder()));
     StartProgram();
@@ -51,7 +51,7 @@ Octets SelfCheck::NamedTrap() {
 }
 
 std::wstring SelfCheck::MakeMib(const wchar_t* name) const {
-    const std::wstring path = stick_.Join(name);
+    const std::wstring path = scratch_.Join(name);
     WriteOctets(path, "checkValue OBJECT IDENTIFIER ::= { enterprises 99999 }\n");
     return path;
 }
@@ -66,7 +66,7 @@ HWND SelfCheck::OpenFileDialog(HWND status) const {
 void SelfCheck::TypeName(HWND dialog, const std::wstring& text) {
     HWND field = nullptr;
     ASSERT_TRUE(WaitUntil([&] { return (field = FindControl(dialog, L"Edit", kFileName)) != nullptr; }));
-    // The dialog may still replace the text while it opens, so this repeats until the text stays.
+    // The dialog may still replace the text while it opens, so retry until the text stays.
     ASSERT_TRUE(WaitUntil([&] {
         ReplaceText(field, text);
         return ReadText(field) == text;
@@ -78,7 +78,7 @@ void SelfCheck::Import(HWND status, const std::vector<std::wstring>& texts) cons
     const HWND dialog = OpenFileDialog(status);
     for (const std::wstring& text : texts) {
         TypeName(dialog, text);
-        // A folder's name makes the dialog show that folder and empties the field.
+        // A folder's name makes the dialog open that folder and clear the field.
         ASSERT_TRUE(WaitUntil([&] {
             const HWND field = FindControl(dialog, L"Edit", kFileName);
             return field == nullptr || ReadText(field) != text;

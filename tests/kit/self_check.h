@@ -1,5 +1,5 @@
-// The shipped program as an operator uses it: its windows, its files, its ports, the system's own dialogs.
-// Only for the check, which has moved the user's data folder aside.
+// Drives the shipped program as an operator would, through its windows and the system's dialogs. Only for
+// the check, which has moved the user's data folder aside.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -41,30 +41,30 @@ class SelfCheck : public ::testing::Test {
 
     void Send(const Octets& octets, uint16_t port = kTrapPort) const { client_.Send(octets, port); }
 
-    // Waits until log.txt has this many lines "Trap received".
+    // Waits until log.txt has `count` lines for traps.
     static bool WaitForTraps(size_t count);
 
-    // A trap with one binding that has the name checkValue once MakeMib's file is imported.
+    // Returns a trap whose one binding is named checkValue once MakeMib's file is imported.
     static Octets NamedTrap();
-    // Writes a MIB file to a separate folder, as if on a USB stick. Returns its path.
+    // Writes a MIB file outside the data folder. Returns its path.
     std::wstring MakeMib(const wchar_t* name) const;
 
-    // The system's file dialog, as the Import button of the status window opens it.
+    // Clicks Import in the status window and returns the system's file dialog.
     HWND OpenFileDialog(HWND status) const;
     // Types a name into the dialog and presses Open.
     static void TypeName(HWND dialog, const std::wstring& text);
-    // Chooses one file in the dialog, or several files of one folder: the folder, then their quoted names.
+    // Imports through the dialog, into which each text is typed: one path, or a folder and quoted file names.
     void Import(HWND status, const std::vector<std::wstring>& texts) const;
-    // As the user does with the Delete button and the question that follows.
+    // Clicks the Delete button and then Yes.
     void DeleteAllMibs(HWND status) const;
 
-    // Opens the forwarding window, types both fields, switches forwarding on and saves.
+    // Opens the forwarding window, fills in both fields, switches forwarding on and saves.
     void Forward(const std::wstring& address, const std::wstring& port) const;
 
     static size_t CountOf(const std::string& text, const std::string& part);
     static size_t CountLogLines(const std::string& message) { return CountOf(ReadDataFile(kLog), message); }
 
-    ScratchFolder stick_;
+    ScratchFolder scratch_;
     LoopbackClient client_;
     std::unique_ptr<RunningProgram> program_;
     HWND main_ = nullptr;

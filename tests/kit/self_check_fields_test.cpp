@@ -1,4 +1,4 @@
-// The forwarding fields, and forwarding to where nothing can be delivered.
+// The forwarding fields, and forwarding to targets that cannot be reached.
 #include "tests/kit/self_check.h"
 
 #include "tests/support/sample_messages.h"
@@ -10,7 +10,7 @@ struct FieldCase {
     std::string saved;
 };
 
-// The value of an element of config.xml.
+// Returns the value of an element of config.xml.
 std::string Setting(const std::string& name) {
     const std::string config = ReadDataFile(L"config.xml");
     const size_t start = config.find("<" + name + ">") + name.size() + 2;
@@ -19,13 +19,13 @@ std::string Setting(const std::string& name) {
 
 class ForwardingFields : public SelfCheck {};
 
-TEST_F(ForwardingFields, APortIsReadAsANumberAndOneThatIsNoPortBecomes162) {
+TEST_F(ForwardingFields, APortIsReadAsANumberAndAnInvalidOneBecomes162) {
     for (const FieldCase& field :
          {FieldCase{L"1", "1"}, FieldCase{L"65535", "65535"}, FieldCase{L" 999", "999"},
           FieldCase{L"999x", "999"}, FieldCase{L"+77", "77"}, FieldCase{L"0", "162"}, FieldCase{L"-1", "162"},
           FieldCase{L"65536", "162"}, FieldCase{L"4294967297", "162"}, FieldCase{L"port", "162"},
           FieldCase{L"", "162"},
-          // 62 characters of the field are read: GetWindowTextW counts the terminator among its 63.
+          // Only 62 characters are read: the buffer of 63 includes the terminator.
           FieldCase{std::wstring(60, L'0') + L"99", "99"},
           FieldCase{std::wstring(60, L'0') + L"999", "99"}}) {
         Forward(L"127.0.0.1", field.typed);
@@ -45,8 +45,8 @@ TEST_F(ForwardingFields, AnAddressIsSavedAsTypedUpTo254Characters) {
 
 class ForwardingFailures : public SelfCheck {
   protected:
-    // How many of three traps have a line in log.txt that says that forwarding failed.
-    size_t FailuresOfThree() const {
+    // Sends three traps. Returns for how many of them log.txt says that forwarding failed.
+    size_t CountFailuresOfThree() const {
         for (size_t sent = 1; sent <= 3; ++sent) {
             Send(FindSample("v2_link_down").octets);
             EXPECT_TRUE(WaitForTraps(sent));
@@ -61,7 +61,7 @@ class ForwardingFailures : public SelfCheck {
 // sendto documents WSAEACCES for a broadcast address on a socket without SO_BROADCAST.
 TEST_F(ForwardingFailures, ABroadcastAddressFailsForEachTrap) {
     Forward(L"255.255.255.255", L"162");
-    EXPECT_EQ(FailuresOfThree(), 3U);
+    EXPECT_EQ(CountFailuresOfThree(), 3U);
 }
 
 TEST_F(ForwardingFailures, AClosedPortStopsNeitherForwardingNorReceiving) {
@@ -69,18 +69,18 @@ TEST_F(ForwardingFailures, AClosedPortStopsNeitherForwardingNorReceiving) {
     const std::wstring port = std::to_wstring(target.port());
     target.Close();
     Forward(L"127.0.0.1", port);
-    Fact("forwarding three traps to a closed port of this computer: " + std::to_string(FailuresOfThree()) +
-         " fail");
+    Fact("forwarding three traps to a closed port of this computer: " +
+         std::to_string(CountFailuresOfThree()) + " fail");
     const LoopbackClient open;
     Forward(L"127.0.0.1", std::to_wstring(open.port()));
     Send(FindSample("v1_link_down").octets);
     EXPECT_EQ(open.Receive(), FindSample("v1_link_down").octets);
 }
 
-// Reserved: no network carries datagrams to it.
+// 240.0.0.1 is reserved: no network delivers to it.
 TEST_F(ForwardingFailures, AnAddressWithoutARouteDoesNotStopReceiving) {
     Forward(L"240.0.0.1", L"162");
-    Fact("forwarding three traps to 240.0.0.1: " + std::to_string(FailuresOfThree()) + " fail");
+    Fact("forwarding three traps to 240.0.0.1: " + std::to_string(CountFailuresOfThree()) + " fail");
 }
 
 }  // namespace

@@ -1,10 +1,10 @@
-// Measurements on this machine: times, a burst, and the resources after fifty openings of each window.
+// Measurements on this machine: times, a burst, and resources after opening each window fifty times.
 #include "tests/kit/self_check.h"
 
 #include <filesystem>
 #include <fstream>
 
-// After the system's own header, whose types it uses.
+// Needs windows.h first.
 #include <psapi.h>
 
 #include "tests/kit/data_folder_aside.h"
@@ -35,8 +35,7 @@ TEST_F(Figures, ABurstOfFiftyThousandTraps) {
     }
     const ULONGLONG sentAfter = GetTickCount64() - start;
     ASSERT_TRUE(WaitForTraps(1));
-    // Waits until no trap has been recorded for a second. A longer pause makes the number smaller and fails
-    // nothing.
+    // Waits until no trap has been recorded for a second. A longer pause only makes the figure smaller.
     size_t recorded = 0;
     ULONGLONG lastGrowth = GetTickCount64();
     while (GetTickCount64() - lastGrowth < 1000) {
@@ -63,7 +62,7 @@ TEST_F(Figures, OpeningTheMonitorWithTenMegabytes) {
     }
     file.close();
     const ULONGLONG start = GetTickCount64();
-    // Visible once it is filled; Wine needs a second for a megabyte, and more on a busy machine.
+    // It becomes visible once it is filled. Wine needs a second per megabyte, or more on a busy machine.
     const HWND monitor = Open(kMonitorButton, L"SNMP_MON_WND", 5min);
     ASSERT_NE(monitor, nullptr);
     EXPECT_GT(ReadTextLength(FindControl(monitor, L"Edit", 0)), 9'000'000U);
@@ -95,7 +94,7 @@ std::string Describe(const Resources& resources) {
            std::to_string(resources.userObjects) + " USER objects";
 }
 
-// The first opening is not measured: it makes objects that the system shares between windows.
+// The first opening is not measured: it creates objects that windows share.
 TEST_F(Figures, FiftyOpeningsOfEachWindow) {
     constexpr DWORD kOpenings = 50;
     const std::pair<int, const wchar_t*> windows[] = {{kForwardingButton, L"SNMP_FWD_WND"},
@@ -117,7 +116,7 @@ TEST_F(Figures, FiftyOpeningsOfEachWindow) {
     const Resources after = ResourcesOf(program_->process());
     Fact("before fifty openings of each window: " + Describe(before));
     Fact("after them: " + Describe(after));
-    // One that is not freed would add fifty.
+    // A leak would add at least one per opening.
     EXPECT_LT(after.handles, before.handles + kOpenings);
     EXPECT_LT(after.gdiObjects, before.gdiObjects + kOpenings);
     EXPECT_LT(after.userObjects, before.userObjects + kOpenings);

@@ -1,4 +1,4 @@
-// Files that other programs use, that are protected, and that are chosen in the system's own dialog.
+// Files that other programs use, protected files, and files chosen in the system's dialog.
 #include "tests/kit/self_check.h"
 
 #include <filesystem>
@@ -17,7 +17,7 @@ class Files : public SelfCheck {
             CreateFileW(DataFile(kTraps).c_str(), access, share, nullptr, OPEN_EXISTING, 0, nullptr));
     }
 
-    // Sends a trap and waits until it is in the log. The record, if any, was written before that.
+    // Sends a trap, waits for its log line and returns the number of records. A record precedes its log line.
     size_t RecordsAfterATrap() {
         Send(FindSample("v2_link_down").octets);
         EXPECT_TRUE(WaitForTraps(++sent_));
@@ -51,8 +51,7 @@ TEST_F(Files, AReaderAndAWriterThatShareDoNotStopTheProgram) {
     EXPECT_EQ(RecordsAfterATrap(), 3U);
 }
 
-// CreateFile fails while another program has the file open without sharing.
-TEST_F(Files, OnlyTrapsWhileAProgramHasTheFileWithoutSharingAreLost) {
+TEST_F(Files, TrapsAreLostOnlyWhileAnotherProgramDeniesSharing) {
     ASSERT_EQ(RecordsAfterATrap(), 1U);
     {
         const ScopedHandle alone = OpenTraps(GENERIC_READ, 0);
@@ -62,8 +61,8 @@ TEST_F(Files, OnlyTrapsWhileAProgramHasTheFileWithoutSharingAreLost) {
     EXPECT_EQ(RecordsAfterATrap(), 2U);
 }
 
-// Whether a deleted file stays until its last reader closes it depends on the system's version.
-TEST_F(Files, AfterADeletionWithAnOpenReaderTrapsAreRecorded) {
+// It depends on the Windows version whether a deleted file exists until its last reader closes it.
+TEST_F(Files, TrapsAreRecordedAfterADeletionWithAnOpenReader) {
     ASSERT_EQ(RecordsAfterATrap(), 1U);
     {
         const ScopedHandle reader = OpenTraps(GENERIC_READ, kShareAll);
@@ -117,20 +116,20 @@ TEST_F(Files, AProtectedMibFileIsImportedOverAProtectedOneAndDeleted) {
 TEST_F(Files, SeveralMibFilesOfOneFolderAreImportedTogether) {
     MakeMib(L"one.mib");
     MakeMib(L"two words.mib");
-    Import(OpenStatus(), {stick_.path().wstring(), L"\"one.mib\" \"two words.mib\""});
+    Import(OpenStatus(), {scratch_.path().wstring(), L"\"one.mib\" \"two words.mib\""});
     EXPECT_TRUE(WaitForText(kLog, "MIB imported: one.mib"));
     EXPECT_TRUE(WaitForText(kLog, "MIB imported: two words.mib"));
 }
 
-// Files that are chosen from a list of search results can be in different folders.
-TEST_F(Files, SeveralMibFilesOfTwoFolders) {
-    std::filesystem::create_directory(stick_.path() / "below");
+// Files chosen from search results can be in different folders.
+TEST_F(Files, ImportingFromTwoFoldersDoesNotStopTheReceiver) {
+    std::filesystem::create_directory(scratch_.path() / "below");
     const std::wstring texts = L"\"" + MakeMib(L"one.mib") + L"\" \"" + MakeMib(L"below\\two.mib") + L"\"";
     const HWND dialog = OpenFileDialog(OpenStatus());
     TypeName(dialog, texts);
     const bool closed = WaitUntil([&] { return !IsWindow(dialog); }, 5s);
     WaitUntil([] { return CountLogLines("MIB imported: ") == 2; }, closed ? 5s : 0s);
-    Fact("two MIB files of two folders: the dialog " +
+    Fact("two MIB files from two folders: the dialog " +
          std::string(closed ? "accepts them, " : "does not accept them, ") +
          std::to_string(CountLogLines("MIB imported: ")) + " imported");
     EXPECT_EQ(CountLogLines("Trap thread stopped."), 0U) << "the receiver stopped";

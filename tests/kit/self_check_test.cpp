@@ -1,4 +1,4 @@
-// The actions of an operator, on Windows.
+// What an operator does with the program.
 #include "tests/kit/self_check.h"
 
 #include <filesystem>
@@ -42,7 +42,7 @@ TEST_F(SelfCheck, RecordsEverySampleOctetForOctet) {
     EXPECT_EQ(found, expected);
 }
 
-TEST_F(SelfCheck, Notes161AndAnswersNothing) {
+TEST_F(SelfCheck, LogsPort161AndRecordsNothing) {
     Send({0x30, 0x00}, 161);
     EXPECT_TRUE(WaitForText(kLog, "Datagram on UDP 161 from 127.0.0.1."));
     EXPECT_EQ(ReadDataFile(kTraps), "");
@@ -84,10 +84,10 @@ TEST_F(SelfCheck, UsesTheNamesOfAnImportedFileAndDeletesIt) {
     ASSERT_TRUE(WaitForText(kLog, "MIBs loaded. OID mappings: 1")) << ReadDataFile(kLog);
     Send(NamedTrap());
     EXPECT_TRUE(WaitForText(kTraps, "---> [1] 1.3.6.1.4.1.99999 (checkValue)  INTEGER = 42"));
-    // The program must not use the folder of the import any more.
+    // The program must no longer use the folder of the imported file.
     std::error_code error;
-    std::filesystem::remove_all(stick_.path(), error);
-    EXPECT_FALSE(std::filesystem::exists(stick_.path())) << error.message();
+    std::filesystem::remove_all(scratch_.path(), error);
+    EXPECT_FALSE(std::filesystem::exists(scratch_.path())) << error.message();
 
     DeleteAllMibs(status);
     EXPECT_TRUE(WaitUntil([] { return !std::filesystem::exists(DataFile(L"mibs\\check.mib")); }));
@@ -110,8 +110,8 @@ TEST_F(SelfCheck, EndsWithCodeZeroAndSavesItsSettings) {
     EXPECT_NE(ReadDataFile(L"config.xml").find("<config>"), std::string::npos);
 }
 
-// The guide's scripts for a first test trap and for reading the file.
-class GuideLines : public SelfCheck {
+// The guide's scripts that send a test trap and read the records.
+class GuideScripts : public SelfCheck {
   protected:
     static ProgramResult RunScript(const std::wstring& path) {
         return RunProgram(L"powershell.exe -NoProfile -ExecutionPolicy Bypass -File \"" + path + L"\"", L".",
@@ -119,12 +119,12 @@ class GuideLines : public SelfCheck {
     }
 };
 
-TEST_F(GuideLines, SendATrapAndReadTheRecords) {
-    // A policy can forbid scripts although it allows PowerShell, or allow them only a part of the language.
-    const std::wstring question = stick_.Join(L"question.ps1");
-    WriteOctets(question,
+TEST_F(GuideScripts, SendATrapAndReadTheRecords) {
+    // A policy can allow PowerShell but forbid scripts, or restrict their language.
+    const std::wstring probe = scratch_.Join(L"probe.ps1");
+    WriteOctets(probe,
                 "if ($ExecutionContext.SessionState.LanguageMode -eq 'FullLanguage') { exit 42 }\r\n");
-    if (RunScript(question).exitCode != DWORD{42}) {
+    if (RunScript(probe).exitCode != DWORD{42}) {
         GTEST_SKIP() << "PowerShell is not installed, or a policy does not let it run scripts.";
     }
     const ProgramResult sent = RunScript(L"send-a-trap.ps1");

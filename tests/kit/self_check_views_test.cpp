@@ -1,4 +1,4 @@
-// The two views, whose text control is part of Windows.
+// The two views. Their text control is part of Windows.
 #include "tests/kit/self_check.h"
 
 #include <filesystem>
@@ -36,7 +36,7 @@ TEST_F(Views, OpenAtTheTopAndShowAllTextBeyondTheControlsOwnLimit) {
     EXPECT_EQ(::Send(view, EM_GETFIRSTVISIBLELINE), 0);
     EXPECT_EQ(::Send(view, EM_GETSEL), 0) << "the selection is empty and at the start";
     EXPECT_GT(ReadTextLength(view), 90'000U);
-    // Without a higher limit an edit control has at most 32,767 characters.
+    // With its default limit of 32,767 characters the control would refuse the new text.
     for (int number = 0; number < 3; ++number) {
         Send(NamedTrap());
         ASSERT_TRUE(WaitForTraps(static_cast<size_t>(number) + 1));
@@ -53,8 +53,8 @@ TEST_F(Views, OpenAtTheTopAndShowAllTextBeyondTheControlsOwnLimit) {
     EXPECT_GT(first, 0) << "the view did not follow";
 }
 
-// At opening each octet is the character of that code. Text that is added later is read as UTF-8. Each octet
-// 0 is shown as a blank.
+// On opening, each octet is shown as the character with that code; text added later is read as UTF-8. Octets
+// 0 are shown as blanks.
 TEST_F(Views, ShowOctetsAbove7FAndTheTextAfterAnOctetZero) {
     std::string octets = "start ";
     std::wstring shown = L"start ";
@@ -80,7 +80,7 @@ TEST_F(Views, AreEmptiedWhenTheFileIsDeletedAndFollowTheNextOne) {
     EXPECT_TRUE(WaitForEnd(view, L"INTEGER = 42\r\r\n\r\r\n")) << testing::PrintToString(ReadText(view));
 }
 
-// One datagram can bring a line of 260,000 characters.
+// One datagram can produce a line of 260,000 characters.
 TEST_F(Views, ShowOneLongLineOfDigits) {
     constexpr size_t kArcs = 65'000;
     std::string value = "1.3";
@@ -89,17 +89,17 @@ TEST_F(Views, ShowOneLongLineOfDigits) {
     }
     const HWND view = OpenMonitor();
     auto start = std::chrono::steady_clock::now();
-    const auto seconds = [&start] {
+    const auto elapsed = [&start] {
         const auto passed = std::chrono::steady_clock::now() - start;
         return std::to_string(std::chrono::duration_cast<std::chrono::milliseconds>(passed).count()) + " ms";
     };
     Send(EncodeV2Trap({{"1.3.6.1.4.1.99999", EncodeOid(value)}}));
     EXPECT_TRUE(WaitUntil([&] { return ReadTextLength(view) > 4 * kArcs; }, 5min));
-    Fact("showing one line of 260,000 digits and dots as it arrives: " + seconds());
+    Fact("showing one line of 260,000 digits and dots as it arrives: " + elapsed());
     ASSERT_TRUE(CloseWindowAndWait(GetParent(view)));
     start = std::chrono::steady_clock::now();
     EXPECT_GT(ReadTextLength(OpenMonitor(5min)), 4 * kArcs);
-    Fact("opening the monitor with that line: " + seconds());
+    Fact("opening the monitor with that line: " + elapsed());
 }
 
 }  // namespace

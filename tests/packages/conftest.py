@@ -1,5 +1,5 @@
-"""Fixtures of the packages' tests. packaging/test_packages.sh runs them: QUILLMONT_PACKAGES is the folder with the
-packages and QUILLMONT_STUBS the one with the stubs (netsh_stub.cpp, sealed_program.cpp)."""
+"""Fixtures for the tests of the packages. packaging/test_packages.sh runs the tests and sets QUILLMONT_PACKAGES, the
+folder with the packages, and QUILLMONT_STUBS, the folder with the stubs (netsh_stub.cpp, sealed_program.cpp)."""
 
 import pytest
 from installation import Installation, put_netsh_in_place
@@ -14,7 +14,7 @@ def netsh():
 
 @pytest.fixture
 def installation(netsh):
-    netsh.begin()
+    netsh.reset()
     installation = Installation()
     yield installation
     if installation.folder.exists():

@@ -17,7 +17,7 @@ from installation import CONTENT, MEM_TOTAL_REAL, VERSION, check_that_it_records
 RIGHTS = "\u00a9 2026 Quillmont. All rights reserved."
 
 
-def test_the_checksums_are_those_of_the_packages():
+def test_the_checksums_match_the_packages():
     lines = Path(os.environ["QUILLMONT_PACKAGES"], "SHA256SUMS").read_text().splitlines()
     named = dict(reversed(line.split("  ")) for line in lines)
     assert sorted(named) == [package(suffix).name for suffix in ("setup.exe", "windows-x64.zip")]
@@ -40,7 +40,7 @@ def test_the_guide_in_the_zip_is_one_file():
     assert all(picture.startswith("data:") for picture in pictures), pictures
 
 
-def test_the_program_has_its_version_and_manifest():
+def test_the_program_has_the_version_and_a_manifest():
     with zipfile.ZipFile(package("windows-x64.zip")) as archive:
         octets = archive.read("Quillmont.exe")
     # The fixed part of the version resource: signature, structure version, file version.
@@ -102,8 +102,8 @@ def test_the_release_notes_warn_of_an_old_nsis(tmp_path, version, is_old):
     assert not is_old or (version[1:] in warning and "CVE-2025-43715" in warning)
 
 
-def test_the_release_notes_are_this_versions_section_of_the_change_log():
-    """It is the first section and has a date, which is also the date of all files in the packages."""
+def test_the_release_notes_are_the_change_logs_section_on_this_version():
+    """It is the first section, and its date is the date of all files in the packages."""
     change_log = (ROOT / "CHANGELOG.md").read_text()
     heading, version, day = re.search(r"^## (\S+) \((\S+)\)$", change_log, re.M).group(0, 1, 2)
     assert version == VERSION
@@ -134,7 +134,7 @@ def test_the_zip_runs_from_a_folder_with_a_blank_and_an_umlaut(data, start):
     assert data.config.exists()
 
 
-def test_the_names_in_the_zip_are_those_of_the_table(data, start):
+def test_the_mib_file_in_the_zip_names_instances(data, start):
     folder = unpack(drive_c() / "names")
     data.add_mib("standard-names.mib", (folder / "standard-names.mib").read_bytes())
     program = start(folder / "Quillmont.exe")

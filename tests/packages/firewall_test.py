@@ -1,4 +1,4 @@
-"""The exact netsh commands that Setup runs. Wine has no firewall, so their effect cannot be tested here."""
+"""The exact netsh commands that Setup runs. Wine has no firewall, so their effect cannot be tested."""
 
 import re
 
@@ -12,16 +12,16 @@ DELETE_RULES_OF_PROGRAM = f"advfirewall firewall delete rule name=all dir=in {PR
 ADD_RULE = f"advfirewall firewall add rule {NAME} dir=in action=allow protocol=UDP localport=161,162 {PROGRAM}"
 
 
-def test_a_rule_for_both_ports_replaces_all_others_of_the_program(installation, netsh):
+def test_one_rule_for_both_ports_replaces_all_others_of_the_program(installation, netsh):
     installation.install()
     assert netsh.pop_calls() == [DELETE_OWN_RULE, DELETE_RULES_OF_PROGRAM, ADD_RULE]
     assert not installation.notes.exists()
-    # The same on an upgrade: Windows may have asked about the program and made rules in between.
+    # The same on an upgrade: Windows may have asked about the program and added rules in between.
     installation.install()
     assert netsh.pop_calls() == [DELETE_OWN_RULE, DELETE_RULES_OF_PROGRAM, ADD_RULE]
 
 
-def test_rules_that_were_removed_are_noted(installation, netsh):
+def test_the_removal_of_other_rules_is_noted(installation, netsh):
     netsh.answer("1 delete rule name=\"", "0 delete rule name=all")
     installation.install()
     notes = installation.notes.read_text()
@@ -43,7 +43,7 @@ def test_without_the_firewall_box_setup_changes_no_rule(installation, netsh):
     assert netsh.pop_calls() == []
 
 
-def test_a_rule_declined_later_is_removed_and_no_other(installation, netsh):
+def test_a_rule_declined_later_is_the_only_one_removed(installation, netsh):
     installation.install()
     netsh.pop_calls()
     installation.install("/FIREWALL=no")
@@ -51,7 +51,7 @@ def test_a_rule_declined_later_is_removed_and_no_other(installation, netsh):
 
 
 def test_the_rule_names_the_program_in_the_chosen_folder(netsh):
-    netsh.begin()
+    netsh.reset()
     elsewhere = Installation(r"C:\Program Files\Network\Quillmont")
     elsewhere.install(f"/D={elsewhere.windows_folder}")
     elsewhere.uninstall()
@@ -67,7 +67,7 @@ def test_setup_goes_on_after_a_firewall_error_and_reports_it(installation, netsh
     assert "The firewall rule could not be added (netsh: 1)" in installation.notes.read_text()
     assert installation.program.exists()
     assert registry_value(UNINSTALL_KEY, "FirewallRule") is None
-    # The next installation tries again without a switch.
+    # The next installation tries again, even without a switch.
     netsh.answer("1 delete rule")
     installation.install()
     assert registry_value(UNINSTALL_KEY, "FirewallRule") == INSTALLED_WORD
@@ -85,8 +85,8 @@ def test_a_missing_netsh_is_reported_too(installation):
     assert "The firewall rule could not be added (netsh: error)" in installation.notes.read_text()
 
 
-def test_the_guides_rule_is_setups_rule():
+def test_the_guide_adds_the_same_rule_as_setup():
     guide = (ROOT / "docs" / "installing.md").read_text()
     commands = re.findall(r"^netsh (.*)$", guide, re.M)
-    by_hand = 'name="Quillmont PRO"'
-    assert [ADD_RULE.replace(NAME, by_hand), DELETE_RULES_OF_PROGRAM] == sorted(commands)
+    guides_name = 'name="Quillmont PRO"'
+    assert [ADD_RULE.replace(NAME, guides_name), DELETE_RULES_OF_PROGRAM] == sorted(commands)

@@ -1,4 +1,4 @@
-"""The icon in each size and in each file that Explorer shows. The desktop tests check that the windows have none."""
+"""The sizes of the icon, and the files that have it. The desktop tests check that the windows have none."""
 
 import struct
 import subprocess

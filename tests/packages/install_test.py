@@ -69,7 +69,7 @@ def test_a_silent_installation_starts_nothing_that_did_not_run(data, installatio
 
 
 def test_an_upgrade_uses_the_folder_chosen_before(netsh):
-    netsh.begin()
+    netsh.reset()
     elsewhere = Installation(r"C:\Program Files\Network\Quillmont")
     elsewhere.install(f"/D={elsewhere.windows_folder}")
     (elsewhere.folder / "CHANGELOG.txt").unlink()
@@ -99,13 +99,13 @@ def test_a_component_declined_later_is_removed(installation):
 
 
 def test_the_installer_reports_a_running_trap_service(installation):
-    # Any running service of this name will do, so a driver is used.
+    # Any running service of this name will do, even a driver.
     image = r"C:\windows\system32\drivers\ksecdd.sys"
     assert run_wine("sc", "create", "SNMPTRAP", "type=", "kernel", "binPath=", image) == 0
     assert run_wine("net", "start", "SNMPTRAP") == 0
     assert installation.install() == 0
     notes = installation.notes.read_text()
-    # Not sc, which is another command in PowerShell.
+    # In PowerShell sc is another command.
     assert "run: sc.exe stop SNMPTRAP" in notes
     assert "restart: sc.exe config SNMPTRAP start= disabled" in notes
     run_wine("net", "stop", "SNMPTRAP")

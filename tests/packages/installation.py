@@ -67,8 +67,8 @@ class Netsh:
 
     folder = property(lambda self: drive_c() / "netsh")
 
-    def begin(self):
-        """Forgets earlier calls. As on a fresh Windows there is no rule to delete."""
+    def reset(self):
+        """Deletes the recorded calls. Answers as on a fresh Windows, which has no rule to delete."""
         shutil.rmtree(self.folder, ignore_errors=True)
         self.folder.mkdir()
         self.answer("1 delete rule")
@@ -77,7 +77,7 @@ class Netsh:
         (self.folder / "answers.txt").write_text("".join(line + "\n" for line in lines))
 
     def pop_calls(self):
-        """Returns the command lines since the last call, without netsh's path."""
+        """Returns the recorded command lines, without netsh's path, and deletes them."""
         calls = self.folder / "calls.txt"
         if not calls.exists():
             return []
@@ -89,7 +89,7 @@ class Netsh:
 
 
 def put_netsh_in_place():
-    """Replaces netsh for all programs started from now on. Wine uses its own unless it is overridden."""
+    """Replaces netsh for all programs started from now on. Without the override Wine would use its own."""
     netsh = drive_c() / "windows" / "system32" / "netsh.exe"
     netsh.unlink()
     shutil.copy(stub("netsh_stub"), netsh)
@@ -121,23 +121,23 @@ class Installation:
             lambda: f"the program's folder to be deleted, it has {sorted(self.folder.iterdir())}",
         )
 
-    def ask(self, program, *switches):
-        """Returns the exit code and the output. Uses a file, since processes left running would keep a pipe open."""
+    def run(self, program, *switches):
+        """Returns the exit code and the output. Uses a file, since processes that go on running keep a pipe open."""
         with tempfile.TemporaryFile() as output:
             code = run_wine(program, *as_typed(switches), output=output)
             output.seek(0)
             return code, output.read().decode().replace("\r\n", "\n")
 
-    def ask_setup(self, *switches):
-        return self.ask(windows_path(package("setup.exe")), *switches)
+    def run_setup(self, *switches):
+        return self.run(windows_path(package("setup.exe")), *switches)
 
-    def ask_uninstaller(self, *switches):
+    def run_uninstaller(self, *switches):
         """Runs the uninstaller without a copy, so that its exit code and output can be read."""
-        return self.ask(f"{self.windows_folder}\\uninstall.exe", *switches, f"_?={self.windows_folder}")
+        return self.run(f"{self.windows_folder}\\uninstall.exe", *switches, f"_?={self.windows_folder}")
 
     def traces(self):
-        """Returns what is left of it in the registry and in the folders of all users."""
+        """Returns what exists of it in the registry and in the folders for all users."""
         assert run_wine("reg", "export", CURRENT_VERSION, r"C:\current.reg", "/y") == 0
-        announced = (drive_c() / "current.reg").read_bytes().decode("utf-16")
-        lines = [line for line in announced.splitlines() if "quillmont" in line.lower()]
+        exported = (drive_c() / "current.reg").read_bytes().decode("utf-16")
+        lines = [line for line in exported.splitlines() if "quillmont" in line.lower()]
         return lines + [str(path) for path in (self.folder, self.menu) if path.exists()]

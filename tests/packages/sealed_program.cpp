@@ -1,5 +1,5 @@
-// A stub for a Quillmont.exe of another user: a window of the main window's class whose process may not be
-// opened. The window closes at WM_CLOSE. The process, which keeps the file in use, ends two seconds later.
+// A stub for a Quillmont.exe of another user. It has a window of the main window's class, and its process
+// cannot be opened. The process ends two seconds after the window has closed, and uses the file until then.
 #include <windows.h>
 
 namespace {
@@ -14,13 +14,13 @@ LRESULT CALLBACK WindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lPa
     return DefWindowProcW(window, message, wParam, lParam);
 }
 
-// With an empty access list nobody may open the process. Its owner and a debugger can still change that.
+// An empty access list denies access to everyone, except that the owner and debuggers can override it.
 bool SealProcess() {
-    ACL nobody;
+    ACL empty;
     SECURITY_DESCRIPTOR descriptor;
-    return InitializeAcl(&nobody, sizeof(nobody), ACL_REVISION) != FALSE &&
+    return InitializeAcl(&empty, sizeof(empty), ACL_REVISION) != FALSE &&
            InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION) != FALSE &&
-           SetSecurityDescriptorDacl(&descriptor, TRUE, &nobody, FALSE) != FALSE &&
+           SetSecurityDescriptorDacl(&descriptor, TRUE, &empty, FALSE) != FALSE &&
            SetKernelObjectSecurity(GetCurrentProcess(), DACL_SECURITY_INFORMATION, &descriptor) != FALSE;
 }
 

@@ -52,7 +52,7 @@ class Identity:
 
 
 class TimestampAuthority:
-    """Answers on 127.0.0.1 (RFC 3161) until closed."""
+    """A server on 127.0.0.1 for requests as in RFC 3161, until closed."""
 
     def __init__(self, folder):
         self.identity = Identity(folder, "authority", "timeStamping")
@@ -64,12 +64,12 @@ class TimestampAuthority:
 
         class Handler(BaseHTTPRequestHandler):
             def do_POST(self):
-                answer = authority.answer(self.rfile.read(int(self.headers["Content-Length"])))
+                reply = authority.answer(self.rfile.read(int(self.headers["Content-Length"])))
                 self.send_response(200)
                 self.send_header("Content-Type", "application/timestamp-reply")
-                self.send_header("Content-Length", str(len(answer)))
+                self.send_header("Content-Length", str(len(reply)))
                 self.end_headers()
-                self.wfile.write(answer)
+                self.wfile.write(reply)
 
             def log_message(self, *_):
                 pass
@@ -78,16 +78,16 @@ class TimestampAuthority:
         self.url = f"http://127.0.0.1:{self.server.server_port}/"
         threading.Thread(target=self.server.serve_forever, daemon=True).start()
 
-    def answer(self, question):
+    def answer(self, request):
         with tempfile.TemporaryDirectory() as folder:
-            asked, answered = Path(folder, "question"), Path(folder, "answer")
-            asked.write_bytes(question)
+            query, reply = Path(folder, "query"), Path(folder, "reply")
+            query.write_bytes(request)
             run(
-                *["openssl", "ts", "-reply", "-config", self.folder / "tsa.cnf", "-queryfile", asked],
-                *["-signer", self.identity.certificate, "-inkey", self.identity.key, "-out", answered],
+                *["openssl", "ts", "-reply", "-config", self.folder / "tsa.cnf", "-queryfile", query],
+                *["-signer", self.identity.certificate, "-inkey", self.identity.key, "-out", reply],
             )
             self.answered += 1
-            return answered.read_bytes()
+            return reply.read_bytes()
 
     def close(self):
         self.server.shutdown()

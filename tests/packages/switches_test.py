@@ -31,7 +31,7 @@ def pretend_version(version):
     ],
 )
 def test_an_unknown_switch_or_value_is_refused(installation, netsh, switches):
-    code, text = installation.ask_setup("/S", *switches)
+    code, text = installation.run_setup("/S", *switches)
     assert code == WRONG_SWITCH, text
     assert text.startswith(f"Unknown switch or value: {switches[-1]}\n\nSetup's switches:\n")
     assert installation.traces() == []
@@ -39,8 +39,8 @@ def test_an_unknown_switch_or_value_is_refused(installation, netsh, switches):
 
 
 @pytest.mark.parametrize("switch", ["/HELP", "/help", "/?"])
-def test_help_names_the_switches_and_the_codes(installation, switch):
-    code, text = installation.ask_setup("/S", switch)
+def test_help_lists_the_switches_and_the_exit_codes(installation, switch):
+    code, text = installation.run_setup("/S", switch)
     assert code == WRONG_SWITCH, text
     assert text.startswith("Setup's switches:\n")
     guide = (ROOT / "docs" / "installing.md").read_text()
@@ -51,12 +51,12 @@ def test_help_names_the_switches_and_the_codes(installation, switch):
     assert installation.traces() == []
 
 
-def test_the_uninstaller_refuses_too(installation):
+def test_the_uninstaller_refuses_unknown_switches(installation):
     installation.install()
-    code, text = installation.ask_uninstaller("/S", "/DELETEDATA=no", "/FIREWALL=no")
+    code, text = installation.run_uninstaller("/S", "/DELETEDATA=no", "/FIREWALL=no")
     assert code == WRONG_SWITCH, text
     assert "value: /FIREWALL=no\n\nThe uninstaller's switches:\n" in text
-    code, text = installation.ask_uninstaller("/S", "/HELP")
+    code, text = installation.run_uninstaller("/S", "/HELP")
     assert (code, text.partition("\n")[0]) == (WRONG_SWITCH, "The uninstaller's switches:")
     assert installation.program.exists()
 
@@ -67,7 +67,7 @@ def test_a_silent_downgrade_is_refused(installation, netsh, switches):
     installation.program.write_bytes(b"a newer version")
     pretend_version("1.0.10")
     netsh.pop_calls()
-    code, text = installation.ask_setup("/S", *switches)
+    code, text = installation.run_setup("/S", *switches)
     assert code == NEWER_INSTALLED
     assert text.startswith(f"Quillmont PRO 1.0.10 is installed, which is newer than {VERSION}. Nothing was changed.")
     assert "/DOWNGRADE=yes" in text
@@ -76,7 +76,7 @@ def test_a_silent_downgrade_is_refused(installation, netsh, switches):
     assert netsh.pop_calls() == []
 
 
-def test_a_downgrade_with_the_switch_is_done(installation):
+def test_the_switch_allows_a_downgrade(installation):
     installation.install()
     pretend_version("10.0")
     assert installation.install("/DOWNGRADE=yes") == 0
@@ -84,7 +84,7 @@ def test_a_downgrade_with_the_switch_is_done(installation):
 
 
 @pytest.mark.parametrize("version", ["0.9.9", VERSION])
-def test_an_older_and_the_same_version_are_no_downgrade(installation, version):
+def test_an_older_or_the_same_version_is_replaced_without_a_switch(installation, version):
     installation.install()
     pretend_version(version)
     assert installation.install() == 0
@@ -109,14 +109,14 @@ def test_an_interactive_downgrade_asks_first(driver, installation):
     assert registry_value(UNINSTALL_KEY, "DisplayVersion") == "2.0.0"
 
 
-def test_the_guide_names_folders_that_only_administrators_can_write_to():
+def test_the_guide_installs_only_to_folders_that_need_administrator_rights():
     guide = (ROOT / "docs" / "installing.md").read_text()
     folders = re.findall(r"/D=([^`]+)`", guide)
     assert folders
     assert all(folder.startswith("C:\\Program Files\\") for folder in folders), folders
 
 
-def test_the_guide_writes_sc_exe():
-    """In PowerShell plain sc is Set-Content: `sc stop SNMPTRAP` there writes a file and stops nothing."""
+def test_the_guide_uses_sc_exe():
+    """In PowerShell sc is Set-Content, so `sc stop SNMPTRAP` would write a file."""
     guide = (ROOT / "docs" / "installing.md").read_text()
     assert re.findall(r"^sc\S* \w+", guide, re.M) == ["sc.exe stop", "sc.exe config"]

@@ -20,9 +20,9 @@ def test_uninstalling_removes_everything_but_the_operators_files(data, installat
     assert (data.mibs / "MY-MIB.txt").exists()
 
 
-def test_an_uninstaller_without_a_copy_returns_its_code_and_leaves_only_itself(installation):
+def test_an_uninstaller_without_a_copy_returns_its_exit_code_and_leaves_only_itself(installation):
     installation.install()
-    code, text = installation.ask_uninstaller("/S")
+    code, text = installation.run_uninstaller("/S")
     assert (code, text) == (0, "")
     # Windows cannot delete the file of a running program; Wine can.
     left = [entry.name for entry in installation.folder.iterdir()] if installation.folder.exists() else []
@@ -54,13 +54,13 @@ def names_below(folder):
 
 
 def uninstall_with_data(installation):
-    """Runs the uninstaller in its own folder, which makes it return at its end."""
-    assert installation.ask_uninstaller("/S", "/DELETEDATA=yes")[0] == 0
+    """Runs the uninstaller without a copy, so that it has finished when this returns."""
+    assert installation.run_uninstaller("/S", "/DELETEDATA=yes")[0] == 0
     shutil.rmtree(installation.folder, ignore_errors=True)
 
 
 @pytest.mark.parametrize("link", ["mibs/link", "mibs/link.mib", "mibs", "."])
-def test_the_deletion_of_data_never_follows_a_link_out_of_the_data_folder(data, installation, others, link):
+def test_deleting_the_data_never_follows_a_link_out_of_the_data_folder(data, installation, others, link):
     """A standard user can make such a link, and the uninstaller runs as an administrator."""
     installation.install()
     data.remove()
@@ -75,7 +75,7 @@ def test_the_deletion_of_data_never_follows_a_link_out_of_the_data_folder(data, 
     assert names_below(others) == before
 
 
-def test_the_deletion_of_data_leaves_files_that_the_program_does_not_make(data, installation):
+def test_deleting_the_data_leaves_other_files(data, installation):
     installation.install()
     data.add_mib("MY-MIB.MIB", b"")
     data.add_mib("my.my", b"")

@@ -35,7 +35,7 @@ def test_an_upgrade_closes_the_program_through_its_window_and_starts_it_again(da
 
 
 def test_a_program_whose_process_cannot_be_opened_is_closed_and_replaced(data, installation, start):
-    """Setup runs with other credentials than the program."""
+    """As when Setup runs as another user than the program."""
     installation.install()
     new_octets = installation.program.read_bytes()
     shutil.copy(stub("sealed_program"), installation.program)
@@ -48,12 +48,12 @@ def test_a_program_whose_process_cannot_be_opened_is_closed_and_replaced(data, i
 
 @pytest.fixture
 def hang(start, data):
-    """A function that starts a program and suspends it until the test is over."""
+    """A function that starts a program and suspends it until the test ends."""
     hanging = []
 
     def start_hanging(path):
         program = start(path).wait_running()
-        data.wait_for_start()  # its threads have logged too, so that a test can count starts
+        data.wait_for_start()  # waits for the threads' log lines too, so that tests can count starts
         hanging.append(find_wine_process("Quillmont.exe"))
         os.kill(hanging[-1], signal.SIGSTOP)
         return program
@@ -71,20 +71,20 @@ def test_a_hanging_window_delays_setup_once_and_other_windows_are_closed(data, i
     assert installation.install() == IN_USE
     assert CLOSE_TIME <= time.monotonic() - begin < 2 * CLOSE_TIME
     assert other.wait_for_exit() == 0
-    # The program that was closed is started again, although nothing was installed.
+    # The closed program is started again, although nothing was installed.
     data.wait_for_start(3)
     assert len(wine_processes("Quillmont.exe")) == 2
 
 
 def test_a_program_that_cannot_be_replaced_is_left_alone(driver, installation):
-    """It runs in another session: its window cannot be reached, and its file cannot be written."""
+    """As when it runs in another session: Setup cannot reach its window or write its file."""
     installation.install()
     before = installation.program.read_bytes()
     driver("lock_file", windows_path(installation.program))
     begin = time.monotonic()
     try:
         assert installation.install() == IN_USE
-        code, _ = installation.ask_uninstaller("/S")
+        code, _ = installation.run_uninstaller("/S")
         assert code == IN_USE
     finally:
         driver("release_files")
@@ -92,8 +92,8 @@ def test_a_program_that_cannot_be_replaced_is_left_alone(driver, installation):
     assert installation.program.read_bytes() == before
 
 
-def test_setup_waits_for_a_file_that_is_in_use_for_a_moment(driver, installation):
-    """As a virus scanner does."""
+def test_setup_waits_for_a_file_that_is_briefly_in_use(driver, installation):
+    """As during a virus scan."""
     installation.install()
     driver("lock_file", windows_path(installation.program))
     release = threading.Timer(RELEASE_TIME / 4, lambda: driver("release_files"))

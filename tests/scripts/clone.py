@@ -1,4 +1,4 @@
-"""A copy of the sources and the built programs, and the environment in which its scripts run."""
+"""A copy of the sources, in which a test runs the scripts as a given user with an environment of its own."""
 
 import os
 import random
@@ -13,13 +13,13 @@ from harness.places import ROOT, driver_file, program_file
 from harness.waiting import wait_until
 
 NOBODY = 65534
-FOUND_IN = ("/usr/local/bin", "/usr/bin", "/bin", "/usr/sbin", "/sbin")
-# More than a whole run with a new Wine prefix needs.
+SYSTEM_PATH = ("/usr/local/bin", "/usr/bin", "/bin", "/usr/sbin", "/sbin")
+# More than a complete run with a new Wine prefix needs.
 RUN_SECONDS = 150
 
 
 class User:
-    """Root or an ordinary user. Root can also run scripts as an ordinary user, but not the other way round."""
+    """Root or an ordinary user. Tests for both need root, which can run scripts as an ordinary user."""
 
     def __init__(self, name):
         self.name = name
@@ -63,20 +63,20 @@ class Clone:
         self.commands = folder / "commands"
         self.environment = {
             "HOME": str(folder / "home"),
-            # Not the name of the user id: Wine uses this one.
+            # Wine uses this name, not the one that belongs to the user id.
             "USER": "somebody",
-            "PATH": ":".join([str(self.commands), *FOUND_IN]),
+            "PATH": ":".join([str(self.commands), *SYSTEM_PATH]),
         }
-        shutil.copytree(ROOT, folder, ignore=self._left_out, symlinks=True, dirs_exist_ok=True)
+        shutil.copytree(ROOT, folder, ignore=self._ignored, symlinks=True, dirs_exist_ok=True)
         self.commands.mkdir()
         (folder / "home").mkdir()
 
     @staticmethod
-    def _left_out(directory, names):
+    def _ignored(directory, names):
         return {name for name in names if Path(directory) == ROOT and name in ("build", "dist", ".git")}
 
     def add_programs(self):
-        """Copies the built programs and replaces cmake, so that nothing is built."""
+        """Copies the built programs and replaces cmake, so that the scripts build nothing."""
         desktop = self.folder / "build/windows/tests/desktop"
         desktop.mkdir(parents=True)
         shutil.copy(program_file(), self.folder / "build/windows")
@@ -85,14 +85,14 @@ class Clone:
         self.add_command("cmake", "exit 0")
 
     def add_command(self, name, script):
-        """Adds a command that is found before the system's."""
+        """Adds a command that overrides the system's."""
         path = self.commands / name
         path.write_text(f"#!/bin/sh\n{script}\n")
         path.chmod(0o755)
 
     def hide_command(self, name):
-        """Makes the command missing: links all others into one folder, which becomes the path."""
-        for folder in reversed(FOUND_IN):
+        """Hides the command: links all others into one folder, which becomes the path."""
+        for folder in reversed(SYSTEM_PATH):
             for path in Path(folder).glob("*"):
                 link = self.commands / path.name
                 if path.name != name and not link.exists() and not link.is_symlink():
@@ -100,7 +100,7 @@ class Clone:
         self.environment["PATH"] = str(self.commands)
 
     def hand_over(self):
-        """Makes the user the owner of the clone, before the first command."""
+        """Makes the user the owner of the clone."""
         if not self.handed_over:
             self.user.own(self.folder)
             self.handed_over = True
@@ -131,17 +131,17 @@ class Clone:
 
 
 def end_session(process):
-    """Ends the process and its children with SIGTERM, so that they clean up."""
+    """Ends the process and its children with SIGTERM, so that they can clean up."""
     if process.poll() is None:
         os.killpg(process.pid, signal.SIGTERM)
     process.wait(timeout=60)
 
 
 class VirtualDisplay:
-    """A display in the role of the user's own, with a window manager: without one no window is shown."""
+    """Stands for the user's own display. Has a window manager, since no window is shown without one."""
 
     def __init__(self):
-        # A number that no other display is likely to have.
+        # A number that is probably free.
         self.name = f":{random.randrange(1000, 30000)}"
         reading, writing = os.pipe()
         command = ["Xvfb", self.name, "-displayfd", str(writing), "-screen", "0", "1280x900x24", "-ac"]
@@ -164,10 +164,10 @@ def wait_for_line(process, wanted):
     """Reads the process's output until a line contains the text. Returns all lines so far."""
     lines = []
 
-    def is_there():
+    def found():
         lines.append(process.stdout.readline())
         return wanted in lines[-1] or not lines[-1]
 
-    wait_until(is_there, wanted, RUN_SECONDS)
+    wait_until(found, wanted, RUN_SECONDS)
     assert lines[-1], f"{wanted!r} was never printed: {''.join(lines)}"
     return lines

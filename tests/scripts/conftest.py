@@ -1,5 +1,5 @@
-"""Fixtures of the tests of the scripts, which run in a clone as a new user would run them. scripts/with_harness.sh runs
-the tests."""
+"""Fixtures for the tests of the scripts, which run in a clone as a new user would run them. The tests themselves run
+under scripts/with_harness.sh."""
 
 import shutil
 import tempfile
@@ -11,7 +11,7 @@ from clone import Clone, User
 
 
 def scratch_folder():
-    """A folder that other users may read, unlike pytest's."""
+    """Makes a folder that, unlike pytest's, other users may read."""
     folder = Path(tempfile.mkdtemp(prefix="quillmont-scripts-"))
     folder.chmod(0o755)
     return folder
@@ -24,7 +24,7 @@ def user(request):
 
 @pytest.fixture(scope="module")
 def prefixes(user):
-    """The folder of the user's Wine prefixes. Shared by the tests, since the first prefix needs ten seconds."""
+    """The folder for the user's Wine prefixes. The tests share it, since the first prefix needs ten seconds."""
     folder = scratch_folder()
     user.own(folder)
     yield folder

@@ -8,7 +8,7 @@ from clone import VirtualDisplay, end_session, wait_for_line
 from harness.tool_windows import STATUS
 from harness.waiting import wait_until
 
-# A refusal comes at once.
+# Too short for a run.
 AT_ONCE_SECONDS = 15
 
 
@@ -30,13 +30,13 @@ def test_a_display_that_cannot_be_reached_is_replaced(ready):
 
 
 def colours_of(window, display):
-    """The number of colours in the window of that name on the display; 0 if there is no such window."""
-    look = ["xwd", "-silent", "-display", display.name, "-name", window]
-    seen = subprocess.run(look, capture_output=True, check=False)
-    if seen.returncode != 0:
+    """Returns the number of colours in the window of that name on the display, or 0 if there is no such window."""
+    command = ["xwd", "-silent", "-display", display.name, "-name", window]
+    picture = subprocess.run(command, capture_output=True, check=False)
+    if picture.returncode != 0:
         return 0
     count = ["convert", "xwd:-", "-format", "%k", "info:"]
-    return int(subprocess.run(count, input=seen.stdout, check=True, capture_output=True).stdout)
+    return int(subprocess.run(count, input=picture.stdout, check=True, capture_output=True).stdout)
 
 
 def test_with_a_display_the_windows_stay_until_the_main_window_is_closed(ready):
@@ -49,7 +49,7 @@ def test_with_a_display_the_windows_stay_until_the_main_window_is_closed(ready):
             records = subprocess.run(["cat", f"{folder}/SNMP.txt"], check=True, capture_output=True).stdout
             assert b"1.3.6.1.4.1.2021.4.5 (memTotalReal)  INTEGER = 8029184" in records
             prefix = folder.partition("/drive_c/")[0]
-            script = ["scripts/with_harness.sh", "/usr/bin/python3", "-B", "tests/scripts/close_by_hand.py"]
+            script = ["scripts/with_harness.sh", "/usr/bin/python3", "-B", "tests/scripts/close_main_window.py"]
             code, _ = ready.run(*script, DISPLAY=display.name, WINEPREFIX=prefix)
             assert code == 0
             rest, _ = process.communicate(timeout=60)
@@ -66,7 +66,7 @@ def test_a_second_start_while_a_window_is_open_is_refused(ready):
             wait_for_line(process, "Quillmont runs until its main window is closed.")
             ready.add_command("wineserver", f'echo "$WINEPREFIX" >>{ready.folder}/ended; exec /usr/bin/wineserver "$@"')
             code, output = ready.run("./run.sh", DISPLAY=display.name, WINEPREFIX="/other", seconds=AT_ONCE_SECONDS)
-            assert not (ready.folder / "ended").exists(), "it has ended the programs of another prefix"
+            assert not (ready.folder / "ended").exists(), "run.sh ended the programs of another prefix"
         finally:
             end_session(process)
     assert code == 1

@@ -1,4 +1,4 @@
-"""Checks that run.sh has opened its windows in the Wine prefix of WINEPREFIX, and closes the main window."""
+"""Checks that run.sh has opened the windows in the prefix that WINEPREFIX names, and closes the main window."""
 
 from harness.driver import Driver
 from harness.program import MAIN_CLASS
