@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds Quillmont, runs it under Wine, in a private network if the machine allows one, and sends it real traps; it
-# needs no preparation on a fresh Debian 12 or 13 machine.
+# Builds Quillmont, runs it under Wine, in a private network if the machine allows one, and sends it real traps.
+# Needs no preparation on a fresh Debian 12 or 13 machine.
 #
 # With a display its windows stay open until the main window is closed. Without one it uses a virtual display and saves
 # pictures of the windows. Asks nothing, except that sudo may ask an ordinary user for a password if packages are

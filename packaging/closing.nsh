@@ -34,7 +34,7 @@ Var Windows
 ; like the close box: the receiver stops and the settings are saved.
 !macro AskToClose
   System::Call 'user32::GetWindowThreadProcessId(p r0, *i .r1) i .r2'
-  ; SYNCHRONIZE | PROCESS_QUERY_LIMITED_INFORMATION. The latter is for tests: Wine never denies SYNCHRONIZE alone.
+  ; SYNCHRONIZE | PROCESS_QUERY_LIMITED_INFORMATION. Wine never denies the former alone.
   System::Call 'kernel32::OpenProcess(i 0x101000, i 0, i r1) p .r3'
   Push $3
   ; WM_CLOSE. Posted, because the program may need three seconds to stop its receiver.
@@ -131,7 +131,7 @@ FunctionEnd
 !insertmacro EnsureWritable "" "Call RestartProgram"
 !insertmacro EnsureWritable "un." ""
 
-; Through Explorer, so that the program does not run elevated or as another user, as Setup may.
+; Through Explorer, since Setup may run elevated or as another user and the program must not.
 Function StartProgram
   Exec '"$WINDIR\explorer.exe" "$INSTDIR\${PROGRAM}"'
 FunctionEnd

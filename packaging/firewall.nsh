@@ -47,7 +47,7 @@ Function AddFirewallRule
   ${EndIf}
 FunctionEnd
 
-; For a box that is not ticked. Deletes only the rule of an earlier installation, not those added manually.
+; For an unticked box. Deletes only the rule that an earlier installation added, not rules added manually.
 Function DropFirewallRule
   ReadRegDWORD $0 HKLM "${UNINSTALL_KEY}" "FirewallRule"
   ${If} $0 == 1

@@ -41,7 +41,7 @@ WaitForPorts() {
     done
 }
 
-# Inside, every user is root; folders of one user, such as Wine prefixes, are named after this id from outside.
+# Inside, every user is root; folders of one user, such as Wine prefixes, are named after the id outside.
 export QUILLMONT_USER="${QUILLMONT_USER:-$EUID}"
 
 network=(--net)

@@ -14,7 +14,7 @@ CleanUp() {
 }
 trap CleanUp EXIT
 
-# Lists the processes with this prefix in their initial environment, which that of this shell lacks.
+# Lists the processes that were started with this prefix in their environment; this shell was started without it.
 LeftBehind() {
     grep --files-with-matches --null-data --no-messages --line-regexp --fixed-strings \
         "WINEPREFIX=$WINEPREFIX" /proc/[0-9]*/environ || true

@@ -43,8 +43,8 @@ MakeTemplatePrefix() {
     ) 9>"$wine_folder/lock"
 }
 
-# CopyPrefix FOLDER: makes a prefix in FOLDER, which must not exist. Links the system's files, which have hundreds of
-# megabytes and are never written to. Copies everything that a program may change.
+# CopyPrefix FOLDER: makes a prefix in FOLDER, which must not exist. Makes hard links to the system's files, which are
+# large and never written to. Copies everything that a program may change.
 CopyPrefix() {
     local template="$wine_folder/template"
     mkdir -p "$1/drive_c"

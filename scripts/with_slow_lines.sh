@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Adds lines to hosts that do not exist to its private network, and runs a program there:
+# Runs a program after adding lines to hosts that do not exist to the private network:
 #   10.77.1.2  over 64 kbit/s: a few large datagrams block it for the rest of the test
 #   10.77.1.3  over the same line, without an answer to ARP
 #   10.77.2.2  over 20 Mbit/s: slower than a program can send, fast enough to wait for

@@ -31,7 +31,7 @@ class DataFolderAside {
 
   private:
     std::wstring folder_;
-    std::wstring aside_;    // the user's folder while the check runs
+    std::wstring aside_;   // the user's folder while the check runs
     std::wstring marker_;  // an empty folder, which shows that the user had none
     bool foundLeftover_ = false;
 };

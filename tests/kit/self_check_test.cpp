@@ -122,8 +122,7 @@ class GuideScripts : public SelfCheck {
 TEST_F(GuideScripts, SendATrapAndReadTheRecords) {
     // A policy can allow PowerShell but forbid scripts, or restrict their language.
     const std::wstring probe = scratch_.Join(L"probe.ps1");
-    WriteOctets(probe,
-                "if ($ExecutionContext.SessionState.LanguageMode -eq 'FullLanguage') { exit 42 }\r\n");
+    WriteOctets(probe, "if ($ExecutionContext.SessionState.LanguageMode -eq 'FullLanguage') { exit 42 }\r\n");
     if (RunScript(probe).exitCode != DWORD{42}) {
         GTEST_SKIP() << "PowerShell is not installed, or a policy does not let it run scripts.";
     }

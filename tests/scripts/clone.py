@@ -19,7 +19,7 @@ RUN_SECONDS = 150
 
 
 class User:
-    """Root or an ordinary user. Tests for both need root, which can run scripts as an ordinary user."""
+    """Root or an ordinary user. Only root can run the scripts as both."""
 
     def __init__(self, name):
         self.name = name
@@ -138,7 +138,7 @@ def end_session(process):
 
 
 class VirtualDisplay:
-    """Stands for the user's own display. Has a window manager, since no window is shown without one."""
+    """In place of the user's own display. Has a window manager, since windows are not shown without one."""
 
     def __init__(self):
         # A number that is probably free.

@@ -24,7 +24,7 @@ def fresh(clone):
 
 @pytest.fixture
 def allowed(fresh, user):
-    """The same. Skips the test if run.sh would refuse before it installs anything, for lack of a network."""
+    """The same. Skips the test if run.sh could not have its network, which it checks first."""
     user.need_network(fresh.folder)
     return fresh
 
