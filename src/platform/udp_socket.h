@@ -6,7 +6,7 @@
 // worker cannot reach a newer socket with the same handle value.
 //
 // Closing never waits for the network: receiving and sending lock the socket for one non-blocking attempt,
-// and waiting for a datagram or for room happens outside the lock.
+// and waiting for a datagram or for the send buffer happens outside the lock.
 #pragma once
 
 #include <cstddef>
@@ -30,10 +30,10 @@ enum class ReceiveResult {
 };
 
 enum class SendResult {
-    Sent,    // accepted by the system
-    NoRoom,  // the system's buffer is full, as on a slow line
-    Closed,  // the socket was closed before the call
-    Failed,  // any other error
+    Sent,        // accepted by the system
+    BufferFull,  // the system's send buffer is full, as on a slow line
+    Closed,      // the socket was closed before the call
+    Failed,      // any other error
 };
 
 // Starts the socket library; required before the first socket. False: it is not available.
@@ -65,11 +65,11 @@ bool WaitForDatagram(UdpSocket& socket);
 // Makes one attempt to send and never waits.
 SendResult TrySendDatagram(UdpSocket& socket, const Ipv4Endpoint& target, const uint8_t* octets, size_t size);
 
-// Call after NoRoom: waits until there is room to send; may return early. False: EndWaiting or CloseUdpSocket
-// was called, or the system refused to wait.
-bool WaitForRoom(UdpSocket& socket);
+// Call after BufferFull: waits until the send buffer has space; may return early. False: EndWaiting or
+// CloseUdpSocket was called, or the system refused to wait.
+bool WaitForSendBuffer(UdpSocket& socket);
 
-// Wakes a thread that waits for room. From then on WaitForRoom returns false at once; TrySendDatagram still
+// Wakes a thread in WaitForSendBuffer. From then on that returns false at once; TrySendDatagram still
 // works. Not allowed on a socket that receives.
 void EndWaiting(UdpSocket& socket);
 

@@ -20,13 +20,13 @@ void ForwardDatagram(const uint8_t* octets, size_t count, UdpSocket* socket, Pen
     }
     endpoint.port = static_cast<uint16_t>(target.port);
     SendResult result = TrySendDatagram(*socket, endpoint, octets, count);
-    if (result == SendResult::NoRoom && ServerState.running) {
+    if (result == SendResult::BufferFull && ServerState.running) {
         output.Write();  // records and log lines must not wait for the network; during a stop nothing waits
     }
-    while (result == SendResult::NoRoom && WaitForRoom(*socket)) {
+    while (result == SendResult::BufferFull && WaitForSendBuffer(*socket)) {
         result = TrySendDatagram(*socket, endpoint, octets, count);
     }
-    if (result == SendResult::Failed || result == SendResult::NoRoom) {
+    if (result == SendResult::Failed || result == SendResult::BufferFull) {
         output.AddLogLine(L"Forwarding failed (sendto error).");
     }
 }

@@ -13,7 +13,7 @@ namespace {
 // Collects log lines only: each datagram overwrites the previous one in the buffer.
 class ListenerBatch : public ReceiveBatch {
   public:
-    std::span<uint8_t> Room() override {
+    std::span<uint8_t> FreeSpace() override {
         return arrivals_ < kMaxArrivals ? std::span<uint8_t>(buffer_) : std::span<uint8_t>();
     }
 

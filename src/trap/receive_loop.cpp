@@ -11,13 +11,13 @@ constexpr uint32_t kRetryDelay = 10;  // milliseconds
 // attempt to receive.
 ReceiveResult FillBatch(UdpSocket& socket, ReceiveBatch& batch, bool oneOnly) {
     while (ServerState.running) {
-        const std::span<uint8_t> room = batch.Room();
-        if (room.empty()) {
+        const std::span<uint8_t> space = batch.FreeSpace();
+        if (space.empty()) {
             break;
         }
         size_t count = 0;
         Ipv4Endpoint sender;
-        const ReceiveResult result = TryReceiveDatagram(socket, room.data(), room.size(), &count, &sender);
+        const ReceiveResult result = TryReceiveDatagram(socket, space.data(), space.size(), &count, &sender);
         if (result != ReceiveResult::Datagram) {
             return result;
         }

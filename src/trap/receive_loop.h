@@ -15,9 +15,9 @@ class ReceiveBatch {
     virtual ~ReceiveBatch() = default;
 
     // Returns the buffer for the next datagram, empty if the batch is full.
-    virtual std::span<uint8_t> Room() = 0;
+    virtual std::span<uint8_t> FreeSpace() = 0;
 
-    // Adds the datagram of `count` octets that was just received into Room().
+    // Adds the datagram of `count` octets that was just received into FreeSpace().
     virtual void AddArrival(size_t count, const Ipv4Endpoint& sender) = 0;
 
     // Processes all datagrams in order and empties the batch.

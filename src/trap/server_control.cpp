@@ -129,7 +129,7 @@ void StopServer() {
     LogMessage(L"Stopping server...");
     CloseSocketField(&ServerState.trapSocket);
     CloseSocketField(&ServerState.listenerSocket);
-    // Traps that were received are still forwarded, but without waiting for room to send.
+    // Traps that were received are still forwarded, but without waiting for the send buffer.
     EndWaiting(*ServerState.forwardSocket);
     WaitForWorker(&ServerState.trapThreadHandle);
     WaitForWorker(&ServerState.listenerThreadHandle);

@@ -2,7 +2,7 @@
 
 #include "trap/server_state.h"
 
-std::span<uint8_t> TrapBatch::Room() {
+std::span<uint8_t> TrapBatch::FreeSpace() {
     const std::span<uint8_t> left = std::span(octets_).subspan(octetCount_);
     return arrivalCount_ < kMaxArrivals && left.size() >= kMaxDatagramSize ? left : std::span<uint8_t>();
 }

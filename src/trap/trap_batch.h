@@ -20,7 +20,7 @@ class TrapBatch : public ReceiveBatch {
 
     // Returns at least kMaxDatagramSize octets. Empty if fewer are left or the batch has kMaxArrivals
     // datagrams.
-    std::span<uint8_t> Room() override;
+    std::span<uint8_t> FreeSpace() override;
 
     // Also stores the time of arrival and sets ServerState.lastTrapTick and lastTrapSender.
     void AddArrival(size_t count, const Ipv4Endpoint& sender) override;

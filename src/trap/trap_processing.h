@@ -19,7 +19,7 @@ struct TrapArrival {
 // Processes the traps of one batch in order. SNMP.txt, log.txt and the forwarded datagrams are the same as if
 // each trap were processed alone. A trap that is alone in its batch is written to both files before it is
 // forwarded. In a larger batch some traps may be forwarded before the files are written, but everything
-// collected is written before a send waits for room.
+// collected is written before a send waits for the send buffer.
 //
 // If memory runs out for a trap, at most that trap is lost. `forwardSocket` may be null. Throws nothing.
 void ProcessTraps(std::span<const TrapArrival> arrivals, UdpSocket* forwardSocket) noexcept;

@@ -66,7 +66,7 @@ class Stops : public EngineTest {
         }
     }
 
-    // Makes the worker's next send wait: the slow line needs 15 seconds to make room in the buffer.
+    // Makes the worker's next send wait: the slow line needs 15 seconds to free space in the buffer.
     static void FillSendBuffer() {
         const Octets large(60'000, 0x30);
         const Octets small(1, 0x30);

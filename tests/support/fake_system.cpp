@@ -73,8 +73,8 @@ SendResult TrySendDatagram(UdpSocket&, const Ipv4Endpoint& target, const uint8_t
     return result;
 }
 
-bool WaitForRoom(UdpSocket&) {
-    Note("wait for room");
+bool WaitForSendBuffer(UdpSocket&) {
+    Note("wait for buffer");
     return Fake.onWaitForRoom && Fake.onWaitForRoom();
 }
 

@@ -284,7 +284,7 @@ TEST_F(SocketCalls, SendErrorsAreMappedAfterASingleAttempt) {
     fake.result = SOCKET_ERROR;
     for (const int error : {WSAEWOULDBLOCK, WSAENOBUFS}) {
         fake.error = error;
-        EXPECT_EQ(Send(*opened), SendResult::NoRoom) << error;
+        EXPECT_EQ(Send(*opened), SendResult::BufferFull) << error;
     }
     for (const int error : {WSAECONNRESET, WSAEHOSTUNREACH, WSAENETUNREACH}) {
         fake.error = error;
@@ -311,12 +311,12 @@ TEST_F(SocketCalls, WaitingForRoomEndsAfter100MillisecondsAndFailsWhenEndedOrOnE
     const UdpSocketRef opened = Open();
     for (const DWORD result : {WAIT_OBJECT_0 + 1, DWORD{WAIT_TIMEOUT}}) {
         fake.waitResult = result;
-        EXPECT_TRUE(WaitForRoom(*opened)) << result;
+        EXPECT_TRUE(WaitForSendBuffer(*opened)) << result;
         EXPECT_EQ(DrainCalls(), Calls{"wait 100"});
     }
     for (const DWORD result : {DWORD{WAIT_OBJECT_0}, DWORD{WAIT_FAILED}}) {
         fake.waitResult = result;
-        EXPECT_FALSE(WaitForRoom(*opened)) << result;
+        EXPECT_FALSE(WaitForSendBuffer(*opened)) << result;
     }
 }
 

@@ -86,7 +86,7 @@ class Batches : public ::testing::Test {
 // ---- Receiving
 
 struct CountingBatch : ReceiveBatch {
-    std::span<uint8_t> Room() override {
+    std::span<uint8_t> FreeSpace() override {
         return arrivals < most ? std::span<uint8_t>(buffer) : std::span<uint8_t>();
     }
     void AddArrival(size_t, const Ipv4Endpoint&) override { ++arrivals; }
@@ -157,9 +157,9 @@ class TrapBatches : public Batches {
   protected:
     // Adds a datagram as the receive loop does.
     void Add(size_t count, uint8_t fill, const Ipv4Endpoint& sender = kSender) {
-        const std::span<uint8_t> room = batch_->Room();
-        ASSERT_GE(room.size(), TrapBatch::kMaxDatagramSize);
-        std::fill_n(room.begin(), count, fill);
+        const std::span<uint8_t> space = batch_->FreeSpace();
+        ASSERT_GE(space.size(), TrapBatch::kMaxDatagramSize);
+        std::fill_n(space.begin(), count, fill);
         batch_->AddArrival(count, sender);
     }
 
@@ -184,19 +184,19 @@ TEST_F(TrapBatches, StoreEachDatagramWithItsSenderAndTime) {
 
 TEST_F(TrapBatches, AreFullAt256Datagrams) {
     for (int count = 0; count < 256; ++count) {
-        EXPECT_FALSE(batch_->Room().empty()) << count;
+        EXPECT_FALSE(batch_->FreeSpace().empty()) << count;
         Add(0, 0);
     }
-    EXPECT_TRUE(batch_->Room().empty());
+    EXPECT_TRUE(batch_->FreeSpace().empty());
     batch_->Process();
-    EXPECT_FALSE(batch_->Room().empty());
+    EXPECT_FALSE(batch_->FreeSpace().empty());
 }
 
 TEST_F(TrapBatches, AreFullWhenTheLargestDatagramNoLongerFits) {
     for (int round = 0; round < 2; ++round) {
         Add(TrapBatch::kMaxDatagramSize, 1);
         Add(1, 2);
-        EXPECT_TRUE(batch_->Room().empty());
+        EXPECT_TRUE(batch_->FreeSpace().empty());
         EXPECT_EQ(batch_->arrivals().size(), 2U);
         EXPECT_EQ(batch_->arrivals()[0].octets[TrapBatch::kMaxDatagramSize - 1], 1) << "not overwritten";
         batch_->Process();
@@ -343,8 +343,8 @@ TEST_F(Processing, AFailureLineFollowsTheLineOfItsTrap) {
 
 TEST_F(Processing, EverythingIsWrittenBeforeASendWaits) {
     ReplaceForwarding(true, L"10.0.0.7", 9162);
-    Fake.sendResults = {SendResult::Sent, SendResult::Failed, SendResult::NoRoom, SendResult::NoRoom,
-                        SendResult::NoRoom};
+    Fake.sendResults = {SendResult::Sent, SendResult::Failed, SendResult::BufferFull, SendResult::BufferFull,
+                        SendResult::BufferFull};
     size_t waits = 0;
     Fake.onWaitForRoom = [&] {
         ++waits;
@@ -363,7 +363,7 @@ TEST_F(Processing, SettingsChangedWhileASendWaitsApplyToTheNextTrap) {
     for (const bool enabled : {true, false}) {
         ReplaceForwarding(true, L"10.0.0.7", 9162);
         Fake.attempts.clear();
-        Fake.sendResults = {SendResult::NoRoom};
+        Fake.sendResults = {SendResult::BufferFull};
         Fake.onWaitForRoom = [enabled] {
             ReplaceForwarding(enabled, L"10.0.0.8", 162);
             return true;
@@ -378,16 +378,17 @@ TEST_F(Processing, SettingsChangedWhileASendWaitsApplyToTheNextTrap) {
 
 TEST_F(Processing, ASendThatFailsAfterWaitingIsOneFailure) {
     ReplaceForwarding(true, L"10.0.0.7", 9162);
-    Fake.sendResults = {SendResult::NoRoom, SendResult::Failed};
+    Fake.sendResults = {SendResult::BufferFull, SendResult::Failed};
     Fake.onWaitForRoom = [] { return true; };
     Process(Numbered(2));
     EXPECT_EQ(LogLines(), (Lines{kReceived, kFailed, kReceived}));
 }
 
-// The stop begins while the second trap waits; later waits for room end at once.
+// The stop begins while the second trap waits; later waits for the send buffer end at once.
 TEST_F(Processing, AfterAStopEachTrapWithoutRoomIsLoggedAsFailed) {
     ReplaceForwarding(true, L"10.0.0.7", 9162);
-    Fake.sendResults = {SendResult::Failed, SendResult::NoRoom, SendResult::NoRoom, SendResult::NoRoom};
+    Fake.sendResults = {SendResult::Failed, SendResult::BufferFull, SendResult::BufferFull,
+                        SendResult::BufferFull};
     Fake.onWaitForRoom = [] {
         ServerState.running = false;
         return false;

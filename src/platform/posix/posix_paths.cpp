@@ -7,7 +7,7 @@ namespace {
 
 constexpr size_t kLongestSequence = 4;
 
-// Writes the code point, which `out` must have room for, and returns the position after it.
+// Writes the code point, which `out` must have space for, and returns the position after it.
 char* WriteUtf8(char* out, uint32_t codePoint) {
     const auto trailing = [&](unsigned shift) {
         *out++ = static_cast<char>(0x80U | ((codePoint >> shift) & 0x3FU));

@@ -114,10 +114,10 @@ SendResult TrySendDatagram(UdpSocket& socket, const Ipv4Endpoint& target, const 
     if (sent >= 0) {
         return SendResult::Sent;
     }
-    return errno == EAGAIN ? SendResult::NoRoom : SendResult::Failed;
+    return errno == EAGAIN ? SendResult::BufferFull : SendResult::Failed;
 }
 
-bool WaitForRoom(UdpSocket& socket) {
+bool WaitForSendBuffer(UdpSocket& socket) {
     return WaitForReady(socket, POLLOUT) == Wake::Ready;
 }
 

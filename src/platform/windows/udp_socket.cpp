@@ -37,8 +37,8 @@ struct UdpSocket {
     SystemLock lock;      // guards `handle` while one call uses it
     ScopedSocket handle;  // reset by CloseUdpSocket
 
-    // The system sets it at first, when a datagram is queued, and when there is room again after a send
-    // failed for lack of room. Auto-reset.
+    // The system sets it at first, when a datagram is queued, and when the send buffer has space again after
+    // a send failed because it was full. Auto-reset.
     const ScopedHandle readyEvent{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
     // Set by EndWaiting and CloseUdpSocket, never reset.
     const ScopedHandle endEvent{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
@@ -176,10 +176,10 @@ SendResult TrySendDatagram(UdpSocket& socket, const Ipv4Endpoint& target, const 
         return SendResult::Sent;
     }
     const int error = WSAGetLastError();
-    return error == WSAEWOULDBLOCK || error == WSAENOBUFS ? SendResult::NoRoom : SendResult::Failed;
+    return error == WSAEWOULDBLOCK || error == WSAENOBUFS ? SendResult::BufferFull : SendResult::Failed;
 }
 
-bool WaitForRoom(UdpSocket& socket) {
+bool WaitForSendBuffer(UdpSocket& socket) {
     // The system sets the event after a send failed with WSAEWOULDBLOCK, but not after WSAENOBUFS.
     constexpr DWORD kRetryInterval = 100;  // milliseconds
     return WaitForReady(socket, kRetryInterval) == Wake::Ready;
