@@ -62,6 +62,9 @@ ReceiveResult TryReceiveDatagram(UdpSocket& socket, uint8_t* buffer, size_t capa
 // wait.
 bool WaitForDatagram(UdpSocket& socket);
 
+// Waits until the socket is closed; returns at once if the system refuses to wait.
+void WaitForClose(UdpSocket& socket);
+
 // Makes one attempt to send and never waits.
 SendResult TrySendDatagram(UdpSocket& socket, const Ipv4Endpoint& target, const uint8_t* octets, size_t size);
 

@@ -37,7 +37,7 @@ void ReceiveWhileRunning(UdpSocket& socket, ReceiveBatch& batch) {
         ReceiveResult result = FillBatch(socket, batch, socketWasEmpty);
         batch.Process();
         if (result == ReceiveResult::Closed || !ServerState.running) {
-            return;
+            break;
         }
         socketWasEmpty = result == ReceiveResult::NothingQueued;
         if (socketWasEmpty && !WaitForDatagram(socket)) {
@@ -47,4 +47,7 @@ void ReceiveWhileRunning(UdpSocket& socket, ReceiveBatch& batch) {
             SleepMilliseconds(kRetryDelay);
         }
     }
+    // A stop clears the flag, logs "Stopping server..." and closes the socket. What the worker logs next must
+    // follow that line.
+    WaitForClose(socket);
 }

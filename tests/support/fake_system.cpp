@@ -62,6 +62,10 @@ bool WaitForDatagram(UdpSocket&) {
     return Fake.waitsRefused-- <= 0;
 }
 
+void WaitForClose(UdpSocket&) {
+    Fake.waitedForClose = true;
+}
+
 SendResult TrySendDatagram(UdpSocket&, const Ipv4Endpoint& target, const uint8_t* octets, size_t size) {
     Fake.attempts.push_back({Octets(octets, octets + size), target});
     Note("send");

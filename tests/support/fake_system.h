@@ -32,6 +32,7 @@ struct FakeSystem {
     std::deque<Reception> receptions;  // Closed when there are none left
     std::function<void()> onReceive;   // after each datagram
     int waitsRefused = 0;              // this many waits for a datagram fail
+    bool waitedForClose = false;
 
     struct Sending {
         Octets octets;

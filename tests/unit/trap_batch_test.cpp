@@ -132,6 +132,7 @@ TEST_F(Receiving, NothingIsReceivedAfterAStop) {
     StopAfter(3);
     EXPECT_EQ(ReceiveAll(), Sizes{3});
     EXPECT_EQ(Fake.receptions.size(), 17U);
+    EXPECT_TRUE(Fake.waitedForClose) << "the worker would log its end before the stop logs its beginning";
 }
 
 TEST_F(Receiving, AReceiveErrorIsRetriedAfterTenMillisecondsWithoutLimitOrLogLine) {

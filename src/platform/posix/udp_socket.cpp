@@ -102,6 +102,12 @@ bool WaitForDatagram(UdpSocket& socket) {
     return WaitForReady(socket, POLLIN) != Wake::Refused;
 }
 
+void WaitForClose(UdpSocket& socket) {
+    pollfd end{socket.endEvent.get(), POLLIN, 0};
+    while (poll(&end, 1, -1) < 0 && errno == EINTR) {
+    }
+}
+
 SendResult TrySendDatagram(UdpSocket& socket, const Ipv4Endpoint& target, const uint8_t* octets,
                            size_t size) {
     const sockaddr_in address = MakeSystemAddress(target);

@@ -162,6 +162,10 @@ bool WaitForDatagram(UdpSocket& socket) {
     return WaitForReady(socket, INFINITE) != Wake::Refused;
 }
 
+void WaitForClose(UdpSocket& socket) {
+    WaitForSingleObject(socket.endEvent.get(), INFINITE);
+}
+
 SendResult TrySendDatagram(UdpSocket& socket, const Ipv4Endpoint& target, const uint8_t* octets,
                            size_t size) {
     const sockaddr_in address = MakeSystemAddress(target);
