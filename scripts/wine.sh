@@ -20,6 +20,17 @@ export WINEDEBUG="${WINEDEBUG:--all}"
 # sometimes ends a crashed program with exit code 0, so a crashed test program would pass.
 export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe,winedbg.exe=d"
 
+# RemoveServerFolder PREFIX: without /run/user, Debian's Wine 8 makes a folder for the server of each prefix, notes its
+# name in the prefix and never deletes it.
+RemoveServerFolder() {
+    local server_folder
+    server_folder="$(cat "$1/wineserver" 2>/dev/null || true)"
+    if [[ "$server_folder" == wine-?????? ]]; then
+        rm -rf "${TMPDIR:-/tmp}/$server_folder"
+    fi
+    rm -f "$1/wineserver"
+}
+
 # Makes the prefix that all others are copied from, unless it exists. Needs about ten seconds.
 MakeTemplatePrefix() {
     mkdir -p "$wine_folder"
@@ -39,6 +50,7 @@ MakeTemplatePrefix() {
         # The symbols of the caption buttons. Debian's Wine does not search the folder of Debian's fonts-wine.
         mkdir -p "$WINEPREFIX/drive_c/windows/Fonts"
         cp /usr/share/wine/fonts/marlett.ttf "$WINEPREFIX/drive_c/windows/Fonts"
+        RemoveServerFolder "$WINEPREFIX"
         mv "$WINEPREFIX" "$wine_folder/template"
     ) 9>"$wine_folder/lock"
 }
@@ -81,13 +93,7 @@ REGISTRY
 
 RemoveTemporaryPrefix() {
     if [[ -n "${temporary_prefix:-}" ]]; then
-        # Without /run/user Debian's Wine 8 makes a folder for the server of each prefix, notes its name in the prefix
-        # and never deletes it.
-        local server_folder
-        server_folder="$(cat "$temporary_prefix/prefix/wineserver" 2>/dev/null || true)"
-        if [[ "$server_folder" == wine-?????? ]]; then
-            rm -rf "${TMPDIR:-/tmp}/$server_folder"
-        fi
+        RemoveServerFolder "$temporary_prefix/prefix"
         rm -rf "$temporary_prefix"
     fi
 }
