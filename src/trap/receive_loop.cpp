@@ -36,7 +36,10 @@ void ReceiveWhileRunning(UdpSocket& socket, ReceiveBatch& batch) {
     while (ServerState.running) {
         ReceiveResult result = FillBatch(socket, batch, socketWasEmpty);
         batch.Process();
-        if (result == ReceiveResult::Closed || !ServerState.running) {
+        if (result == ReceiveResult::Closed) {
+            return;
+        }
+        if (!ServerState.running) {
             break;
         }
         socketWasEmpty = result == ReceiveResult::NothingQueued;

@@ -1,4 +1,5 @@
-// The state of the receiver. trap/server_control.h changes it.
+// The state of the receiver. StartServer and StopServer change it, except the last trap, which the trap
+// thread sets.
 #pragma once
 
 #include <atomic>
@@ -21,7 +22,7 @@ struct ServerStateFields {
     WorkerThreadHandle listenerThreadHandle;
 
     // The last datagram on UDP 162. The trap thread writes both; a stop or start does not reset them.
-    std::atomic<uint64_t> lastTrapTick{0};  // ReadTickCount() at its arrival; 0: none yet
+    std::atomic<uint64_t> lastTrapTick{0};  // ReadTickCount() when it was processed; 0: none yet
     std::wstring lastTrapSender;            // "10.1.2.3:49152"; guarded by LastTrapSenderLock
 };
 extern ServerStateFields ServerState;

@@ -1,7 +1,5 @@
 #include "trap/trap_batch.h"
 
-#include "trap/server_state.h"
-
 std::span<uint8_t> TrapBatch::FreeSpace() {
     const std::span<uint8_t> left = std::span(octets_).subspan(octetCount_);
     return arrivalCount_ < kMaxArrivals && left.size() >= kMaxDatagramSize ? left : std::span<uint8_t>();
@@ -10,7 +8,6 @@ std::span<uint8_t> TrapBatch::FreeSpace() {
 void TrapBatch::AddArrival(size_t count, const Ipv4Endpoint& sender) {
     arrivals_[arrivalCount_++] = {octets_.data() + octetCount_, count, sender, ReadLocalTime()};
     octetCount_ += count;
-    SetLastTrap(sender);
 }
 
 void TrapBatch::Process() {

@@ -22,7 +22,7 @@ class TrapBatch : public ReceiveBatch {
     // datagrams.
     std::span<uint8_t> FreeSpace() override;
 
-    // Also stores the time of arrival and sets ServerState.lastTrapTick and lastTrapSender.
+    // Also stores the time of arrival.
     void AddArrival(size_t count, const Ipv4Endpoint& sender) override;
 
     void Process() override;
@@ -37,6 +37,6 @@ class TrapBatch : public ReceiveBatch {
     UdpSocket* forwardSocket_;
 };
 
-// The batch is on the trap thread's stack, of which this much is committed from the start, so using it cannot
-// fail (see src/CMakeLists.txt).
+// The batch is on the trap thread's stack. QUILLMONT_COMMITTED_STACK octets of that stack are committed from
+// the start (see src/CMakeLists.txt), so using the batch cannot fail; a quarter is left for the calls.
 static_assert(sizeof(TrapBatch) <= QUILLMONT_COMMITTED_STACK * 3 / 4);

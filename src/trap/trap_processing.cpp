@@ -7,12 +7,14 @@
 #include "trap/forwarding.h"
 #include "trap/ipv4_text.h"
 #include "trap/pending_output.h"
+#include "trap/server_state.h"
 #include "trap/snmp_message.h"
 #include "trap/trap_record.h"
 
 namespace {
 
 void ProcessTrap(const TrapArrival& trap, bool isAlone, UdpSocket* forwardSocket, PendingOutput& output) {
+    SetLastTrap(trap.sender);
     const std::wstring sender = FormatIpv4Address(trap.sender.address);
     std::vector<VarbindRecord> bindings;
     DecodeSnmpMessage(trap.octets, trap.count, bindings);

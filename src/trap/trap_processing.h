@@ -1,4 +1,4 @@
-// Processes received traps: decodes, records, logs and forwards each.
+// Processes received traps: shows each as the last one, decodes, records, logs and forwards it.
 #pragma once
 
 #include <cstddef>

@@ -79,7 +79,7 @@ SendResult TrySendDatagram(UdpSocket&, const Ipv4Endpoint& target, const uint8_t
 
 bool WaitForSendBuffer(UdpSocket&) {
     Note("wait for buffer");
-    return Fake.onWaitForRoom && Fake.onWaitForRoom();
+    return Fake.onWaitForSendBuffer && Fake.onWaitForSendBuffer();
 }
 
 void EndWaiting(UdpSocket& socket) {

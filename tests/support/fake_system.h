@@ -40,7 +40,7 @@ struct FakeSystem {
     };
     std::vector<Sending> attempts;       // every attempt to send
     std::deque<SendResult> sendResults;  // Sent when there are none left
-    std::function<bool()> onWaitForRoom;
+    std::function<bool()> onWaitForSendBuffer;
 
     int sockets = 0;
     int threads = 0;

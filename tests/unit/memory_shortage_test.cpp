@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <map>
-#include <memory>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -25,8 +24,7 @@
 #include "tests/support/scarce_memory.h"
 #include "tests/support/scratch_folder.h"
 #include "tests/support/stamps.h"
-#include "trap/server_state.h"
-#include "trap/trap_batch.h"
+#include "trap/trap_processing.h"
 
 namespace {
 
@@ -391,21 +389,6 @@ TEST_P(FilesInAShortage, EachTrapOfABatchIsRecordedCompletelyOrNotAtAll) {
     ReplaceForwarding(false, L"127.0.0.1", 162);
     CloseUdpSocket(*forwarder);
     StopSocketLibrary();
-}
-
-TEST_P(FilesInAShortage, AnArrivalIsStoredEvenWithoutMemoryForItsSender) {
-    std::unique_ptr<TrapBatch> batch;
-    const auto reset = [&] {
-        batch = std::make_unique<TrapBatch>(nullptr);
-        ServerState.lastTrapSender = std::wstring();
-    };
-    const auto add = [&] { batch->AddArrival(3, kSender); };
-    const size_t refused = RefuseEachRequest(GetParam(), reset, add, [&](const Attempt& attempt, size_t) {
-        EXPECT_EQ(attempt.outcome, Outcome::Returned);
-        ASSERT_EQ(batch->arrivals().size(), 1U);
-        EXPECT_EQ(batch->arrivals()[0].count, 3U);
-    });
-    EXPECT_GT(refused, 0U);
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, FilesInAShortage,

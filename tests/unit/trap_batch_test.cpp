@@ -347,7 +347,7 @@ TEST_F(Processing, EverythingIsWrittenBeforeASendWaits) {
     Fake.sendResults = {SendResult::Sent, SendResult::Failed, SendResult::BufferFull, SendResult::BufferFull,
                         SendResult::BufferFull};
     size_t waits = 0;
-    Fake.onWaitForRoom = [&] {
+    Fake.onWaitForSendBuffer = [&] {
         ++waits;
         EXPECT_EQ(TrapFile(), Records(3)) << "the third trap waits";
         EXPECT_EQ(LogLines(), (Lines{kReceived, kReceived, kFailed, kReceived}));
@@ -360,12 +360,26 @@ TEST_F(Processing, EverythingIsWrittenBeforeASendWaits) {
     EXPECT_EQ(LogLines(), (Lines{kReceived, kReceived, kFailed, kReceived, kReceived, kReceived, kReceived}));
 }
 
+TEST_F(Processing, TheLastTrapIsTheOneBeingProcessed) {
+    ReplaceForwarding(true, L"10.0.0.7", 9162);
+    Fake.receptions = {{.sender = {0x0A010203, 1}}, {.sender = {0x0A010203, 2}}, {.sender = {0x0A010203, 3}}};
+    Fake.sendResults = {SendResult::Sent, SendResult::BufferFull};
+    std::wstring whileWaiting;
+    Fake.onWaitForSendBuffer = [&] {
+        whileWaiting = CopyLastTrapSender();
+        return true;
+    };
+    Process({});
+    EXPECT_EQ(whileWaiting, L"10.1.2.3:2");
+    EXPECT_EQ(CopyLastTrapSender(), L"10.1.2.3:3");
+}
+
 TEST_F(Processing, SettingsChangedWhileASendWaitsApplyToTheNextTrap) {
     for (const bool enabled : {true, false}) {
         ReplaceForwarding(true, L"10.0.0.7", 9162);
         Fake.attempts.clear();
         Fake.sendResults = {SendResult::BufferFull};
-        Fake.onWaitForRoom = [enabled] {
+        Fake.onWaitForSendBuffer = [enabled] {
             ReplaceForwarding(enabled, L"10.0.0.8", 162);
             return true;
         };
@@ -380,17 +394,17 @@ TEST_F(Processing, SettingsChangedWhileASendWaitsApplyToTheNextTrap) {
 TEST_F(Processing, ASendThatFailsAfterWaitingIsOneFailure) {
     ReplaceForwarding(true, L"10.0.0.7", 9162);
     Fake.sendResults = {SendResult::BufferFull, SendResult::Failed};
-    Fake.onWaitForRoom = [] { return true; };
+    Fake.onWaitForSendBuffer = [] { return true; };
     Process(Numbered(2));
     EXPECT_EQ(LogLines(), (Lines{kReceived, kFailed, kReceived}));
 }
 
 // The stop begins while the second trap waits; later waits for the send buffer end at once.
-TEST_F(Processing, AfterAStopEachTrapWithoutRoomIsLoggedAsFailed) {
+TEST_F(Processing, AfterAStopEachTrapThatCannotBeSentIsLoggedAsFailed) {
     ReplaceForwarding(true, L"10.0.0.7", 9162);
     Fake.sendResults = {SendResult::Failed, SendResult::BufferFull, SendResult::BufferFull,
                         SendResult::BufferFull};
-    Fake.onWaitForRoom = [] {
+    Fake.onWaitForSendBuffer = [] {
         ServerState.running = false;
         return false;
     };
