@@ -40,7 +40,7 @@ struct ForwardingValues {
 // Locks ForwardingLock. May throw std::bad_alloc.
 ForwardingValues CopyForwarding();
 
-// Replaces the three settings together, from the next datagram on. No datagram is sent to a target for which
-// forwarding was never on, such as the default, which is this program's own port. Locks ForwardingLock. May
-// throw std::bad_alloc; nothing has changed then.
+// Replaces the three settings together; they apply from the next datagram on. Replacing them one by one could
+// send a datagram to a target for which forwarding was never on, such as the default, which is this program's
+// own port. Locks ForwardingLock. May throw std::bad_alloc; nothing has changed then.
 void ReplaceForwarding(bool enabled, const std::wstring& ip, ForwardingPort port);

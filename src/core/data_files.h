@@ -1,6 +1,6 @@
-// Access to the data files, which all threads share. Each operation opens, uses and closes its file under
-// FileLock, so a viewer never sees half a record, and the operator can copy, clear or delete the files at any
-// time. Failures are not logged, because the log is one of these files.
+// Access to the data files, which all threads share. A file is open only while FileLock is locked, so a
+// viewer never sees half a record, and the operator can copy, clear or delete the files at any time. Failures
+// are not logged, because the log is one of these files.
 #pragma once
 
 #include <cstdint>

@@ -51,7 +51,7 @@ int32_t ParseDecimalInt(std::wstring_view text) {
         if (digit < 0) {
             break;
         }
-        // Limited to one above the range, so that it cannot overflow and is still clamped below.
+        // Limited to one above the range, so that it cannot overflow and is still clamped after the loop.
         value = std::min(value * 10 + digit, kMax + 1);
     }
     return static_cast<int32_t>(std::clamp(negative ? -value : value, kMin, kMax));

@@ -4,7 +4,8 @@
 
 #include <cstdint>
 
-// True for the six ASCII white-space characters, U+0085, U+00A0 and the Unicode space separators.
+// True for the six ASCII white-space characters, U+0085, and the Unicode space, line and paragraph
+// separators.
 inline bool IsWideSpace(wchar_t character) {
     const auto code = static_cast<uint32_t>(character);
     if (code < 0x80) {

@@ -11,8 +11,8 @@
 bool IsMibFile(std::wstring_view path);
 
 // Rebuilds the name store from all MIB files in AppPaths.mibsDir, without its subfolders, and logs how many
-// identifiers have a name. MibStoreLock is locked for the whole load including the log line, so nobody sees
-// half a load.
+// identifiers have a name. MibStoreLock is locked for the whole load including the log line, so no other
+// thread sees half a load.
 //
 // Files that cannot be read are skipped. If listing the folder fails or memory runs out, the load ends there,
 // names stored so far remain, and the count is logged as usual. Throws only if MibStoreLock cannot be locked;

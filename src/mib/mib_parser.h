@@ -24,6 +24,6 @@ void ParseMibFile(const std::wstring& path);
 //   number, otherwise as an identifier if it can be read in full.
 //
 // Intentional: the current name does not change until the next keyword line, so a later value replaces its
-// value, whatever construct it belongs to (the one of "FooEntry ::= SEQUENCE {" replaces the one of
-// fooEntry). Keywords also count in import lists, in descriptions and in "SYNTAX OBJECT IDENTIFIER".
+// value, whatever construct the later one belongs to. For example, "FooEntry ::= SEQUENCE {" replaces the
+// value of fooEntry. Keywords also count in import lists, in descriptions and in "SYNTAX OBJECT IDENTIFIER".
 void ParseMibText(std::wstring_view text);

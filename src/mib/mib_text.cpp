@@ -45,8 +45,8 @@ std::vector<std::wstring_view> SplitBracedWords(std::wstring_view statement) {
 
 std::wstring ReadMibText(const std::wstring& path) {
     std::string octets;
-    // The size is checked first: a trap file imported by mistake can be larger than the memory. Then the open
-    // file's own: a folder lists 0 for a symbolic link.
+    // The size is checked before the read, because a trap file imported by mistake can be larger than the
+    // memory, and again on the open file, because a folder lists a symbolic link with size 0.
     if (QueryFileSize(path).value_or(0) <= kMaxOctets &&
         ReadOctetsFrom(path, 0, octets, kMaxOctets).value_or(0) > kMaxOctets) {
         octets.clear();

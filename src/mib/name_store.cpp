@@ -23,8 +23,8 @@ struct BuiltinName {
     std::wstring_view oid;
 };
 
-// The roots that MIB files refer to without defining them. They only resolve parents: even one of these
-// identifiers is shown with a name only if a file defines it.
+// The roots that MIB files refer to without defining them. They only resolve parents: in
+// records, these identifiers have no name unless a file defines one.
 constexpr BuiltinName BuiltinNames[] = {
     {L"iso", L"1"},
     {L"org", L"1.3"},
@@ -96,8 +96,9 @@ const Oid* FindOid(std::wstring_view text) {
 }  // namespace
 
 size_t OidHash::operator()(const Oid& oid) const {
-    // Windows loads the program at a random address. The parent's own address is only added: identifiers that
-    // are stored one after the other then have neighbouring buckets, which saves cache misses.
+    // Windows loads the program at a random address, so files cannot know the address of MibStoreLock. The
+    // parent's address is added after hashing: equal arcs below parents that were stored one after the other
+    // then have neighbouring buckets, which saves cache misses.
     const uintptr_t words[] = {reinterpret_cast<uintptr_t>(&MibStoreLock), static_cast<uint32_t>(oid.arc)};
     return std::hash<std::string_view>{}({reinterpret_cast<const char*>(words), sizeof(words)}) +
            reinterpret_cast<uintptr_t>(oid.parent) / sizeof(Oid);

@@ -27,8 +27,8 @@ struct Oid {
     bool operator==(const Oid&) const = default;
 };
 
-// Hashes parent and arc together with an address that no file can know, so that no file can choose arcs that
-// share a bucket.
+// Hashes the arc together with an address that no file can know, so that no file can choose arcs that share a
+// bucket, and adds the parent's address.
 struct OidHash {
     size_t operator()(const Oid& oid) const;
 };
@@ -45,7 +45,7 @@ struct PendingDefinition {
 // Everything known about a name.
 struct MibName {
     std::wstring_view text;    // the name itself, a view of its key in NameOidMap
-    const Oid* oid = nullptr;  // its identifier, if built in or read in full; otherwise null
+    const Oid* oid = nullptr;  // its identifier, if built in, read in full or resolved
     bool isBuiltin = false;    // true: MIB files do not change `oid`
     PendingDefinition definition;
 };
@@ -91,12 +91,13 @@ const Oid* StoreOid(const Oid* parent, int32_t arc);
 // Defines `name` as the arc `subId` below `parent`. Replaces an earlier definition.
 void StoreDefinition(MibName& name, MibName& parent, int32_t subId);
 
-// Sets the identifier of `name`, unless it is built in, and the name of `oid`, unless it has one.
+// Makes `oid` the identifier of `name`, except for a built-in name, and makes `name` the name of `oid`,
+// except if `oid` already has one.
 void StoreNamedOid(MibName& name, const Oid* oid);
 
-// Resolves all pending definitions in their order, stores the identifiers with their names, so that later
-// definitions can build on them, and names them. Definitions that do not resolve are ignored. If two names
-// resolve to the same identifier, the one defined first is used.
+// Resolves the pending definitions in order and stores each result with StoreNamedOid, so that later
+// definitions can build on it. Definitions that do not resolve are ignored. If two names resolve to the same
+// identifier, the one defined first is used.
 void StoreResolvedDefinitions();
 
 // Empties the tables and frees their memory.

@@ -6,7 +6,7 @@
 #include <string_view>
 
 // Replaces `text` with the decoded octets. Never fails: an octet without a character becomes a substitute.
-// Gives empty text for 2 GiB and more, because the system counts in 32 bits. May throw std::bad_alloc.
+// Windows: 2 GiB and more become empty text, because the system's count is signed. May throw std::bad_alloc.
 //
 // POSIX: decodes as Windows-1252, with its five unassigned octets as U+0081, U+008D, U+008F, U+0090 and
 // U+009D.

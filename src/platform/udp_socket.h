@@ -42,8 +42,8 @@ bool StartSocketLibrary();
 // Stops it. No socket may be used afterwards.
 void StopSocketLibrary();
 
-// Returns a new, unbound socket; null if the system refuses one or memory runs out. On Windows, ICMP errors
-// caused by earlier sends, or forged, do not make later calls fail.
+// Returns a new, unbound socket; null if the system refuses one or memory runs out. On Windows, ICMP errors,
+// genuine or forged, do not make later calls fail.
 UdpSocketRef OpenUdpSocket();
 
 // Binds to `port` on all addresses, with address reuse on so that a port just closed can be bound again at

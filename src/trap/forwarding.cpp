@@ -21,7 +21,7 @@ void ForwardDatagram(const uint8_t* octets, size_t count, UdpSocket* socket, Pen
     endpoint.port = static_cast<uint16_t>(target.port);
     SendResult result = TrySendDatagram(*socket, endpoint, octets, count);
     if (result == SendResult::BufferFull && ServerState.running) {
-        output.Write();  // records and log lines must not wait for the network; during a stop nothing waits
+        output.Write();  // records and log lines must not wait for the network
     }
     while (result == SendResult::BufferFull && WaitForSendBuffer(*socket)) {
         result = TrySendDatagram(*socket, endpoint, octets, count);

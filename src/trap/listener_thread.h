@@ -3,6 +3,5 @@
 
 #include "platform/udp_socket.h"
 
-// Logs datagrams until `listenerSocket` is closed or the receiver stops. The socket must outlive the call.
-// Throws nothing.
+// Logs datagrams until `listenerSocket` is closed. The socket must outlive the call.
 void ListenerThread(UdpSocket& listenerSocket) noexcept;

@@ -24,9 +24,9 @@ class ReceiveBatch {
     virtual void Process() = 0;
 };
 
-// Receives and processes datagrams until `socket` is closed. Once ServerState.running is clear, nothing more
-// is received except by a call that has just begun; everything received before is still processed, and then
-// this waits for the socket to be closed.
+// Receives and processes datagrams until `socket` is closed. A stop first clears ServerState.running: a call
+// that is receiving at that moment may still return a datagram, and no other call is made. All received
+// datagrams are processed; then this waits for the socket to be closed.
 //
 // If the socket was empty, the next datagram is processed alone; otherwise all queued datagrams form a batch,
 // up to its maximum size. After a receive error the loop waits 10 ms and tries again, without limit and

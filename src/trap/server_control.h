@@ -19,6 +19,6 @@ bool StartServer();
 // network cannot delay the stop. A trap that cannot be sent gets its failure line.
 //
 // A worker that takes longer is abandoned: it finishes its batch without logging further forwarding failures,
-// finds its sockets closed, and ends. The stop itself takes longer than these waits only if a file operation
-// of another thread hangs under FileLock, because it writes to log.txt.
+// finds its sockets closed, and ends. The stop writes to log.txt under FileLock, so it takes longer than
+// these waits only if a file operation hangs, its own or another thread's.
 void StopServer();

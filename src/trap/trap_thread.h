@@ -3,7 +3,7 @@
 
 #include "platform/udp_socket.h"
 
-// Receives and processes traps until `trapSocket` is closed or the receiver stops. Uses no other sockets, so
-// a late thread cannot interfere with the next run. Both sockets must outlive the call; `forwardSocket` may
-// be null. Throws nothing.
+// Receives and processes traps until `trapSocket` is closed. Uses only these two sockets, so a thread that
+// outlives its stop cannot interfere with the next run. Both must outlive the call; `forwardSocket` may be
+// null.
 void TrapThread(UdpSocket& trapSocket, UdpSocket* forwardSocket) noexcept;

@@ -1,6 +1,6 @@
 // The outermost frame of every window procedure. A C++ exception must not cross the system's frames above it:
-// that would end the process, and with it the receiver. The exceptions that occur are memory shortages, and
-// the operator's next click may succeed.
+// that would end the process, and with it the receiver. The exceptions that occur are memory shortages and
+// locks that the system refuses, and the operator's next click may succeed.
 #pragma once
 
 #include "platform/windows/windows_headers.h"

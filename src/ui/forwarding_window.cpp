@@ -57,7 +57,8 @@ void FillForwardingControls() {
     SetWindowTextW(ForwardPortEdit, port.c_str());
 }
 
-// As typed, neither trimmed nor checked. The count includes the terminator: at most 254 characters are read.
+// Returns the text as typed, neither trimmed nor checked, or 127.0.0.1 for an empty field. The count includes
+// the terminator: at most 254 characters are read.
 std::wstring ReadIpField() {
     wchar_t text[256] = {};
     GetWindowTextW(ForwardIpEdit, text, 255);

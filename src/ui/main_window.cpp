@@ -66,8 +66,7 @@ void PaintIndicator(HWND window) {
     EndPaint(window, &paint);
 }
 
-// Decides by the flag instead of the button's text, so that a click that is already queued cannot start
-// twice.
+// Decides by the flag, which is the state itself; the button's text only shows it.
 void ToggleServer() {
     if (ServerState.running.load()) {
         StopServer();

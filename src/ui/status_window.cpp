@@ -50,7 +50,7 @@ constexpr ControlRow kStatusControls[] = {
 // Intentional: the list is refilled each time, so that it always shows the folder's content. It loses its
 // selection and scroll position.
 void RefillMibList(const std::vector<std::wstring>& names) {
-    // Unchanged names can be drawn over themselves. Erasing the background each time would flicker.
+    // With as many names as before, each new row covers an old one. Erasing the background would flicker.
     const bool erase = SendMessageW(MibListBox, LB_GETCOUNT, 0, 0) != static_cast<LRESULT>(names.size());
     SendMessageW(MibListBox, WM_SETREDRAW, FALSE, 0);
     SendMessageW(MibListBox, LB_RESETCONTENT, 0, 0);
@@ -74,7 +74,7 @@ void ShowForwarding() {
                    BuildForwardText(forwarding.enabled, forwarding.ip, forwarding.port).c_str());
 }
 
-// Lists the folder without MibStoreLock, so that a trap's lookup never waits for a slow disk.
+// Lists the folder without MibStoreLock, so that no trap's lookup waits for this.
 void ShowMibs() {
     const std::vector<std::wstring> names = ListMibFiles();
     const auto fileCount = static_cast<int32_t>(names.size());

@@ -1,5 +1,5 @@
-// The text that a viewer shows, as pure functions. The view differs from the file only in two points, both
-// because of the limits of the edit control.
+// The text that a viewer shows, as pure functions. It differs from the text read from the file in only two
+// points, both because of the limits of the edit control.
 #pragma once
 
 #include <cstdint>

@@ -203,7 +203,7 @@ class FullDisk : public PosixFaults {
 };
 
 // The trap thread waits for MibStoreLock, so that most traps form one batch.
-TEST_F(FullDisk, TruncatesTheFirstRecordOfABatchThatDoesNotFitAndForwardsAll) {
+TEST_F(FullDisk, TheFirstRecordThatDoesNotFitIsTruncatedAndAllTrapsAreForwarded) {
     constexpr size_t kTraps = 100;
     const Octets& trap = Sample("v2_link_down");
     const std::string record = std::string(kStampLength, '#') + "       FROM: 127.0.0.1\r\r\n" +
@@ -285,7 +285,7 @@ class Killed : public EngineTest {
     }
 };
 
-TEST_F(Killed, InAFloodItTruncatesAtMostTheLastRecordAndTheNextStartAppends) {
+TEST_F(Killed, AKillInAFloodTruncatesAtMostTheLastRecordAndTheNextStartAppends) {
     constexpr int kKills = 50;
     // Records of several pages, so that a kill may interrupt a write.
     const Octets trap = EncodeV2Trap({{"1.3.6.1.4.1.9999.1", EncodeOctetString(std::string(16000, 'x'))}});

@@ -155,7 +155,7 @@ TEST_F(FileLayer, ALoadLocksTheNameStoreUntilItsLogLineIsWritten) {
     EXPECT_FALSE(IsHeld(MibStoreLock));
 }
 
-TEST_F(FileLayer, AFailedEnumerationEndsTheLoadWithItsDirectValuesAndALogLine) {
+TEST_F(FileLayer, AfterAFailedEnumerationIdentifiersReadInFullAreNamedAndTheCountIsLogged) {
     AddMibFile(L"b.mib", "deferred OBJECT IDENTIFIER ::= { mgmt 5 }\n");
     AddMibFile(L"no.doc", "");
     AddMibFile(L"a.mib", "direct OBJECT IDENTIFIER ::= {\n iso org(3) x(9) -1 }\n");

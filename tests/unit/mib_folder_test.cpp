@@ -119,7 +119,7 @@ TEST_F(MibFolder, ParentMayBeInAnyFile) {
     EXPECT_EQ(CountOidNames(), 4);
 }
 
-TEST_F(MibFolder, DirectValueWinsOverDeferredOnesOfAllFiles) {
+TEST_F(MibFolder, IdentifierReadInFullWinsOverPendingDefinitionsOfAllFiles) {
     const char* deferred = "deferred OBJECT-TYPE\n::= { mgmt 1 }\n";
     const char* direct = "direct OBJECT IDENTIFIER ::= { mib-2 }\n";
     for (const bool directFirst : {true, false}) {

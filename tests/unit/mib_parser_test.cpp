@@ -144,7 +144,7 @@ TEST_F(MibParser, StoresTheDefinitionsOfATextAndStartsEachTextWithoutAName) {
     EXPECT_EQ(Definitions(), L"");
 }
 
-TEST_F(MibParser, ValueOfOneNameIsStoredDirectlyAndTheFirstNameWins) {
+TEST_F(MibParser, ValueOfASingleWordIsReadInFullAndTheFirstNameWins) {
     ParseText(L"zero OBJECT IDENTIFIER ::= { internet }\nsecond OBJECT IDENTIFIER ::= { internet }\n");
     EXPECT_EQ(OidOf(L"zero"), L"1.3.6.1");
     EXPECT_EQ(OidOf(L"second"), L"1.3.6.1");

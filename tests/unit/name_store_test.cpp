@@ -88,7 +88,7 @@ TEST_F(NameStore, BuiltinNamesAreComparedCharacterByCharacter) {
     }
 }
 
-TEST_F(NameStore, BuiltinNamesWithoutADefinitionNameNoIdentifier) {
+TEST_F(NameStore, LookupFindsABuiltinNameOnlyIfItIsDefined) {
     StoreDefinition(L"mine", L"enterprises", 1);
     ResolveAll();
     EXPECT_EQ(CountOidNames(), 1);
@@ -107,7 +107,7 @@ TEST_F(NameStore, BuiltinNameWinsOverItsDefinition) {
     EXPECT_EQ(NameOf(L"1.3.6.1.2.1.77"), L"");
 }
 
-TEST_F(NameStore, BuiltinNameWinsOverADirectValue) {
+TEST_F(NameStore, BuiltinIdentifierWinsOverOneReadInFull) {
     StoreNamedOid(L"iso", L"1.2.3");
     EXPECT_EQ(OidOf(L"iso"), L"1");
     StoreDefinition(L"iso", L"mgmt", 1);
@@ -117,7 +117,7 @@ TEST_F(NameStore, BuiltinNameWinsOverADirectValue) {
     EXPECT_EQ(NameOf(L"1.2.3"), L"iso");
 }
 
-TEST_F(NameStore, DirectValueWinsOverADefinition) {
+TEST_F(NameStore, IdentifierReadInFullWinsOverADefinition) {
     StoreDefinition(L"a", L"mgmt", 5);
     StoreNamedOid(L"a", L"1.2.3");
     EXPECT_EQ(OidOf(L"a"), L"1.2.3");

@@ -307,7 +307,7 @@ TEST_F(SocketCalls, WaitingForADatagramFailsOnlyIfTheSystemCallFails) {
 }
 
 // Windows does not signal free buffer space after WSAENOBUFS.
-TEST_F(SocketCalls, WaitingForRoomEndsAfter100MillisecondsAndFailsWhenEndedOrOnError) {
+TEST_F(SocketCalls, WaitingForTheSendBufferEndsAfter100MillisecondsAndFailsIfEndedOrOnError) {
     const UdpSocketRef opened = Open();
     for (const DWORD result : {WAIT_OBJECT_0 + 1, DWORD{WAIT_TIMEOUT}}) {
         fake.waitResult = result;

@@ -16,7 +16,7 @@ TEST(ServerText, ShowsRunningOrStoppedAfterEighteenBlanks) {
     EXPECT_EQ(BuildServerText(false), L"Server:" + Blanks(18) + L"STOPPED");
 }
 
-TEST(ListenText, ShowsBothPortsUnlessStoppedAndWithout161) {
+TEST(ListenText, ShowsPort161IfRunningOrItsSocketIsOpen) {
     const std::wstring both = L"Listening:" + Blanks(14) + L"UDP 162 (traps)  |  UDP 161 (snmp)";
     EXPECT_EQ(BuildListenText(true, true), both);
     EXPECT_EQ(BuildListenText(true, false), both) << "even when the bind of 161 failed";

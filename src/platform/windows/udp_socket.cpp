@@ -37,8 +37,8 @@ struct UdpSocket {
     SystemLock lock;      // guards `handle` while one call uses it
     ScopedSocket handle;  // reset by CloseUdpSocket
 
-    // The system sets it at first, when a datagram is queued, and when the send buffer has space again after
-    // a send failed because it was full. Auto-reset.
+    // Auto-reset. The system sets it once after the socket is opened, when a datagram is queued, and when the
+    // send buffer has space again after a send failed because it was full.
     const ScopedHandle readyEvent{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
     // Set by EndWaiting and CloseUdpSocket, never reset.
     const ScopedHandle endEvent{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
@@ -69,7 +69,8 @@ ReceiveResult ClassifyReceiveError(int error) {
 }
 
 // Without this, an ICMP message about an earlier datagram, which anybody can forge, makes the next receive or
-// send fail. Not checked: if the system refuses, such a receive is retried like any other.
+// send fail. Not checked: if the system refuses, such a receive is retried and such a send is logged as
+// failed.
 void IgnoreIcmpErrors(SOCKET handle) {
     // SIO_UDP_CONNRESET and SIO_UDP_NETRESET, which not every toolchain's headers define.
     constexpr DWORD kUdpConnReset = _WSAIOW(IOC_VENDOR, 12);
