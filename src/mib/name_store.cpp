@@ -23,8 +23,8 @@ struct BuiltinName {
     std::wstring_view oid;
 };
 
-// The roots that MIB files refer to without defining them. They only resolve parents: in
-// records, these identifiers have no name unless a file defines one.
+// The roots that MIB files refer to without defining them. They only resolve parents: in records,
+// these identifiers have no name unless a file defines one.
 constexpr BuiltinName BuiltinNames[] = {
     {L"iso", L"1"},
     {L"org", L"1.3"},
@@ -55,24 +55,12 @@ const Oid* StoreBuiltinOid(std::wstring_view name) {
     return oid;
 }
 
-// Parses an arc in plain decimal. False if `text` is anything else: with leading zeros, out of range, empty.
-bool ReadExactArc(std::wstring_view text, int32_t& arc) {
-    constexpr size_t kMostDigits = 10;
-    const bool negative = text.starts_with(L'-');
-    const std::wstring_view digits = text.substr(negative ? 1 : 0);
-    if (digits.empty() || digits.size() > kMostDigits || (digits.front() == L'0' && text != L"0")) {
-        return false;
-    }
-    int64_t value = 0;
-    for (const wchar_t digit : digits) {
-        if (digit < L'0' || digit > L'9') {
-            return false;
-        }
-        value = value * 10 + (digit - L'0');
-    }
-    value = negative ? -value : value;
-    arc = static_cast<int32_t>(value);
-    return arc == value;
+// Whether `text` is the plain decimal form of `arc`, which ParseDecimalInt read from it: not with leading
+// zeros, and not a number that was clamped.
+bool IsWrittenAs(int32_t arc, std::wstring_view text) {
+    std::wstring digits;
+    AppendSignedDecimal(digits, arc);
+    return text == digits;
 }
 
 // Returns the stored identifier with exactly this text, or null.
@@ -80,12 +68,10 @@ const Oid* FindOid(std::wstring_view text) {
     const Oid* oid = nullptr;
     for (size_t start = 0, end = 0; start <= text.size(); start = end + 1) {
         end = std::min(text.find(L'.', start), text.size());
-        int32_t arc = 0;
-        if (!ReadExactArc(text.substr(start, end - start), arc)) {
-            return nullptr;
-        }
+        const std::wstring_view piece = text.substr(start, end - start);
+        const int32_t arc = ParseDecimalInt(piece);
         const auto found = Oids.find({oid, arc});
-        if (found == Oids.end()) {
+        if (found == Oids.end() || !IsWrittenAs(arc, piece)) {
             return nullptr;
         }
         oid = &*found;

@@ -39,9 +39,6 @@ void ReceiveWhileRunning(UdpSocket& socket, ReceiveBatch& batch) {
         if (result == ReceiveResult::Closed) {
             return;
         }
-        if (!ServerState.running) {
-            break;
-        }
         socketWasEmpty = result == ReceiveResult::NothingQueued;
         if (socketWasEmpty && !WaitForDatagram(socket)) {
             result = ReceiveResult::Failed;

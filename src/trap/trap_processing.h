@@ -1,4 +1,4 @@
-// Processes received traps: shows each as the last one, decodes, records, logs and forwards it.
+// Processes received traps: sets the last trap, decodes, records, logs and forwards.
 #pragma once
 
 #include <cstddef>

@@ -172,7 +172,7 @@ void OpenStatusWindow() {
         return;
     }
     ApplyUiFont(StatusWindowHandle);
-    // First the timer: if memory runs out below, the next click still shows a window that refreshes.
+    // The timer is set first: if memory runs out below, the next click still shows a window that refreshes.
     SetTimer(StatusWindowHandle, kRefreshTimer, kRefreshMilliseconds, nullptr);
     RefreshStatus();
     ShowWindow(StatusWindowHandle, SW_SHOW);

@@ -237,7 +237,7 @@ void OpenViewer(const ViewerKind& kind) {
     // stop showing new text.
     SendMessageW(*kind.edit, EM_SETLIMITTEXT, 0, 0);
     ApplyUiFont(window);
-    // First the timer: if memory runs out below, the next click still shows a view that polls.
+    // The timer is set first: if memory runs out below, the next click still shows a view that polls.
     SetTimer(window, kind.pollTimer, kPollMilliseconds, nullptr);
     ShowWholeFile(kind);
     ShowWindow(window, SW_SHOW);

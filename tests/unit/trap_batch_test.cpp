@@ -118,6 +118,7 @@ TEST_F(Receiving, QueuedDatagramsFormBatchesUntilTheSocketIsClosed) {
     batch_.most = 8;
     Queue(20);
     EXPECT_EQ(ReceiveAll(), (Sizes{8, 8, 4}));
+    EXPECT_FALSE(Fake.waitedForClose) << "a socket that the system closed would never be closed again";
 }
 
 TEST_F(Receiving, TheFirstDatagramAfterAWaitIsABatchOfOne) {
